@@ -1,0 +1,33 @@
+#include "app/command_context.h"
+
+#include "app/options.h"
+#include "common/logging/log_exception.h"
+#include "common/text/wipe.h"
+
+namespace app {
+namespace {
+
+void WipeCredentials(boost::program_options::variables_map& variables) {
+    const auto found = variables.find(option_set_credentials);
+    if (found == variables.end()) return;
+    for (std::string& token : found->second.as<std::vector<std::string>>()) text::wipe(token);
+}
+
+}  // namespace
+
+CommandContext::~CommandContext() {
+    try {
+        ReleaseCaller();
+    } catch (const std::exception& failure) {
+        logging::log_exception(logging::ormacon_tool, failure);
+    }
+    WipeCredentials(variables);
+}
+
+void CommandContext::ReleaseCaller() {
+    boost::shared_ptr<conf_tool::CConfigToolLibCaller> last;
+    last.swap(caller);  // what follows is tried once, also when it fails
+    if (last && last.unique()) last->Unload();
+}
+
+}  // namespace app

@@ -1,0 +1,15 @@
+// The parser's complaints repeat words of the command line; a password must not be among them.
+#pragma once
+
+#include <string>
+
+#include <boost/program_options.hpp>
+
+namespace app {
+
+// The complaint with "***" in place of each word that was given to set-credentials, up to the next known option. A
+// password that begins with a dash looks like an unknown option to the parser.
+std::string ConcealCredentials(std::string complaint, const boost::program_options::options_description& options,
+                               int argc, const char* const* argv);
+
+}  // namespace app

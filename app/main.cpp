@@ -1,0 +1,47 @@
+#include <string>
+#include <vector>
+
+#include "app/run.h"
+#include "common/text/convert.h"
+#include "common/text/wipe.h"
+
+namespace {
+
+std::string ToNarrow(const wchar_t* argument) {
+    std::wstring wide(argument);
+    const text::wipe_at_exit_t wipe_wide(wide);
+    return text::wide_to_utf8(wide);
+}
+
+// A password may be among the arguments.
+class CNarrowArguments {
+public:
+    CNarrowArguments(int argc, const wchar_t* const* wargv) {
+        arguments_.reserve(static_cast<std::size_t>(argc));  // growing would leave copies behind
+        for (int i = 0; i < argc; ++i) {
+            arguments_.push_back(ToNarrow(wargv[i]));
+            pointers_.push_back(arguments_.back().c_str());
+        }
+        pointers_.push_back(nullptr);
+    }
+    ~CNarrowArguments() {
+        for (std::string& argument : arguments_) text::wipe(argument);
+    }
+    CNarrowArguments(const CNarrowArguments&) = delete;
+    CNarrowArguments& operator=(const CNarrowArguments&) = delete;
+
+    const char* const* argv() const { return pointers_.data(); }
+
+private:
+    std::vector<std::string> arguments_;
+    std::vector<const char*> pointers_;
+};
+
+}  // namespace
+
+// The outcome of a command is told on the console; the exit status is 0 wherever this function returns.
+extern "C" int wmain(int argc, wchar_t** wargv) {
+    const CNarrowArguments arguments(argc, wargv);
+    app::Run(argc, arguments.argv());
+    return 0;
+}

@@ -1,0 +1,41 @@
+#include "app/options.h"
+
+#include "common/exc/raise.h"
+
+namespace app {
+namespace {
+
+namespace po = boost::program_options;
+
+void Declare(po::options_description& options) {
+    using words_t = std::vector<std::string>;
+    // The texts are the established ones; the parenthesis of set-credentials has never been closed.
+    // A table, one option a line:
+    // clang-format off
+    options.add_options()
+        (option_help, "Show this help page")
+        (option_show_config, "Show configuration")
+        (option_wizard, "Start configuration wizard")
+        (option_set_credentials, po::value<words_t>()->multitoken(),
+         "Set credentials (use username@domain format for user account")
+        (option_set_host, po::value<std::string>(), "Set backup server host name or IP address")
+        (option_set_port, po::value<int>(), "Set backup server port")
+        (option_set_repositories,
+         "Set Tovak repository as the backup target (up to 4 repositories can be specified for multiple copies)")
+        (option_set_parallelism, po::value<int>(), "Set parallel processing channels count (RMAN parallelism)")
+        (option_map_backup, "Map imported backup")
+        (option_uninstall, "Uninstall the Tovak Plug-in for Oracle RMAN");
+    // clang-format on
+}
+
+}  // namespace
+
+void BuildOptions(CommandContext& context) {
+    try {
+        Declare(context.options);
+    } catch (const std::exception& failure) {
+        exc::rethrow_with_context(failure, "Failed to configure parser");
+    }
+}
+
+}  // namespace app

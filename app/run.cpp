@@ -1,0 +1,39 @@
+#include "app/run.h"
+
+#include <iostream>
+#include <optional>
+
+#include "app/command_context.h"
+#include "app/options.h"
+#include "app/start_up.h"
+#include "common/crash/crash_handler.h"
+#include "wizard/echo_guard.h"
+
+namespace app {
+namespace {
+
+void RunCommand(int argc, const char* const* argv) {
+    CommandContext context;
+    BuildOptions(context);
+    const Command command = ParseCommandLine(context, argc, argv);
+    ExecuteMethod(command.handler, command.method_name);
+    context.ReleaseCaller();
+}
+
+void Print(const char* message) { std::cout << (message == nullptr ? "Unknown error" : message) << std::endl; }
+
+}  // namespace
+
+void Run(int argc, const char* const* argv) {
+    std::optional<wizard::CConsoleSession> console_session;
+    try {
+        crash::install(log_folder);
+        console_session.emplace();
+        InitializeApplication();
+        RunCommand(argc, argv);
+    } catch (const std::exception& failure) {
+        Print(failure.what());
+    }
+}
+
+}  // namespace app

@@ -1,0 +1,26 @@
+#include "app/wizard_commands.h"
+
+#include <boost/make_shared.hpp>
+
+#include "app/direct_commands.h"
+#include "wizard/config_tool_wizard.h"
+
+namespace app {
+namespace {
+
+// Not asked of the library here; the limit of Standard Edition does not hold for this command.
+constexpr int unlimited_edition = 2;
+
+}  // namespace
+
+void SetRepository(CommandContext& context) {
+    EnsureDirectCaller(context);
+    wizard::CConfigToolWizard(context.caller, unlimited_edition).AskRepositories();
+}
+
+void StartWizard(CommandContext& context) {
+    context.caller = boost::make_shared<conf_tool::CConfigToolLibCaller>(conf_tool::CallerMode::Wizard);
+    wizard::CConfigToolWizard(context.caller).StartWizard();
+}
+
+}  // namespace app

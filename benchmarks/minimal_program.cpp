@@ -1,0 +1,76 @@
+// What no program with the same duties can leave out, and nothing else: COM, four registry values, the folder of the
+// log, one log file, a text on standard output; with --show-config also the library and one call.
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "conf_tool/library_interface.h"
+#include "common/win32.h"
+
+#include <objbase.h>
+#include <shlobj.h>
+
+namespace {
+
+bool has_registry_value(const wchar_t* key, const wchar_t* name) {
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_QUERY_VALUE | KEY_WOW64_64KEY, &opened) != ERROR_SUCCESS) {
+        return false;
+    }
+    std::array<unsigned char, 1024> data{};
+    DWORD size = data.size();
+    const LSTATUS status = RegQueryValueExW(opened, name, nullptr, nullptr, data.data(), &size);
+    RegCloseKey(opened);
+    return status == ERROR_SUCCESS;
+}
+
+void write(HANDLE target, std::string_view text) {
+    DWORD written = 0;
+    WriteFile(target, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+}
+
+HANDLE open_log() {
+    std::array<wchar_t, MAX_PATH> folder{};
+    SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder.data());
+    const std::wstring path = std::wstring(folder.data()) + L"\\Ormacon_minimal.log";
+    return CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
+                       nullptr);
+}
+
+template <class Function>
+Function find(HMODULE library, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(library, name)));
+}
+
+void ask_library() {
+    using namespace conf_tool;
+    const HMODULE library = LoadLibraryW(L"OrmaconLib.dll");
+    const auto get_config = find<GetConfigFn>(library, "GetConfig");
+    const auto free_string = find<FreeStringFn>(library, "FreeString");
+    const auto free_repositories = find<FreeRepositoriesFn>(library, "FreeRepositories");
+    std::array<LibraryText, 4> texts{};
+    std::int32_t port = 0, parallelism = 0, count = 0;
+    LibraryRecords records = nullptr;
+    LibraryError error = nullptr;
+    get_config(&texts[0], &texts[1], &texts[2], &texts[3], &port, &parallelism, &records, &count, &error);
+    for (wchar_t* text : texts) free_string(text);
+    free_repositories(records, count);
+    FreeLibrary(library);
+}
+
+}  // namespace
+
+extern "C" int wmain(int argc, wchar_t** argv) {
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    has_registry_value(L"SOFTWARE\\Tovak\\Tovak RMAN Plugin", L"LinkTargetPath");
+    has_registry_value(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory");
+    has_registry_value(L"SOFTWARE\\Tovak\\Tovak Central", L"AgentMaxLogSize");
+    has_registry_value(L"SOFTWARE\\Tovak\\Tovak Central", L"AgentMaxLogCount");
+    const HANDLE log = open_log();
+    write(log, "The program has started.\r\n");
+    if (argc > 1 && std::wstring_view(argv[1]) == L"--show-config") ask_library();
+    write(GetStdHandle(STD_OUTPUT_HANDLE), "Done.\r\n");
+    CloseHandle(log);
+    return 0;
+}

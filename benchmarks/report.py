@@ -1,0 +1,149 @@
+"""Reads what Google Benchmark wrote and prints the table: each figure is the median of the repetitions."""
+import json
+import statistics
+import subprocess
+import sys
+from pathlib import Path
+
+NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+
+class Results:
+    """Median times in nanoseconds and counters, by the name of what was measured."""
+
+    def __init__(self, folder):
+        self.times = {}
+        self.memory = {}
+        for file in sorted(folder.glob("*.json")):
+            repetitions = {}
+            for run in json.loads(file.read_text())["benchmarks"]:
+                if run["run_type"] != "iteration":
+                    continue
+                if run.get("error_occurred"):
+                    sys.exit(f"failed: {run['name']}: {run['error_message']}")
+                repetitions.setdefault(run["run_name"], []).append(run["real_time"] * NANOSECONDS[run["time_unit"]])
+                if "memory" in run:
+                    self.memory[run["run_name"]] = run["memory"]
+            self.times |= {name: statistics.median(times) for name, times in repetitions.items()}
+
+    def has(self, name):
+        return name in self.times
+
+    def __getitem__(self, name):
+        return self.times[name]
+
+
+def duration(nanoseconds):
+    for unit, factor in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
+        if nanoseconds >= factor:
+            return f"{nanoseconds / factor:.3g} {unit}"
+    return f"{nanoseconds:.3g} ns"
+
+
+class Table:
+    def __init__(self):
+        self.rows = [("what", "measured", "against", "figure", "to reach", "")]
+
+    def row(self, what, measured, against, figure, target, reached):
+        """A row without a target is there to be looked at."""
+        verdict = "" if not target else "reached" if reached else "MISSED"
+        self.rows.append((what, measured, against, figure, target, verdict))
+
+    def at_most(self, what, measured, against, name, limit):
+        """The time in proportion to the other's."""
+        figure = measured / against
+        self.row(what, duration(measured), f"{name} {duration(against)}", f"{figure:.2f} times", f"<= {limit:.2f}",
+                 figure <= limit)
+
+    def at_least(self, what, measured, against, name, limit=None):
+        """The speed in proportion to the other's."""
+        figure = against / measured
+        self.row(what, duration(measured), f"{name} {duration(against)}", f"{figure:.2f} of its speed",
+                 "" if limit is None else f">= {limit:.2f}", limit is None or figure >= limit)
+
+    def print(self):
+        widths = [max(len(row[i]) for row in self.rows) for i in range(len(self.rows[0]))]
+        for number, row in enumerate(self.rows):
+            print("| " + " | ".join(cell.ljust(width) for cell, width in zip(row, widths)) + " |")
+            if number == 0:
+                print("|" + "|".join("-" * (width + 2) for width in widths) + "|")
+
+
+def log_rows(table, results):
+    one, eight = (f"log/{{}}/real_time/threads:{threads}" for threads in (1, 8))
+    if not results.has(one.format("product")):
+        return
+    record = results[one.format("product")]
+    table.at_least("log record, 1 thread", record, results[one.format("write_file")], "WriteFile", 0.9)
+    table.at_least("log record, 1 thread", record, results[one.format("spdlog")], "spdlog", 1.4)
+    shared = results[eight.format("product")]
+    table.at_most("log record, 8 threads", shared, record, "1 thread", 1.25)
+    table.at_least("log record, 8 threads", shared, results[eight.format("spdlog")], "spdlog", 1)
+    table.at_least("log record, 8 threads", shared, results[eight.format("write_file")], "WriteFile")
+
+
+def archive_rows(table, results):
+    name = "archive/product/{}/real_time"
+    if not results.has(name.format(15)):
+        return
+    table.at_most("archiving 15 MiB", results[name.format(15)], results["archive/deflate/15/real_time"], "deflate", 1.08)
+    memory = [results.memory[name.format(size)] for size in (1, 15, 60)]
+    table.row("memory for 1, 15, 60 MiB", ", ".join(f"{bytes / 1024:.0f}" for bytes in memory) + " KiB", "itself",
+              f"{max(memory) / 1024:.0f} KiB", "< 1 MiB, constant", max(memory) < 2**20 and max(memory) == min(memory))
+
+
+def format_rows(table, results):
+    for size in ("short", "long"):
+        if not results.has(f"format/product/{size}"):
+            return
+        product, fmt, boost = (results[f"format/{name}/{size}"] for name in ("product", "fmt", "boost"))
+        table.at_most(f"format_message, {size}", product, fmt, "fmt", 1)
+        table.at_least(f"format_message, {size}", product, boost, "boost::format", 10)
+
+
+def convert_rows(table, results):
+    for size, text in ((64, "64 characters"), (65536, "64 KiB")):
+        for way, title in (("to_utf8", "to UTF-8"), ("to_wide", "to UTF-16")):
+            if not results.has(f"convert/product/{way}/{size}"):
+                return
+            table.at_most(f"{title}, {text}", results[f"convert/product/{way}/{size}"],
+                          results[f"convert/system/{way}/{size}"], "system call", 2.2)
+
+
+def process_rows(table, results):
+    for option in ("help", "show-config"):
+        if not results.has(f"process/product/{option}/real_time"):
+            return
+        table.at_most(f"--{option}", results[f"process/product/{option}/real_time"],
+                      results[f"process/minimal/{option}/real_time"], "minimal program", 1.1)
+
+
+def repository_rows(table, results):
+    for part, name in (("step", "repositories/step/{}/manual_time"), ("selection", "repositories/selection/{}")):
+        if not results.has(name.format(1000)):
+            return
+        each = [results[name.format(count)] / count for count in (1000, 10_000, 100_000)]
+        spread = max(each) / min(each)
+        table.row(f"repository {part}, each of 1,000, 10,000, 100,000", ", ".join(map(duration, each)), "itself",
+                  f"{spread:.2f} times", "<= 1.25" if part == "step" else "", spread <= 1.25)
+
+
+def size_row(table, program):
+    sections = subprocess.run(["x86_64-w64-mingw32-objdump", "-h", program], check=True, capture_output=True,
+                              text=True).stdout
+    bare = ".debug_" not in sections and program.with_suffix(".debug").exists()
+    mebibytes = program.stat().st_size / 2**20
+    table.row("program file", f"{mebibytes:.2f} MiB", "", "no debug data" if bare else "DEBUG DATA, or none beside it",
+              "< 2.5 MiB", mebibytes < 2.5 and bare)
+
+
+def main():
+    results = Results(Path(sys.argv[1]))
+    table = Table()
+    for rows in (log_rows, archive_rows, format_rows, convert_rows, process_rows, repository_rows):
+        rows(table, results)
+    size_row(table, Path(sys.argv[2]) / "Ormacon.exe")
+    table.print()
+
+
+main()

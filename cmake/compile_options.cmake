@@ -1,0 +1,24 @@
+# What every target of this project is compiled and linked with.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+set(ORMACON_OUTPUT "${CMAKE_BINARY_DIR}/bin" CACHE PATH "Where programs and libraries are put")
+option(ORMACON_UBSAN "Trap on undefined behaviour" OFF)
+
+add_compile_definitions(
+  UNICODE _UNICODE _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX _GLIBCXX_ASSERTIONS
+  BOOST_ALL_NO_LIB BOOST_BIND_GLOBAL_PLACEHOLDERS)
+add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Werror -fstack-protector-strong)
+add_link_options(-static -fstack-protector-strong -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+if(ORMACON_UBSAN)
+  add_compile_options(-fsanitize=undefined -fsanitize-undefined-trap-on-error)
+endif()
+
+# ormacon_library(NAME SOURCES... LINK libraries...): a static library of one folder.
+function(ormacon_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${name} PUBLIC ${arg_LINK})
+endfunction()

@@ -1,0 +1,60 @@
+#include "common/crash/out_of_proc_dump_gen.h"
+
+#include "common/crash/recorder/exit_codes.h"
+#include "common/crash/recorder_exit_text.h"
+#include "common/crash/recorder_file.h"
+#include "common/crash/recorder_process.h"
+#include "common/exc/format_message.h"
+#include "common/exc/raise.h"
+#include "common/logging/component.h"
+#include "common/platform/module.h"
+#include "common/text/convert.h"
+
+namespace crash::win32 {
+namespace {
+
+platform::unique_handle duplicate_process_handle() {
+    platform::unique_handle process;
+    const HANDLE current = GetCurrentProcess();
+    if (!DuplicateHandle(current, current, current, process.put(), 0, TRUE, DUPLICATE_SAME_ACCESS)) {
+        exc::win_sys_exc_t failure(GetLastError());
+        exc::add_win_error(
+            failure, failure.error_code,
+            "Cannot initialize out-of-process dump generator: failed to duplicate current process handle");
+        failure.add_text("Failed to create out-of-process dump generator");
+        throw failure;
+    }
+    return process;
+}
+
+template <class Number>
+std::wstring decimal(Number number) {
+    return std::to_wstring(number) + L" ";
+}
+
+std::wstring quoted(const std::wstring& value) { return L"\"" + value + L"\" "; }
+
+}  // namespace
+
+COutOfProcDumpGen::COutOfProcDumpGen(unsigned most_dumps)
+    : most_dumps_(most_dumps), process_(duplicate_process_handle()) {}
+
+std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::wstring& path) const {
+    const std::wstring folder = platform::parent_of(path);
+    return decimal(reinterpret_cast<std::uintptr_t>(process_.get())) + decimal(GetCurrentProcessId()) +
+           decimal(failure.thread_id) + decimal(reinterpret_cast<std::uintptr_t>(failure.pointers)) + quoted(folder) +
+           quoted(path.substr(folder.size() + 1)) + std::to_wstring(most_dumps_);
+}
+
+void COutOfProcDumpGen::generate(const failure_t& failure, const std::wstring& path) {
+    const std::wstring folder = platform::parent_of(path);
+    const recorder_file_t recorder(folder);
+    logging::ormacon_tool.info(exc::format_message("Generating dump to %1", text::wide_to_utf8(folder)));
+    const std::uint32_t code =
+        wait_for_recorder(start_recorder(recorder.path(), arguments(failure, path), process_.get()));
+    if (code == recorder_success) return;
+    exc::raise(exc::format_message("Dump generator process failed with %1: %2",
+                                   {std::to_string(code), recorder_exit_text(code)}));
+}
+
+}  // namespace crash::win32

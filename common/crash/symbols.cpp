@@ -1,0 +1,90 @@
+#include "common/crash/symbols.h"
+
+#include <array>
+#include <cstdio>
+
+#include "common/crash/system_library.h"
+#include "common/text/convert.h"
+
+namespace crash {
+namespace {
+
+constexpr const wchar_t* search_path = L"%_NT_SYMBOL_PATH%;%_NT_ALT_SYMBOL_PATH%;%SystemRoot%\\Symbols";
+constexpr std::size_t longest_name = 512;
+
+struct named_symbol_t {
+    SYMBOL_INFOW info;
+    wchar_t rest_of_name[longest_name];
+};
+
+std::wstring expanded_search_path() {
+    std::wstring path(ExpandEnvironmentStringsW(search_path, nullptr, 0), L'\0');
+    ExpandEnvironmentStringsW(search_path, path.data(), static_cast<DWORD>(path.size()));
+    return path;
+}
+
+template <class... Arguments>
+std::string print(const char* format, Arguments... arguments) {
+    std::array<char, 128> line{};
+    std::snprintf(line.data(), line.size(), format, arguments...);
+    return line.data();
+}
+
+// " Ormacon.exe + 0x1234", or nothing for an address outside of all modules.
+std::string module_at(std::uint64_t address) {
+    HMODULE module = nullptr;
+    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                            reinterpret_cast<const wchar_t*>(address), &module)) {
+        return {};
+    }
+    std::array<wchar_t, MAX_PATH> path{};
+    GetModuleFileNameW(module, path.data(), MAX_PATH);
+    const std::wstring text = path.data();
+    return " " + text::wide_to_utf8(text.substr(text.find_last_of(L'\\') + 1)) +
+           print(" + 0x%llx", address - reinterpret_cast<std::uint64_t>(module));
+}
+
+}  // namespace
+
+symbols_t::symbols_t() : library_(load_system_library(L"dbghelp.dll")) {
+    if (!library_) return;
+    const auto set_options = find_function<decltype(&SymSetOptions)>(library_, "SymSetOptions");
+    const auto initialise = find_function<decltype(&SymInitializeW)>(library_, "SymInitializeW");
+    get_module_info_ = find_function<decltype(&SymGetModuleInfoW64)>(library_, "SymGetModuleInfoW64");
+    from_address_ = find_function<decltype(&SymFromAddrW)>(library_, "SymFromAddrW");
+    if (!set_options || !initialise || !get_module_info_ || !from_address_) return;
+    set_options(SYMOPT_UNDNAME | SYMOPT_FAIL_CRITICAL_ERRORS | SYMOPT_NO_PROMPTS);
+    initialised_ = initialise(GetCurrentProcess(), expanded_search_path().c_str(), TRUE);
+}
+
+symbols_t::~symbols_t() {
+    const auto clean_up = find_function<decltype(&SymCleanup)>(library_, "SymCleanup");
+    if (initialised_ && clean_up != nullptr) clean_up(GetCurrentProcess());
+}
+
+std::string symbols_t::describe_module(std::uint64_t begin) const {
+    if (!initialised_) return "no symbols are available";
+    IMAGEHLP_MODULEW64 info{};
+    info.SizeOfStruct = sizeof info;
+    if (!get_module_info_(GetCurrentProcess(), begin, &info)) {
+        return print("no matching symbolic information found (error code: 0x%08x)",
+                     static_cast<unsigned>(GetLastError()));
+    }
+    return info.SymType == SymNone ? "no symbols are available" : "symbols loaded";
+}
+
+std::string symbols_t::function_at(std::uint64_t address) const {
+    if (!initialised_) return {};
+    named_symbol_t symbol{};
+    symbol.info.SizeOfStruct = sizeof symbol.info;
+    symbol.info.MaxNameLen = longest_name;
+    DWORD64 distance = 0;
+    if (!from_address_(GetCurrentProcess(), address, &distance, &symbol.info)) return {};
+    return " " + text::wide_to_utf8(symbol.info.Name) + print(" + 0x%llx", static_cast<std::uint64_t>(distance));
+}
+
+std::string symbols_t::describe_address(std::uint64_t address) const {
+    return print("0x%08llx", address) + module_at(address) + function_at(address);
+}
+
+}  // namespace crash

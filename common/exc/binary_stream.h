@@ -1,0 +1,20 @@
+// The primitives of the serialised form: little-endian numbers, counted texts, one-byte flags.
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+
+namespace exc {
+
+// The readers raise runtime_exc_t "Serialised exception is cut off." when the stream ends early. A length that the
+// stream does not hold costs no more memory than the stream has bytes.
+std::uint32_t read_u32(std::istream& source);
+std::string read_text(std::istream& source);
+bool read_flag(std::istream& source);
+
+void write_u32(std::ostream& target, std::uint32_t value);
+void write_text(std::ostream& target, const std::string& text);
+void write_flag(std::ostream& target, bool flag);
+
+}  // namespace exc

@@ -1,0 +1,112 @@
+// The exception family of the program.
+//
+// An exception carries an ordered list of message parts instead of one string: a catcher on the way out appends its
+// sentence, and technical detail stays apart from what is meant for the user.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
+
+#include "common/exc/trace_records.h"
+
+namespace exc {
+
+struct message_part_t {
+    std::string text;    // UTF-8
+    bool trace = false;  // true for technical detail, marked "--tr:" in what()
+};
+
+class exc_base_t : public std::exception {
+public:
+    // Records the calling thread as the thrower.
+    exc_base_t();
+    ~exc_base_t() override = default;
+
+    // All parts joined with "\n", each trace part preceded by "--tr:". Valid while this object is unchanged.
+    const char* what() const noexcept override { return composed_.c_str(); }
+
+    // A heap copy of the dynamic type, for handing the failure to another thread.
+    virtual boost::shared_ptr<exc_base_t> clone() const = 0;
+
+    // Throws a copy of the dynamic type.
+    [[noreturn]] virtual void rethrow() const = 0;
+
+    // Appends the parts of a serialised exception to the present ones and takes over its thread id and trace
+    // records. Raises runtime_exc_t for a cut-off form and for an unknown trace event.
+    virtual void read(std::istream& source);
+
+    // Writes parts, thread id and trace records, little-endian: 32-bit counts, texts as a 32-bit byte length and
+    // their bytes, flags as one byte.
+    virtual void write(std::ostream& target) const;
+
+    void add_text(const std::string& text);
+    void add_trace_text(const std::string& text);
+
+    // Appends the trace part "Error code: 0x" and eight lower-case hexadecimal digits.
+    void add_error_code(std::uint32_t code);
+
+    // Rebuilds both composed messages from the parts.
+    void compose_messages();
+
+    // All parts joined with "\n", without marks.
+    const std::string& plain_message() const { return plain_; }
+
+    const std::vector<message_part_t>& parts() const { return parts_; }
+
+    // The Win32 id of the thread that constructed this exception.
+    std::uint32_t thrower_thread_id() const { return thrower_thread_id_; }
+
+    // Filled only by read().
+    const trace_records_t& trace_records() const { return trace_records_; }
+
+protected:
+    exc_base_t(const exc_base_t&) = default;
+    exc_base_t& operator=(const exc_base_t&) = default;
+
+private:
+    void add_part(const std::string& text, bool trace);
+
+    std::vector<message_part_t> parts_;
+    std::string composed_;
+    std::string plain_;
+    trace_records_t trace_records_;
+    std::uint32_t thrower_thread_id_;
+};
+
+// An ordinary failure with a text.
+class runtime_exc_t : public exc_base_t {
+public:
+    boost::shared_ptr<exc_base_t> clone() const override;
+    [[noreturn]] void rethrow() const override;
+};
+
+// A failed call of the operating system.
+class win_sys_exc_t : public exc_base_t {
+public:
+    explicit win_sys_exc_t(std::uint32_t code) : error_code(code) {}
+    boost::shared_ptr<exc_base_t> clone() const override;
+    [[noreturn]] void rethrow() const override;
+
+    std::uint32_t error_code;
+};
+
+// A file that another process holds locked.
+class file_locked_exc_t : public exc_base_t {
+public:
+    boost::shared_ptr<exc_base_t> clone() const override;
+    [[noreturn]] void rethrow() const override;
+};
+
+// Work that was ended from outside while it ran, such as a read of the console that was cancelled.
+class term_exc_t : public exc_base_t {
+public:
+    boost::shared_ptr<exc_base_t> clone() const override;
+    [[noreturn]] void rethrow() const override;
+};
+
+}  // namespace exc

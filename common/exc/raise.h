@@ -1,0 +1,31 @@
+// How failures are raised and how a catcher adds its sentence.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string_view>
+
+#include "common/exc/exceptions.h"
+
+namespace exc {
+
+// Throws Exception with the message as its one part.
+template <class Exception = runtime_exc_t>
+[[noreturn]] void raise(std::string_view message) {
+    Exception failure;
+    failure.add_text(std::string(message));
+    throw failure;
+}
+
+// Adds the three parts of a failed system call: the system's text for the code, the message, the error code.
+void add_win_error(exc_base_t& failure, std::uint32_t code, std::string_view message);
+
+// Throws win_sys_exc_t with these parts. Take GetLastError() before building the message: building it may call the
+// system.
+[[noreturn]] void raise_win_error(std::uint32_t code, std::string_view message);
+
+// Throws runtime_exc_t with the parts of the cause (for a foreign exception its what() as one plain part) and then
+// the context as a plain part.
+[[noreturn]] void rethrow_with_context(const std::exception& cause, std::string_view context);
+
+}  // namespace exc

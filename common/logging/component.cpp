@@ -1,0 +1,9 @@
+#include "common/logging/component.h"
+
+#include "common/logging/process_logger.h"
+
+namespace logging {
+
+void component_t::log(const record_t& record) const noexcept { process_logger().log(record); }
+
+}  // namespace logging

@@ -1,0 +1,21 @@
+// How a caught exception comes into the log.
+#pragma once
+
+#include <exception>
+#include <string_view>
+
+#include "common/logging/component.h"
+
+namespace logging {
+
+// what() at the warning level; "Exception message is not available." at the error level when there is none.
+void log_exception(const component_t& component, const std::exception& exception) noexcept;
+
+// The prefix, "\n" and what() at the warning level.
+void log_exception(const component_t& component, std::string_view prefix, const std::exception& exception) noexcept;
+
+// For a failure that may come from another thread: what() followed by
+// "\nAn exception was thrown from thread [%1].", where the thread is "n/a" when it is not known.
+void log_exception_with_thread(const component_t& component, const std::exception& exception) noexcept;
+
+}  // namespace logging

@@ -1,0 +1,32 @@
+// The paths that one log may be written to.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
+
+#include "common/logging/log_file.h"
+
+namespace logging {
+
+class log_file_set_t {
+public:
+    explicit log_file_set_t(std::vector<std::wstring> paths) : paths_(std::move(paths)) {}
+
+    // "Name.log" and, for programs that run at the same time, "Name_2.log" to "Name_10.log".
+    static log_file_set_t numbered(const std::wstring& first_path);
+
+    // Opens the first file that is not locked. Raises exc::runtime_exc_t "Log paths list is empty.",
+    // exc::file_locked_exc_t "All log files are locked.", or exc::win_sys_exc_t when a file that is not locked cannot
+    // be opened.
+    boost::shared_ptr<receiver::log_file_t> open(const size_limits_t& limits,
+                                                 const receiver::log_file_t::report_t& report) const;
+
+    const std::vector<std::wstring>& paths() const { return paths_; }
+
+private:
+    std::vector<std::wstring> paths_;
+};
+
+}  // namespace logging

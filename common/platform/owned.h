@@ -1,0 +1,84 @@
+// Owners of system resources: one type for each closing function and invalid value.
+#pragma once
+
+#include <utility>
+
+#include "common/win32.h"
+
+namespace platform {
+
+// Holder gives type, invalid() and close(type).
+template <class Holder>
+class unique_t {
+public:
+    using type = typename Holder::type;
+
+    unique_t() = default;
+    explicit unique_t(type value) noexcept : value_(value) {}
+    unique_t(unique_t&& other) noexcept : value_(other.release()) {}
+    unique_t& operator=(unique_t&& other) noexcept {
+        if (this != &other) reset(other.release());
+        return *this;
+    }
+    ~unique_t() { reset(); }
+
+    type get() const noexcept { return value_; }
+    explicit operator bool() const noexcept { return value_ != Holder::invalid(); }
+    type release() noexcept { return std::exchange(value_, Holder::invalid()); }
+
+    // Closes what is held; the thread's last error stays as it is.
+    void reset(type value = Holder::invalid()) noexcept {
+        const type old = std::exchange(value_, value);
+        if (old == Holder::invalid()) return;
+        const DWORD last_error = GetLastError();
+        Holder::close(old);
+        SetLastError(last_error);
+    }
+
+    // For calls that give a value out. What was held is closed first.
+    type* put() noexcept {
+        reset();
+        return &value_;
+    }
+
+private:
+    type value_ = Holder::invalid();
+};
+
+struct handle_holder_t {
+    using type = HANDLE;
+    static type invalid() noexcept { return nullptr; }
+    static void close(type value) noexcept { CloseHandle(value); }
+};
+
+struct file_holder_t {
+    using type = HANDLE;
+    static type invalid() noexcept { return INVALID_HANDLE_VALUE; }
+    static void close(type value) noexcept { CloseHandle(value); }
+};
+
+struct find_holder_t {
+    using type = HANDLE;
+    static type invalid() noexcept { return INVALID_HANDLE_VALUE; }
+    static void close(type value) noexcept { FindClose(value); }
+};
+
+struct module_holder_t {
+    using type = HMODULE;
+    static type invalid() noexcept { return nullptr; }
+    static void close(type value) noexcept { FreeLibrary(value); }
+};
+
+struct registry_key_holder_t {
+    using type = HKEY;
+    static type invalid() noexcept { return nullptr; }
+    static void close(type value) noexcept { RegCloseKey(value); }
+};
+
+using unique_handle = unique_t<handle_holder_t>;              // null is invalid: processes, threads, events
+using unique_file = unique_t<file_holder_t>;                  // minus one is invalid: CreateFileW
+using unique_find = unique_t<find_holder_t>;                  // FindFirstFileW
+using unique_module = unique_t<module_holder_t>;              // LoadLibraryW
+using unique_registry_key = unique_t<registry_key_holder_t>;  // RegOpenKeyExW
+
+}  // namespace platform

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+struct version_resource_t {
+    std::string file_version;  // four numbers joined with dots
+    std::string comments;      // UTF-8
+};
+
+// The version resource of a program file; members that it does not have are empty, as they all are when it has no
+// version resource.
+version_resource_t read_version_resource(const std::wstring& path);
+
+}  // namespace platform

@@ -1,0 +1,67 @@
+#include "common/plugin/working_directory.h"
+
+#include <optional>
+
+#include <boost/filesystem.hpp>
+
+#include "common/exc/format_message.h"
+#include "common/exc/raise.h"
+#include "common/logging/component.h"
+#include "common/platform/module.h"
+#include "common/platform/registry.h"
+#include "common/text/convert.h"
+
+namespace plugin {
+namespace {
+
+using exc::format_message;
+using logging::plugin_common;
+
+std::wstring read_target_link_path() {
+    const auto path = platform::read_registry_value(plugin_registry_key, link_target_path_value).text();
+    if (!path || path->empty()) exc::raise("The registry value is not a text or is empty.");
+    return *path;
+}
+
+std::optional<std::wstring> find_target_link_path() try {
+    std::wstring path = read_target_link_path();
+    plugin_common.info(format_message("Target link path: %1", text::wide_to_utf8(path)));
+    return path;
+} catch (const std::exception& failure) {
+    plugin_common.info(format_message("Cannot find target link path in the registry: %1", failure.what()));
+    return std::nullopt;
+}
+
+std::wstring module_directory() {
+    const platform::module_path_t module = platform::current_module_path();
+    const std::string path = text::wide_to_utf8(module.path);
+    plugin_common.info(format_message(module.is_library ? "Getting current directory by dynamic lib path [%1]"
+                                                        : "Getting current directory by module path [%1]",
+                                      path));
+    const auto target = platform::symlink_target(module.path);
+    if (!target) return platform::parent_of(module.path);
+    plugin_common.info(
+        format_message("Path to executable [%1] is symlink to [%2]", {path, text::wide_to_utf8(*target)}));
+    return platform::parent_of(platform::resolve_link(module.path, *target));
+}
+
+std::wstring module_directory_or_empty() try { return module_directory(); } catch (const std::exception& failure) {
+    plugin_common.log(logging::level_warning, failure.what());
+    return {};
+}
+
+}  // namespace
+
+std::wstring get_current_directory() {
+    if (auto path = find_target_link_path()) return *path;
+    std::wstring directory = module_directory_or_empty();
+    if (directory.empty()) {
+        boost::system::error_code unknown;
+        directory = boost::filesystem::current_path(unknown).wstring();
+        plugin_common.info(format_message("Failed to get current directory path. Temporary value [%1]",
+                                          text::wide_to_utf8(directory)));
+    }
+    return directory;
+}
+
+}  // namespace plugin

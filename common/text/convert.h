@@ -1,0 +1,27 @@
+// The conversions between UTF-16 and narrow text; no other place of the program converts encodings.
+//
+// A source with an embedded null is cut there. An empty source gives an empty result without asking the system. A
+// failure raises exc::win_sys_exc_t: the system's text, the sentence named at the function, the error code.
+#pragma once
+
+#include <string>
+
+namespace text {
+
+// "Unicode string cannot be converted to multibyte string."
+std::string wide_to_ansi(const std::wstring& source);
+std::string wide_to_ansi(const wchar_t* source);
+
+// "Multibyte string cannot be converted to unicode string. Source string: [%1]."
+std::wstring ansi_to_wide(const std::string& source);
+
+// "Unicode string cannot be converted to UTF8 string."
+std::string wide_to_utf8(const std::wstring& source);
+
+// "Multibyte UTF8 string cannot be converted to unicode string. Source string: [%1]."
+std::wstring utf8_to_wide(const std::string& source);
+
+// For the error texts of the system alone: never raises, a text that cannot be converted gives an empty one.
+std::string wide_to_utf8_or_empty(const wchar_t* source) noexcept;
+
+}  // namespace text

@@ -1,0 +1,11 @@
+// The one way in which Windows' headers come in; included last, after the C++ and project headers.
+#pragma once
+
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+
+#include <windows.h>

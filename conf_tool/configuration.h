@@ -1,0 +1,41 @@
+// The tool's own values of what the configuration library keeps.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace conf_tool {
+
+struct RepositoryEntry {
+    std::wstring id;
+    std::wstring name;
+    double capacity = 0;
+    double free_space = 0;
+    bool encryptionEnabled = false;
+};
+
+// A size in bytes as it stands in the log.
+std::string SizeText(double bytes);
+
+// Everything that GetConfig returns. Holds the password: not copied, wiped at its end.
+struct ConfigurationSnapshot {
+    ConfigurationSnapshot() = default;
+    ~ConfigurationSnapshot();
+    ConfigurationSnapshot(const ConfigurationSnapshot&) = delete;
+    ConfigurationSnapshot& operator=(const ConfigurationSnapshot&) = delete;
+
+    std::wstring host;
+    int port = 0;
+    std::wstring user_name;
+    std::wstring domain;
+    std::wstring password;
+    int parallelism = 0;
+    std::vector<RepositoryEntry> repositories;
+};
+
+struct MapBackupResult {
+    int code = 0;  // 0 is success
+    std::wstring text;
+};
+
+}  // namespace conf_tool

@@ -1,0 +1,54 @@
+#include "conf_tool/library_memory.h"
+
+#include "common/exc/raise.h"
+
+namespace conf_tool {
+namespace {
+
+std::wstring CopyOrEmpty(const wchar_t* text) { return text == nullptr ? std::wstring() : std::wstring(text); }
+
+RepositoryEntry ToEntry(const plug_common::SRepositoryCType& record) {
+    return {CopyOrEmpty(record.id), CopyOrEmpty(record.name), record.capacity, record.free_space,
+            record.encryptionEnabled != 0};
+}
+
+}  // namespace
+
+CLibraryText::CLibraryText(LibraryText text, FreeStringFn free_string) {
+    if (text != nullptr) owner_.reset(text, free_string);
+}
+
+const wchar_t* CLibraryText::Get() const {
+    if (!owner_) exc::raise("Configuration library returned no text");
+    return owner_.get();
+}
+
+CLibraryRepositories::CLibraryRepositories(LibraryRecords records, std::int32_t count,
+                                           FreeRepositoriesFn free_repositories)
+    : owner_(records,
+             [count, free_repositories](LibraryRecords owned) {
+                 if (owned != nullptr || count == 0) free_repositories(owned, count);
+             }),
+      count_(count) {}
+
+std::vector<RepositoryEntry> CLibraryRepositories::Copy() const {
+    if (!owner_ && count_ > 0) exc::raise("Configuration library returned no repositories");
+    std::vector<RepositoryEntry> entries;
+    for (std::int32_t i = 0; i < count_; ++i) {
+        const plug_common::SRepositoryCType* record = owner_.get()[i];
+        entries.push_back(record == nullptr ? RepositoryEntry{} : ToEntry(*record));
+    }
+    return entries;
+}
+
+std::vector<plug_common::SRepositoryCType> ToLibraryRecords(const std::vector<RepositoryEntry>& entries) {
+    std::vector<plug_common::SRepositoryCType> records;
+    records.reserve(entries.size());
+    for (const RepositoryEntry& entry : entries) {
+        records.push_back(
+            {entry.id.c_str(), entry.name.c_str(), entry.capacity, entry.free_space, entry.encryptionEnabled ? 1 : 0});
+    }
+    return records;
+}
+
+}  // namespace conf_tool

@@ -1,0 +1,56 @@
+#include "demo_library/answer.h"
+
+#include "demo_library/failure.h"
+#include "demo_library/ledger.h"
+#include "demo_library/text.h"
+
+#include <windows.h>
+
+namespace demo_library {
+namespace {
+
+void write_to_nowhere() {
+    volatile std::uintptr_t nowhere = 64;  // in the page that is never mapped; read back, so nobody knows the value
+    *reinterpret_cast<volatile int*>(nowhere) = 1;
+}
+
+void strike(const fault_t& fault) {
+    Sleep(fault.delay);
+    if (fault.crash == crash_t::access_violation) write_to_nowhere();
+    if (fault.crash == crash_t::exception) throw wanted_exception_t();
+    if (fault.silent) throw silent_failure_t();
+    if (fault.text) throw failure_t(*fault.text);
+}
+
+// The text that goes out for the exception in flight, null when it has none.
+wchar_t* error_text() {
+    try {
+        throw;
+    } catch (const failure_t& failure) {
+        return hand_out(failure.text());
+    } catch (const silent_failure_t&) {
+        return nullptr;
+    } catch (const std::exception& exception) {
+        return hand_out(L"The demonstration library failed: " + to_wide(exception.what()));
+    }
+}
+
+}  // namespace
+
+scenario_t enter(const char* function) {
+    const std::uint32_t call = count_call(function);
+    scenario_t scenario = load_scenario();
+    const auto fault = scenario.faults.find(function);
+    if (fault != scenario.faults.end() && call <= fault->second.first.value_or(call)) strike(fault->second);
+    return scenario;
+}
+
+conf_tool::Status failed(conf_tool::LibraryError* error) noexcept {
+    try {
+        if (error) *error = error_text();
+    } catch (...) {  // no memory for the text: the caller gets none
+    }
+    return 1;
+}
+
+}  // namespace demo_library

@@ -1,0 +1,33 @@
+// The values that the library keeps for the plug-in.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "demo_library/secret.h"
+
+namespace demo_library {
+
+// A repository as the backup server describes it. A text that the server left out is handed out as null.
+struct repository_t {
+    std::optional<std::wstring> id;
+    std::optional<std::wstring> name;
+    double capacity = 0;    // bytes
+    double free_space = 0;  // bytes
+    bool encrypted = false;
+};
+
+// What a fresh one holds is what a host that was never configured shows.
+struct configuration_t {
+    std::wstring host;
+    std::int32_t port = 0;
+    std::wstring domain;
+    std::wstring user_name;
+    secret_t password;
+    std::vector<repository_t> repositories;  // one for each backup copy, in the order of the copies
+    std::int32_t parallelism = 1;
+};
+
+}  // namespace demo_library

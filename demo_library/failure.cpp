@@ -1,0 +1,29 @@
+#include "demo_library/failure.h"
+
+#include <iterator>
+
+#include <windows.h>
+
+namespace demo_library {
+namespace {
+
+std::wstring system_text(std::uint32_t code) {
+    wchar_t buffer[512];
+    DWORD size = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0, buffer,
+                                static_cast<DWORD>(std::size(buffer)), nullptr);
+    while (size > 0 && (buffer[size - 1] == L'\n' || buffer[size - 1] == L'\r')) --size;
+    const std::wstring number = L"(error " + std::to_wstring(code) + L")";
+    return size == 0 ? number : std::wstring(buffer, size) + L" " + number;
+}
+
+}  // namespace
+
+void raise_system_failure(std::uint32_t code, const std::wstring& sentence) {
+    throw failure_t(sentence + L": " + system_text(code));
+}
+
+void require_place(const void* out) {
+    if (!out) throw failure_t(L"An argument that takes a result is null.");
+}
+
+}  // namespace demo_library

@@ -1,0 +1,73 @@
+#include "demo_library/protection.h"
+
+#include <charconv>
+#include <vector>
+
+#include "demo_library/failure.h"
+
+#include <windows.h>
+#include <wincrypt.h>
+
+namespace demo_library {
+namespace {
+
+constexpr DWORD flags = CRYPTPROTECT_UI_FORBIDDEN | CRYPTPROTECT_LOCAL_MACHINE;
+
+// What the system gives out; it may be clear text.
+class system_blob_t : public DATA_BLOB {
+public:
+    system_blob_t() : DATA_BLOB{} {}
+    ~system_blob_t() {
+        if (pbData) SecureZeroMemory(pbData, cbData);
+        LocalFree(pbData);
+    }
+    system_blob_t(const system_blob_t&) = delete;
+    system_blob_t& operator=(const system_blob_t&) = delete;
+};
+
+DATA_BLOB blob(const void* data, std::size_t size) {
+    return {static_cast<DWORD>(size), static_cast<BYTE*>(const_cast<void*>(data))};
+}
+
+std::string to_digits(const DATA_BLOB& bytes) {
+    static constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    for (DWORD i = 0; i < bytes.cbData; ++i) {
+        text += digits[bytes.pbData[i] >> 4];
+        text += digits[bytes.pbData[i] & 15];
+    }
+    return text;
+}
+
+std::vector<BYTE> from_digits(const std::string& text) {
+    std::vector<BYTE> bytes(text.size() / 2);
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const char* first = text.data() + 2 * i;
+        if (std::from_chars(first, first + 2, bytes[i], 16).ptr != first + 2) return {};
+    }
+    return text.size() % 2 == 0 ? bytes : std::vector<BYTE>();
+}
+
+}  // namespace
+
+std::string protect(const secret_t& text) {
+    if (text.empty()) return {};
+    DATA_BLOB clear = blob(text.view().data(), text.view().size() * sizeof(wchar_t));
+    system_blob_t hidden;
+    if (!CryptProtectData(&clear, L"Tovak account password", nullptr, nullptr, nullptr, flags, &hidden))
+        raise_system_failure(GetLastError(), L"Cannot protect the password");
+    return to_digits(hidden);
+}
+
+secret_t unprotect(const std::string& digits) {
+    if (digits.empty()) return {};
+    const std::vector<BYTE> bytes = from_digits(digits);
+    DATA_BLOB hidden = blob(bytes.data(), bytes.size());
+    system_blob_t clear;
+    if (bytes.empty()) throw failure_t(L"The stored password is damaged");
+    if (!CryptUnprotectData(&hidden, nullptr, nullptr, nullptr, nullptr, flags, &clear))
+        raise_system_failure(GetLastError(), L"The stored password is damaged or was protected on another host");
+    return secret_t({reinterpret_cast<const wchar_t*>(clear.pbData), clear.cbData / sizeof(wchar_t)});
+}
+
+}  // namespace demo_library

@@ -1,0 +1,145 @@
+#include "demo_library/rules.h"
+
+#include <algorithm>
+
+#include "demo_library/failure.h"
+#include "demo_library/host_form.h"
+#include "demo_library/xml.h"
+
+namespace demo_library {
+namespace {
+
+// An argument as a text on one line.
+std::wstring line(const wchar_t* text, const std::wstring& what) {
+    if (!text) throw failure_t(L"No " + what + L" is given: the text is null.");
+    const std::wstring result = text;
+    const bool has_control = std::any_of(result.begin(), result.end(), [](wchar_t c) { return c < L' '; });
+    if (has_control || !xml::can_hold(result))
+        throw failure_t(L"The " + what + L" is not allowed: it holds a character that cannot be stored.");
+    return result;
+}
+
+void judge_host(const std::wstring& host) {
+    if (host.empty()) throw failure_t(L"The backup server is empty: a host name or an IP address is needed.");
+    if (!is_plausible_host(host))
+        throw failure_t(L"The backup server [" + host +
+                        L"] is not allowed: it is neither a host name nor an IP address.");
+}
+
+void judge_port(std::int32_t port) {
+    if (port < 1 || port > 65535)
+        throw failure_t(L"The port " + std::to_wstring(port) + L" is not allowed: ports are 1 to 65535.");
+}
+
+void judge_user_name(const std::wstring& user_name) {
+    if (user_name.empty()) throw failure_t(L"The user name is empty: an account of the backup server is needed.");
+}
+
+void judge_parallelism(std::int32_t parallelism, const scenario_t& server) {
+    if (parallelism < server.lowest_parallelism || parallelism > server.highest_parallelism)
+        throw failure_t(L"The parallelism " + std::to_wstring(parallelism) + L" is not allowed: it is " +
+                        std::to_wstring(server.lowest_parallelism) + L" to " +
+                        std::to_wstring(server.highest_parallelism) + L".");
+}
+
+void judge_count(std::size_t count, std::size_t most) {
+    if (count == 0) throw failure_t(L"No repository is selected: at least one is needed.");
+    if (count <= most) return;
+    const std::wstring sentence = std::to_wstring(count) + L" repositories are not allowed: ";
+    throw failure_t(sentence + (most == 1 ? L"Oracle Standard Edition (SE) is limited to one."
+                                          : L"at most " + std::to_wstring(most) + L" can be selected."));
+}
+
+std::wstring known_ids(const scenario_t& server) {
+    constexpr std::size_t shown = 10;
+    std::wstring list;
+    for (std::size_t i = 0; i < server.repositories.size() && i < shown; ++i)
+        list += (i == 0 ? L"" : L", ") + server.repositories[i].id.value_or(L"(without identifier)");
+    if (server.repositories.empty()) return L"none";
+    return server.repositories.size() > shown ? list + L", ..." : list;
+}
+
+const repository_t& known_repository(const std::wstring& id, const scenario_t& server) {
+    const auto found = std::find_if(server.repositories.begin(), server.repositories.end(),
+                                    [&](const repository_t& repository) { return repository.id == id; });
+    if (found == server.repositories.end())
+        throw failure_t(L"The repository [" + id + L"] is not known to the backup server. Known repositories: " +
+                        known_ids(server) + L".");
+    return *found;
+}
+
+std::vector<repository_t> known_repositories(const std::vector<std::wstring>& ids, const scenario_t& server,
+                                             std::size_t most) {
+    judge_count(ids.size(), most);
+    std::vector<repository_t> result;
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        if (std::find(ids.begin(), ids.begin() + static_cast<std::ptrdiff_t>(i), ids[i]) !=
+            ids.begin() + static_cast<std::ptrdiff_t>(i))
+            throw failure_t(L"The repository [" + ids[i] + L"] is selected twice: each copy needs one of its own.");
+        result.push_back(known_repository(ids[i], server));
+    }
+    return result;
+}
+
+std::wstring id_of(const plug_common::SRepositoryCType& record) {
+    if (!record.id || !record.name) throw failure_t(L"A repository has no identifier or no name: the text is null.");
+    if (record.encryptionEnabled != 0 && record.encryptionEnabled != 1)
+        throw failure_t(L"The encryption of the repository [" + std::wstring(record.id) + L"] is " +
+                        std::to_wstring(record.encryptionEnabled) + L": it is 0 or 1.");
+    return record.id;
+}
+
+}  // namespace
+
+void set_host(configuration_t& configuration, const wchar_t* host) {
+    std::wstring value = line(host, L"backup server");
+    judge_host(value);
+    configuration.host = std::move(value);
+}
+
+void set_port(configuration_t& configuration, std::int32_t port) {
+    judge_port(port);
+    configuration.port = port;
+}
+
+void set_credentials(configuration_t& configuration, const wchar_t* domain, const wchar_t* user_name,
+                     const wchar_t* password) {
+    std::wstring new_domain = line(domain, L"domain name");
+    std::wstring new_user_name = line(user_name, L"user name");
+    if (!password) throw failure_t(L"No password is given: the text is null.");
+    judge_user_name(new_user_name);
+    configuration.password = secret_t(password);
+    configuration.domain = std::move(new_domain);
+    configuration.user_name = std::move(new_user_name);
+}
+
+void set_parallelism(configuration_t& configuration, std::int32_t parallelism, const scenario_t& server) {
+    judge_parallelism(parallelism, server);
+    configuration.parallelism = parallelism;
+}
+
+void set_repositories(configuration_t& configuration, const plug_common::SRepositoryCType* records, std::int32_t count,
+                      const scenario_t& server, std::size_t most) {
+    if (count < 0 || (count > 0 && !records)) throw failure_t(L"The list of repositories is not valid.");
+    std::vector<std::wstring> ids;
+    for (std::int32_t i = 0; i < count; ++i) ids.push_back(id_of(records[i]));
+    configuration.repositories = known_repositories(ids, server, most);
+}
+
+std::size_t most_repositories_in(const scenario_t& server) { return server.edition == 1 ? 1 : most_repositories; }
+
+void require_complete(const configuration_t& configuration, const scenario_t& server) {
+    judge_host(configuration.host);
+    judge_port(configuration.port);
+    judge_user_name(configuration.user_name);
+    judge_parallelism(configuration.parallelism, server);
+    std::vector<std::wstring> ids;
+    for (const repository_t& repository : configuration.repositories) ids.push_back(repository.id.value_or(L""));
+    known_repositories(ids, server, most_repositories_in(server));
+}
+
+std::wstring parallelism_range(const scenario_t& server) {
+    return std::to_wstring(server.lowest_parallelism) + L"-" + std::to_wstring(server.highest_parallelism);
+}
+
+}  // namespace demo_library

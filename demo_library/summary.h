@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+#include "demo_library/configuration.h"
+
+namespace demo_library {
+
+// The values for the administrator to read, without the password; lines end in "\r\n".
+std::wstring summary(const configuration_t& configuration);
+
+}  // namespace demo_library

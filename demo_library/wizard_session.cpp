@@ -1,0 +1,57 @@
+#include "demo_library/wizard_session.h"
+
+#include "demo_library/export_files.h"
+#include "demo_library/failure.h"
+#include "demo_library/files.h"
+#include "demo_library/rules.h"
+#include "demo_library/state.h"
+
+namespace demo_library {
+
+void wizard_session_t::begin() {
+    *this = wizard_session_t();
+    pending_ = load_state();
+}
+
+configuration_t& wizard_session_t::pending() {
+    if (!pending_) throw failure_t(L"The wizard is not initialised: InitializeWizard has to be called first.");
+    return *pending_;
+}
+
+void wizard_session_t::commit(const scenario_t& server) {
+    require_complete(pending(), server);
+    save_state(pending());
+    pending_.reset();
+    outcome_ = L"The demonstration library has applied the configuration and keeps it in " + state_path() + L".\r\n";
+}
+
+void wizard_session_t::cancel() {
+    pending_.reset();
+    outcome_ = L"The wizard was cancelled: the configuration of this host is unchanged.\r\n";
+}
+
+void wizard_session_t::export_settings(const std::wstring& path, const scenario_t& server) {
+    require_complete(pending(), server);
+    write_settings(path, pending());
+    exported_.push_back(L"The Tovak configuration was exported to " + absolute_path(path) + L".\r\n");
+}
+
+void wizard_session_t::export_rman_script(const std::wstring& path, const scenario_t& server) {
+    require_complete(pending(), server);
+    write_rman_script(path, pending());
+    exported_.push_back(L"The RMAN configuration was exported to " + absolute_path(path) + L".\r\n");
+}
+
+std::wstring wizard_session_t::result() const {
+    std::wstring text;
+    for (const std::wstring& sentence : exported_) text += sentence;
+    return text +
+           (outcome_.empty() ? L"Nothing was applied: the configuration of this host is unchanged.\r\n" : outcome_);
+}
+
+wizard_session_t& wizard_session() {
+    static wizard_session_t instance;
+    return instance;
+}
+
+}  // namespace demo_library

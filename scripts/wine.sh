@@ -1,0 +1,4 @@
+#!/usr/bin/env bash
+# Runs one Windows program in the project's own environment.
+. "$(dirname "$0")/common.sh"
+exec wine64 "$@"

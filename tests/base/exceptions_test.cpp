@@ -1,0 +1,147 @@
+#include <sstream>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "common/exc/error_text.h"
+#include "common/exc/raise.h"
+#include "common/win32.h"
+
+namespace {
+
+using namespace exc;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+template <class Exception, class Call>
+Exception Caught(Call call) {
+    try {
+        call();
+    } catch (const Exception& failure) {
+        return failure;
+    }
+    throw std::logic_error("nothing of the expected type was raised");
+}
+
+runtime_exc_t Sample() {
+    runtime_exc_t failure;
+    failure.add_text("A");
+    failure.add_text("B");
+    failure.add_error_code(2);
+    return failure;
+}
+
+TEST(Exceptions, ComposeBothMessages) {
+    EXPECT_STREQ(runtime_exc_t().what(), "");
+    EXPECT_STREQ(Sample().what(), "A\nB\n--tr:Error code: 0x00000002");
+    EXPECT_EQ(Sample().plain_message(), "A\nB\nError code: 0x00000002");
+    runtime_exc_t failure;
+    failure.add_error_code(0xffffffff);
+    EXPECT_STREQ(failure.what(), "--tr:Error code: 0xffffffff");
+}
+
+TEST(Exceptions, WinErrorHasTextMessageAndCode) {
+    const auto failure = Caught<win_sys_exc_t>([] { raise_win_error(ERROR_ACCESS_DENIED, "Cannot do it."); });
+    EXPECT_EQ(failure.error_code, static_cast<unsigned>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(failure.what(), get_error_text(5) + "\nCannot do it.\n--tr:Error code: 0x00000005");
+    EXPECT_THAT(get_error_text(5), AllOf(HasSubstr("ccess denied"), Not(HasSubstr("\n"))));
+}
+
+TEST(Exceptions, EveryCodeHasAText) {
+    for (const std::uint32_t code : {0U, 12007U, 0x1fffffffU, 0xffffffffU}) {
+        EXPECT_NE(get_error_text(code), "") << code;
+    }
+}
+
+TEST(Exceptions, CloneAndRethrowKeepTheType) {
+    const auto check = [](const exc_base_t& original, const auto& type) {
+        using Type = std::remove_cvref_t<decltype(type)>;
+        const auto clone = original.clone();
+        EXPECT_NE(dynamic_cast<const Type*>(clone.get()), nullptr);
+        EXPECT_STREQ(Caught<Type>([&] { clone->rethrow(); }).what(), original.what());
+    };
+    check(Sample(), runtime_exc_t());
+    check(win_sys_exc_t(7), win_sys_exc_t(0));
+    check(file_locked_exc_t(), file_locked_exc_t());
+    check(term_exc_t(), term_exc_t());
+    EXPECT_EQ(dynamic_cast<const win_sys_exc_t&>(*win_sys_exc_t(7).clone()).error_code, 7U);
+}
+
+TEST(Exceptions, RememberTheThrowingThread) {
+    std::uint32_t id = 0;
+    boost::shared_ptr<exc_base_t> failure;
+    std::thread([&] {
+        id = GetCurrentThreadId();
+        failure = Sample().clone();
+    }).join();
+    EXPECT_EQ(failure->thrower_thread_id(), id);
+    EXPECT_NE(id, GetCurrentThreadId());
+}
+
+TEST(Exceptions, ContextComesLastAndKeepsTraceMarks) {
+    const auto known = Caught<runtime_exc_t>([] { rethrow_with_context(Sample(), "Context"); });
+    EXPECT_STREQ(known.what(), "A\nB\n--tr:Error code: 0x00000002\nContext");
+    const auto foreign = Caught<runtime_exc_t>([] { rethrow_with_context(std::runtime_error("foreign"), "Context"); });
+    EXPECT_STREQ(foreign.what(), "foreign\nContext");
+}
+
+std::string Serialised(const exc_base_t& failure) {
+    std::ostringstream stream;
+    failure.write(stream);
+    return stream.str();
+}
+
+void Read(exc_base_t& into, const std::string& form) {
+    std::istringstream stream(form);
+    into.read(stream);
+}
+
+TEST(SerialisedException, ComesBackWhole) {
+    for (const std::size_t size : {0U, 1U, 4095U, 4096U, 4097U, 100000U}) {
+        runtime_exc_t original = Sample();
+        original.add_trace_text(std::string(size, 'x'));
+        runtime_exc_t copy;
+        Read(copy, Serialised(original));
+        EXPECT_STREQ(copy.what(), original.what());
+        EXPECT_EQ(copy.thrower_thread_id(), original.thrower_thread_id());
+        EXPECT_EQ(Serialised(copy), Serialised(original));
+    }
+}
+
+TEST(SerialisedException, HasTheDocumentedBytes) {
+    runtime_exc_t failure;
+    failure.add_trace_text("ab");
+    const std::string form = Serialised(failure);
+    EXPECT_EQ(form.substr(0, 11), std::string("\1\0\0\0\2\0\0\0ab\1", 11));
+    EXPECT_EQ(form.size(), 11U + 4U + 4U);
+    EXPECT_EQ(form.substr(15), std::string(4, '\0'));
+}
+
+TEST(SerialisedException, TraceRecordsAreReadAndUnknownOnesRejected) {
+    const std::string no_parts_thread_9("\0\0\0\0\x9\0\0\0", 8);
+    const std::string record("\2\0\0\0\3\0\0\0why", 11);
+    runtime_exc_t failure;
+    Read(failure, no_parts_thread_9 + std::string("\2\0\0\0", 4) + record + record);
+    EXPECT_EQ(failure.thrower_thread_id(), 9U);
+    EXPECT_EQ(failure.trace_records().list().size(), 2U);
+    EXPECT_EQ(failure.trace_records().count({trace_event_t::context_added, "why"}), 2U);
+    EXPECT_EQ(failure.trace_records().count({trace_event_t::thrown, "why"}), 0U);
+
+    const std::string unknown("\1\0\0\0\x7\0\0\0\3\0\0\0why", 15);
+    const auto rejected = Caught<runtime_exc_t>([&] { Read(failure, no_parts_thread_9 + unknown); });
+    EXPECT_STREQ(rejected.what(), "Unexpected trace event: [7]. Info: why.");
+}
+
+TEST(SerialisedException, CutOffAnywhereIsRejected) {
+    const std::string form = Serialised(Sample());
+    for (std::size_t size = 0; size < form.size(); ++size) {
+        runtime_exc_t failure;
+        EXPECT_THROW(Read(failure, form.substr(0, size)), runtime_exc_t) << size;
+    }
+    runtime_exc_t failure;
+    EXPECT_THROW(Read(failure, std::string("\1\0\0\0\xff\xff\xff\xff", 8)), runtime_exc_t);
+}
+
+}  // namespace

@@ -1,0 +1,176 @@
+#include <functional>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "common/exc/exceptions.h"
+#include "conf_tool/lib_caller.h"
+#include "tests/conf_tool/library_beside.h"
+#include "tests/support/recording_sink.h"
+
+namespace {
+
+using namespace conf_tool;
+using testing::ElementsAre;
+
+constexpr wchar_t outside_bmp[] = L"h\u00e4\u4e2d\xd83d\xde00";
+
+class LibCalls : public testing::Test {
+protected:
+    test_support::CDemoHost host_;
+    test_support::CLibraryBeside library_;
+};
+
+struct Operation {
+    const char* name;         // in the log
+    const char* export_name;  // in the library
+    CallerMode mode;
+    std::function<void(CConfigToolLibCaller&)> call;
+    const char* failure_name = name;
+};
+
+void GetConfig(CConfigToolLibCaller& caller) {
+    ConfigurationSnapshot config;
+    caller.GetConfig(config);
+}
+
+void GetTBRRepositories(CConfigToolLibCaller& caller) {
+    std::vector<RepositoryEntry> entries;
+    caller.GetTBRRepositories(entries);
+}
+
+const std::vector<RepositoryEntry> one_repository{{L"REP-0001", L"Central Primary", 1, 1, false}};
+
+const Operation operations[] = {
+    {"InitializeWizard", "InitializeWizard", CallerMode::Wizard, [](auto& c) { c.InitializeWizard(); }},
+    {"SetCredentials", "SetCredentials", CallerMode::Wizard, [](auto& c) { c.SetCredentials(L"d", L"u", L"p"); }},
+    {"SetHost", "SetHost", CallerMode::Wizard, [](auto& c) { c.SetHost(L"h"); }},
+    {"SetPort", "SetPort", CallerMode::Wizard, [](auto& c) { c.SetPort(1); }},
+    {"SetRepositories", "SetRepositories", CallerMode::Wizard, [](auto& c) { c.SetRepositories(one_repository); }},
+    {"SetParallelism", "SetParallelism", CallerMode::Wizard, [](auto& c) { c.SetParallelism(1); }},
+    {"GetConfig", "GetConfig", CallerMode::Wizard, GetConfig, "CallGetConfig"},
+    {"GetTBRRepositories", "GetTBRRepositories", CallerMode::Wizard, GetTBRRepositories},
+    {"GetParallelismRangeString", "GetParallelismRangeString", CallerMode::Wizard,
+     [](auto& c) { c.GetParallelismRangeString(); }},
+    {"GetSummary", "GetSummary", CallerMode::Wizard, [](auto& c) { c.GetSummary(); }},
+    {"GetResult", "GetResult", CallerMode::Wizard, [](auto& c) { c.GetResult(); }},
+    {"GetScopeEdition", "GetScopeEdition", CallerMode::Wizard, [](auto& c) { c.GetScopeEdition(); }},
+    {"ExportTovakConfig", "ExportTovakConfig", CallerMode::Wizard, [](auto& c) { c.ExportTovakConfig(L"x"); }},
+    {"ExportRMANConfig", "ExportRMANConfig", CallerMode::Wizard, [](auto& c) { c.ExportRMANConfig(L"x"); }},
+    {"Cancel", "Cancel", CallerMode::Wizard, [](auto& c) { c.Cancel(); }},
+    {"Commit", "Commit", CallerMode::Wizard, [](auto& c) { c.Commit(); }},
+    {"SetCredentials", "SetCredentialsDirect", CallerMode::Direct, [](auto& c) { c.SetCredentials(L"", L"u", L""); }},
+    {"SetHost", "SetHostDirect", CallerMode::Direct, [](auto& c) { c.SetHost(L"h"); }},
+    {"SetPort", "SetPortDirect", CallerMode::Direct, [](auto& c) { c.SetPort(1); }},
+    {"SetRepositories", "SetRepositoriesDirect", CallerMode::Direct,
+     [](auto& c) { c.SetRepositories(one_repository); }},
+    {"SetParallelism", "SetParallelismDirect", CallerMode::Direct, [](auto& c) { c.SetParallelism(1); }},
+    {"GetConfig", "GetConfig", CallerMode::Direct, GetConfig, "CallGetConfig"},
+    {"GetTBRRepositories", "GetTBRRepositoriesDirect", CallerMode::Direct, GetTBRRepositories},
+    {"MapBackup", "MapBackupDirect", CallerMode::Direct, [](auto& c) { c.MapBackup(); }},
+    {"Uninstall", "UninstallDirect", CallerMode::Direct, [](auto& c) { c.Uninstall(); }},
+};
+
+std::string FailureOf(const Operation& operation, CConfigToolLibCaller& caller) {
+    try {
+        operation.call(caller);
+    } catch (const exc::runtime_exc_t& failure) {
+        EXPECT_EQ(failure.parts().size(), 1U);
+        return failure.what();
+    }
+    return "nothing was raised";
+}
+
+TEST_F(LibCalls, EachFailureHasTheLibrarysTextAndItsLogLines) {
+    for (const Operation& operation : operations) {
+        CConfigToolLibCaller caller(operation.mode);
+        const std::string function = std::string("<Function name='") + operation.export_name + "' ";
+        const std::string calling = std::string("Calling ") + operation.name + " function";
+        const std::string failed = std::string("ERR |Failed to call ") + operation.failure_name + " function";
+        test_support::CRecordedLog log;
+
+        host_.Scenario(function + "fail='Refused: %1 \u00e4\u4e2d'/>");
+        EXPECT_EQ(FailureOf(operation, caller), "Refused: %1 \u00e4\u4e2d") << operation.export_name;
+        host_.ExpectMemoryBalanced(operation.export_name);
+        host_.Scenario(function + "failWithoutText='1'/>");
+        EXPECT_EQ(FailureOf(operation, caller), "Configuration library returned an unknown error")
+            << operation.export_name;
+        EXPECT_THAT(log.lines(), ElementsAre(calling, failed, calling, failed)) << operation.export_name;
+        EXPECT_EQ(host_.Calls(operation.export_name), 2);
+        host_.ExpectMemoryBalanced(operation.export_name);
+    }
+}
+
+TEST_F(LibCalls, ValuesComeBackAsTheyWereSet) {
+    CConfigToolLibCaller caller(CallerMode::Direct);
+    caller.SetHost(L"backup.example.org");
+    caller.SetPort(10006);
+    caller.SetCredentials(L"CORP", outside_bmp, L"secret \xd83d\xde00");
+    caller.SetParallelism(8);
+    std::vector<RepositoryEntry> offered;
+    caller.GetTBRRepositories(offered);
+    caller.SetRepositories({offered.at(2), offered.at(0)});
+
+    ConfigurationSnapshot config;
+    config.repositories = one_repository;
+    caller.GetConfig(config);
+    EXPECT_EQ(config.host, L"backup.example.org");
+    EXPECT_EQ(config.port, 10006);
+    EXPECT_EQ(config.domain, L"CORP");
+    EXPECT_EQ(config.user_name, outside_bmp);
+    EXPECT_EQ(config.password, L"secret \xd83d\xde00");
+    EXPECT_EQ(config.parallelism, 8);
+    ASSERT_EQ(config.repositories.size(), 3U);
+    EXPECT_EQ(config.repositories[1].name, L"Encrypted Vault");
+    EXPECT_TRUE(config.repositories[1].encryptionEnabled);
+    EXPECT_EQ(config.repositories[2].id, L"REP-0001");
+    EXPECT_FALSE(config.repositories[2].encryptionEnabled);
+    EXPECT_EQ(config.repositories[2].capacity, 21990232555520.0);
+    host_.ExpectMemoryBalanced();
+}
+
+TEST_F(LibCalls, ReceivedRepositoriesAreLoggedAndAppended) {
+    host_.Scenario(
+        "<Repositories><Repository id='R1' name='\u00e4' capacity='21990232555520' freeSpace='0.5' encryption='1'/>"
+        "<Repository/></Repositories>");
+    CConfigToolLibCaller caller(CallerMode::Wizard);
+    test_support::CRecordedLog log;
+    std::vector<RepositoryEntry> entries = one_repository;
+    caller.GetTBRRepositories(entries);
+    EXPECT_EQ(entries.size(), 3U);
+    EXPECT_EQ(entries[2].id, L"");
+    EXPECT_THAT(
+        log.lines(),
+        ElementsAre("Calling GetTBRRepositories function", "ConfigToolLibCaller received repos: size=[2]",
+                    "ConfigToolLibCaller received repo id=[R1] name=[\u00e4] capacity=[21990232555520] "
+                    "free_space=[0.5] encryptionEnabled=[1]",
+                    "ConfigToolLibCaller received repo id=[] name=[] capacity=[0] free_space=[0] encryptionEnabled=[0]",
+                    "Calling GetTBRRepositories function ok."));
+    host_.Scenario("<Repositories/>");
+    log.Clear();
+    caller.GetTBRRepositories(entries);
+    EXPECT_EQ(entries.size(), 3U);
+    EXPECT_THAT(log.lines(),
+                ElementsAre("Calling GetTBRRepositories function", "ConfigToolLibCaller received repos: size=[0]",
+                            "Calling GetTBRRepositories function ok."));
+    host_.ExpectMemoryBalanced();
+}
+
+TEST_F(LibCalls, MapBackupGivesCodeAndText) {
+    host_.Scenario("<MapBackup code='-3' text='two pieces are missing'/>");
+    CConfigToolLibCaller caller(CallerMode::Direct);
+    const MapBackupResult result = caller.MapBackup();
+    EXPECT_EQ(result.code, -3);
+    EXPECT_EQ(result.text, L"two pieces are missing");
+    host_.ExpectMemoryBalanced();
+}
+
+TEST_F(LibCalls, AForeignExceptionPassesThroughTheFrame) {
+    host_.Scenario("<Function name='SetPortDirect' crash='exception'/>");
+    CConfigToolLibCaller caller(CallerMode::Direct);
+    test_support::CRecordedLog log;
+    EXPECT_THROW(caller.SetPort(1), std::runtime_error);
+    EXPECT_THAT(log.lines(), ElementsAre("Calling SetPort function", "ERR |Failed to call SetPort function"));
+}
+
+}  // namespace

@@ -1,0 +1,45 @@
+// What lies under the name OrmaconLib.dll beside the test program.
+#pragma once
+
+#include <string>
+
+#include "common/platform/owned.h"
+#include "tests/support/demo_host.h"
+
+namespace test_support {
+
+class CLibraryBeside {
+public:
+    CLibraryBeside() { Place(FileText(DEMO_LIBRARY)); }
+    ~CLibraryBeside() { Remove(); }
+    CLibraryBeside(const CLibraryBeside&) = delete;
+    CLibraryBeside& operator=(const CLibraryBeside&) = delete;
+
+    void Place(const std::string& content) {
+        Remove();
+        WriteFileText(path_, content);
+    }
+
+    // A failed constructor leaves the library loaded for good, which a test undoes.
+    void Remove() {
+        while (IsLoaded()) FreeLibrary(GetModuleHandleW(L"OrmaconLib.dll"));
+        std::filesystem::remove(path_);
+    }
+
+    // The demonstration library with one export under a name that sorts where the right one did.
+    void PlaceWithout(const std::string& name) {
+        std::string content = FileText(DEMO_LIBRARY);
+        const std::string stored = '\0' + name + '\0';
+        for (std::size_t at = content.find(stored); at != std::string::npos; at = content.find(stored, at + 1)) {
+            --content[at + name.size()];
+        }
+        Place(content);
+    }
+
+    static bool IsLoaded() { return GetModuleHandleW(L"OrmaconLib.dll") != nullptr; }
+
+private:
+    std::filesystem::path path_ = std::filesystem::path(platform::program_path()).parent_path() / "OrmaconLib.dll";
+};
+
+}  // namespace test_support

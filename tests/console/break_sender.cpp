@@ -1,0 +1,93 @@
+// Runs a program several times in this console, as a command shell does, and reports after each run whether the
+// program ended and whether the console still echoes. Then it stays for a while: what is typed is seen, or not.
+//
+//     break_sender break|wait RUNS PROGRAM ARGUMENTS...
+//
+// With "break" each run is ended by Ctrl+Break as soon as the program has turned the echo off: in every second run
+// only after some characters were typed, and the later the higher the run's number.
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <string>
+
+#include "common/win32.h"
+
+namespace {
+
+constexpr DWORD limit_ms = 20000;
+
+BOOL WINAPI StayAlive(DWORD) { return TRUE; }
+
+bool echo_is_on() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) && (mode & ENABLE_ECHO_INPUT) != 0;
+}
+
+std::wstring quoted(int count, wchar_t** words) {
+    std::wstring line;
+    for (int i = 0; i < count; ++i) line += (i == 0 ? L"\"" : L" \"") + std::wstring(words[i]) + L"\"";
+    return line;
+}
+
+HANDLE start(std::wstring command_line) {
+    STARTUPINFOW how{};
+    how.cb = sizeof how;
+    PROCESS_INFORMATION started{};
+    if (!CreateProcessW(nullptr, command_line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &how, &started)) {
+        std::wprintf(L"not started: %lu\n", GetLastError());
+        std::exit(1);
+    }
+    CloseHandle(started.hThread);
+    return started.hProcess;
+}
+
+void type_some_characters() {
+    INPUT_RECORD key{};
+    key.EventType = KEY_EVENT;
+    key.Event.KeyEvent.bKeyDown = TRUE;
+    key.Event.KeyEvent.wRepeatCount = 3;
+    key.Event.KeyEvent.wVirtualKeyCode = 'X';
+    key.Event.KeyEvent.uChar.UnicodeChar = L'x';
+    DWORD written = 0;
+    WriteConsoleInputW(GetStdHandle(STD_INPUT_HANDLE), &key, 1, &written);
+}
+
+// Wine 8 refuses to generate this event. A thread at CtrlRoutine is how Windows itself reports it to a program.
+void send_break(HANDLE program) {
+    if (GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, 0)) return;
+    const FARPROC routine = GetProcAddress(GetModuleHandleW(L"kernelbase.dll"), "CtrlRoutine");
+    const auto start_address = reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(routine));
+    CreateRemoteThread(program, nullptr, 0, start_address, reinterpret_cast<void*>(CTRL_BREAK_EVENT), 0, nullptr);
+}
+
+void press_break_at_prompt(HANDLE program, long run) {
+    while (echo_is_on() && WaitForSingleObject(program, 0) == WAIT_TIMEOUT) Sleep(0);
+    if (run % 2 == 0) type_some_characters();
+    Sleep(static_cast<DWORD>(run));
+    send_break(program);
+}
+
+void report_end(HANDLE program, long run) {
+    const bool ended = WaitForSingleObject(program, limit_ms) == WAIT_OBJECT_0;
+    std::printf("\nrun %ld: %s, echo %s\n", run, ended ? "ended" : "still running", echo_is_on() ? "on" : "off");
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+extern "C" int wmain(int argc, wchar_t** argv) {
+    if (argc < 4) return 2;
+    SetConsoleCtrlHandler(StayAlive, TRUE);
+    // Wine's console starts the desktop at the first key, and hangs when Ctrl+C comes in that moment: start it now.
+    VkKeyScanW(L'x');
+    const bool sends_break = std::wcscmp(argv[1], L"break") == 0;
+    const long runs = std::wcstol(argv[2], nullptr, 10);
+    for (long run = 1; run <= runs; ++run) {
+        const HANDLE program = start(quoted(argc - 3, argv + 3));
+        if (sends_break) press_break_at_prompt(program, run);
+        report_end(program, run);
+        CloseHandle(program);
+    }
+    Sleep(limit_ms);
+    return 0;
+}

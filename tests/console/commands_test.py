@@ -1,0 +1,199 @@
+"""The commands of one call each: what they print, log and change."""
+import os
+import re
+import shutil
+import subprocess
+import unittest
+
+from console_kit import ConsoleTest, windows_path
+
+SECRET = "Tr0ub4dor-&3"
+HELP = """\
+  --help                Show this help page
+  --show-config         Show configuration
+  --wizard              Start configuration wizard
+  --set-credentials arg Set credentials (use username@domain format for user
+                        account
+  --set-host arg        Set backup server host name or IP address
+  --set-port arg        Set backup server port
+  --set-repositories    Set Tovak repository as the backup target (up to 4
+                        repositories can be specified for multiple copies)
+  --set-parallelism arg Set parallel processing channels count (RMAN
+                        parallelism)
+  --map-backup          Map imported backup"""
+EMPTY_CONFIG = "Backup server:\nPort: 0\nUser name:\nDomain name:\nParallelism: 1\nRepository:"
+LOADING, UNLOADING = "Loading configuration library in direct mode", "Unloading configuration library"
+PARSING, PARSED = "Parsing incoming values", "Parsing incoming values ok."
+WINDOWS_LIBRARIES = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "shell32.dll", "version.dll",
+                     "api-ms-win-core-synch-l1-2-0.dll"}
+# Options, what the parser complains about, and how the command line is put.
+BAD_COMMAND_LINES = [
+    (["--set-port", "abc"], "the argument ('abc') for option '--set-port' is invalid"),
+    (["--set-host"], "the required argument for option '--set-host' is missing"),
+    (["--no-such-option"], "unrecognised option '--no-such-option'"),
+    (["stray"], "too many positional options have been specified on the command line"),
+    (["--set-host", "a", "--set-host", "b"], "option '--set-host' cannot be specified more than once"),
+    (["--set-p", "1"], "option '--set-p' is ambiguous and matches '--set-parallelism', and '--set-port'"),
+    (["--set-cred", "user", "-s3cret", "-verbose"], "unrecognised option '***'"),
+    (["--set-credentials", "user", "--s3cret=x", "--set-port", "1"], "unrecognised option '***'"),
+]
+# Each export that one of the modes needs; nothing but its last character is changed, so that the others are found.
+DIRECT_EXPORTS = ("SetHostDirect SetPortDirect SetCredentialsDirect SetRepositoriesDirect SetParallelismDirect "
+                  "GetTBRRepositoriesDirect MapBackupDirect GetConfig UninstallDirect FreeString FreeArrayString "
+                  "FreeRepositories").split()
+WIZARD_EXPORTS = ("SetCredentials SetHost SetPort SetRepositories GetConfig GetTBRRepositories GetSummary "
+                  "InitializeWizard SetParallelism GetParallelismRangeString GetScopeEdition GetResult "
+                  "ExportTovakConfig ExportRMANConfig Cancel Commit FreeString FreeArrayString "
+                  "FreeRepositories").split()
+
+
+class Commands(ConsoleTest):
+    def test_settings_last_and_the_password_is_nowhere(self):
+        for options in (["--set-host", "backup.example.org"], ["--set-port", "10006"], ["--set-parallelism", "8"]):
+            self.assertEqual("", self.run_program(*options))
+        asking = self.start("--set-credentials", r"CORP\oracle")
+        self.talk(asking, [(r"Enter password for CORP\oracle: ", SECRET)])
+        self.assertEqual("Enter password for CORP\\oracle:", self.ending(asking))
+        self.assertEqual({"SetCredentialsDirect": 1}, self.calls())
+        listing = self.run_program("--show-config")
+        self.assertEqual("Backup server: backup.example.org\nPort: 10006\nUser name: oracle\nDomain name: CORP\n"
+                         "Parallelism: 8\nRepository:", listing)
+        self.assert_in_no_file(SECRET)
+        self.assert_gone()
+
+    def test_blanks_and_line_ends_of_the_listing(self):
+        self.assertEqual(EMPTY_CONFIG, self.run_program("--show-config"))
+        self.assertEqual(["Backup server: \n", "Port: 0\n", "User name: \n", "Domain name: \n", "Parallelism: 1\n",
+                          "Repository: \n"], self.printed())
+
+    def test_help_hides_uninstall_which_works(self):
+        for options in ([], ["--help"], ["--hel"]):
+            self.assertEqual(HELP, "\n".join(line.rstrip() for line in self.run_program(*options).split("\n")))
+        self.assertFalse(os.path.exists(self.path("report.txt")), "help needs no library")
+        self.run_program("--set-host", "h.example.org")
+        for options in (["--uninstall"], ["--uninstall", "--help"]):
+            self.assertEqual("", self.run_program(*options))
+            self.assertEqual({"UninstallDirect": 1}, self.calls())
+        self.assertEqual(EMPTY_CONFIG, self.run_program("--show-config"))
+
+    def test_bad_command_lines(self):
+        for options, complaint in BAD_COMMAND_LINES:
+            with self.subTest(options):
+                self.assertEqual(complaint + "\nFailed to parse incoming parameters", self.run_program(*options))
+                self.assertEqual("ERR |" + PARSING + " Failed.", self.log()[self.log().index(PARSING) + 1])
+                self.assert_in_no_file("s3cret")
+                shutil.rmtree(self.path("RmanPluginLogs"))
+
+    def test_refusal_of_the_library(self):
+        refusal = "The port 70000 is not allowed: ports are 1 to 65535."
+        self.assertEqual(refusal + "\nFailed to execute method SetBackupServerPort",
+                         self.run_program("--set-port", "70000"))
+        self.assertEqual([PARSING, PARSED, "Executing method SetBackupServerPort", LOADING, LOADING + " ok.",
+                          "Executing SetNetworkPort command, port = [70000]", "Calling SetPort function",
+                          "ERR |Failed to call SetPort function",
+                          "ERR |Executing method SetBackupServerPort Failed.", UNLOADING, UNLOADING + " ok."],
+                         self.log()[-11:])
+
+    def test_library_missing_or_broken(self):
+        broken = self.path("OrmaconLib.dll")
+        for content, code in ((None, "0000007e"), (b"this is no library", "000000c1"), (b"", "000000c1")):
+            with self.subTest(content):
+                os.remove(broken) if os.path.exists(broken) else None
+                if content is not None:
+                    with open(broken, "wb") as file:
+                        file.write(content)
+                text, *rest = self.run_program("--show-config").split("\n")
+                self.assertRegex(text, r"^\w.*\S$")  # the system's own text
+                self.assertEqual(["Failed to load configuration library", "--tr:Error code: 0x" + code,
+                                  "Failed to execute method ShowConfig"], rest)
+                self.assertEqual(["Executing method ShowConfig", LOADING, "ERR |" + LOADING + " Failed.",
+                                  "ERR |Executing method ShowConfig Failed."], self.log()[-4:])
+
+
+    def test_each_missing_export(self):
+        library = self.path("OrmaconLib.dll")
+        with open(library, "rb") as file:
+            whole = file.read()
+        for command, method, exports in (("--show-config", "ShowConfig", DIRECT_EXPORTS),
+                                         ("--wizard", "StartWizard", WIZARD_EXPORTS)):
+            for name in exports:
+                with self.subTest(name, command=command):
+                    os.remove(library)
+                    with open(library, "wb") as file:
+                        damaged = name[:-1] + chr(ord(name[-1]) - 1)
+                        file.write(whole.replace(f"\0{name}\0".encode(), f"\0{damaged}\0".encode()))
+                    self.assertEqual(f"Cannot find function [{name}] in the configuration library.\n"
+                                     f"Failed to execute method {method}", self.run_program(command))
+
+    def test_map_backup(self):
+        for code, printed in ((0, ["2 mapped\n"]), (7, ["Error has occurred\n", "2 mapped\n"])):
+            with self.subTest(code):
+                self.scenario(f'<MapBackup code="{code}" text="2 mapped&#10;"/>')
+                self.assertEqual("".join(printed).rstrip(), self.run_program("--map-backup"))
+                self.assertEqual(printed, self.printed())
+                self.assertIn(f"Map backup results [{code}] [2 mapped", self.log())
+                self.assertIn("Executing method MapBackup ok.", self.log())
+
+    def test_set_repositories(self):
+        self.scenario('<Server edition="1"/>')
+        terminal = self.start("--set-repositories")
+        self.talk(terminal, [("Specify up to 4 Tovak repositories to use as target using whitespace as a separator: ",
+                              "3 1")])
+        self.ending(terminal)
+        self.assertEqual({"GetTBRRepositoriesDirect": 1, "SetRepositoriesDirect": 1}, self.calls())
+        self.assertTrue(self.run_program("--show-config").endswith("\n1. Encrypted Vault\n2. Central Primary"))
+
+    def test_account_with_two_backslashes(self):
+        terminal = self.start("--set-credentials", r"a\b\c")
+        self.talk(terminal, [("Enter password for a\\b\\c: ", "x")])
+        self.assertIn("Failed to parse domain and username\nFailed to execute method SetCredentials",
+                      self.ending(terminal))
+        self.assertFalse(os.path.exists(self.path("report.txt")), "the library was called")
+
+    def test_imports_are_those_of_windows(self):
+        listing = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", self.path("Ormacon.exe")], capture_output=True,
+                                 text=True, check=True).stdout
+        self.assertLessEqual({name.lower() for name in re.findall(r"DLL Name: (\S+)", listing)}, WINDOWS_LIBRARIES)
+
+
+class Log(ConsoleTest):
+    def test_whole_log_of_a_run(self):
+        program = windows_path(self.path("Ormacon.exe"))
+        with open(self.path("tovak_common_config.xml"), "w", encoding="utf-8") as file:
+            file.write("<Config><PluginParameters><minPluginManagerPort>7000x</minPluginManagerPort>"
+                       "<logsDir>C:\\l</logsDir></PluginParameters></Config>")
+        self.run_program("--set-host", "backup.example.org")
+        block = "=" * 77
+        lines = self.log()
+        header = [re.sub(r"^(Module version: )\d+(\.\d+){3}$|^((?:Process Id|OS version): ).+$", r"\1\3", line)
+                  for line in lines[:7]]
+        self.assertEqual([block, "Path to the executable module: " + program, "Module version: ",
+                          "Comments: Configuration tool of the Tovak RMAN plug-in", "Process Id: ", "OS version: ",
+                          block], header)
+        self.assertEqual(
+            ["=" * 84, f"Loading xml file [{windows_path(self.path('tovak_common_config.xml'))}]",
+             "Xml file was successfully loaded", "Plugin manager port is [7000]",
+             "Plugin to manager connection attempts count is [30]", "Manager lock directory is []",
+             "Logs directory is [C:\\l]", PARSING, PARSED, "Executing method SetBackupServer", LOADING,
+             LOADING + " ok.", "Executing SetBackupServer command, host = [backup.example.org]",
+             "Calling SetHost function", "Calling SetHost function ok.", "Executing method SetBackupServer ok.",
+             UNLOADING, UNLOADING + " ok."], lines[7:])
+
+    def test_two_programs_at_once(self):
+        first = self.start("--set-credentials", "first")
+        self.wait_for(first, "Enter password for first:")
+        self.run_program("--set-host", "second.example.org")
+        self.talk(first, [("Enter password for first: ", "x")])
+        self.ending(first)
+        self.assertEqual((1, 0), self.mentions("Ormacon.log"))
+        self.assertEqual((0, 1), self.mentions("Ormacon_2.log"))
+
+    def mentions(self, name):
+        lines = self.log(name)
+        self.assertEqual(1, lines.count("=" * 84))
+        self.assertEqual(UNLOADING + " ok.", lines[-1])
+        return tuple(lines.count(f"Executing method {name} ok.") for name in ("SetCredentials", "SetBackupServer"))
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,149 @@
+"""The real program in a real terminal, each test in a folder of its own."""
+import os
+import re
+import shutil
+import subprocess
+import sys
+import time
+import unittest
+from collections import Counter
+
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(ROOT, "scripts"))
+from terminal import Terminal  # noqa: E402
+
+BIN = os.environ.get("CONSOLE_TEST_BIN", os.path.join(ROOT, "build/test/bin"))
+WORK = os.environ.get("CONSOLE_TEST_WORK", os.path.join(ROOT, "build/test/tests/console"))
+HELPERS = os.path.join(BIN, "console_test")
+LINE_START = re.compile(r"\[\d\d\.\d\d\.\d{4} \d\d:\d\d:\d\d\] <[ \d]{6}> ")
+SECONDS = 20
+
+
+def prepare_windows_environment():
+    """The tests' own Wine prefix, since they write to its registry."""
+    os.environ.setdefault("ORMACON_WINE_PREFIX", os.path.join(ROOT, "build/test-wine"))
+    wanted = subprocess.run(["bash", "-c", ". scripts/common.sh && prepare_wine >&2 && env -0"], cwd=ROOT,
+                            stdout=subprocess.PIPE, text=True, check=True).stdout
+    os.environ.update(entry.split("=", 1) for entry in wanted.split("\0") if "=" in entry)
+    # Kept for a while after its last program; refused when there is one already.
+    run_quietly("wineserver", "-p60", check=False)
+
+
+def run_quietly(*command, check=True):
+    # No pipes: the Windows environment's own processes would keep them open.
+    return subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                          check=check, timeout=120).returncode
+
+
+def windows_path(path):
+    return "Z:" + path.replace("/", "\\")
+
+
+class ConsoleTest(unittest.TestCase):
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        prepare_windows_environment()
+
+    def setUp(self):
+        self.folder = os.path.join(WORK, "runs", self.id().split(".", 1)[1])
+        shutil.rmtree(self.folder, ignore_errors=True)
+        os.makedirs(self.folder)
+        for name in ("Ormacon.exe", "OrmaconLib.dll"):
+            os.link(os.path.join(BIN, name), self.path(name))
+        os.environ["ORMACON_DEMO_REPORT"] = windows_path(self.path("report.txt"))
+        for name in ("ORMACON_DEMO_STATE", "ORMACON_DEMO_SCENARIO"):
+            os.environ.pop(name, None)
+        run_quietly("wine64", "reg", "add", r"HKLM\SOFTWARE\Tovak\Tovak Central", "/v", "LogDirectory", "/d",
+                    windows_path(self.folder), "/f")
+
+    def path(self, *names):
+        return os.path.join(self.folder, *names)
+
+    def read(self, *names):
+        with open(self.path(*names), encoding="utf-8", newline="") as file:
+            return file.read()
+
+    def terminal(self, *command, columns=250):
+        terminal = Terminal(command, columns=columns, rows=60, cwd=self.folder)
+        self.addCleanup(terminal.close)
+        return terminal
+
+    def start(self, *options):
+        return self.terminal("wine64", self.path("Ormacon.exe"), *options)
+
+    def run_program(self, *options):
+        """The screen after a run that asks nothing; every run that reaches its end has the exit status 0."""
+        terminal = self.start(*options)
+        return self.ending(terminal)
+
+    def ending(self, terminal, status=0):
+        self.assertTrue(terminal.wait(terminal.ended, SECONDS), "still running:\n" + terminal.screen())
+        self.assertEqual(status, terminal.exit_status(), terminal.screen())
+        return terminal.screen()
+
+    def scenario(self, elements):
+        with open(self.path("scenario.xml"), "w", encoding="utf-8") as file:
+            file.write(f"<DemoScenario>{elements}</DemoScenario>")
+        os.environ["ORMACON_DEMO_SCENARIO"] = windows_path(self.path("scenario.xml"))
+
+    def wait_for(self, terminal, text, count=1):
+        self.assertTrue(terminal.wait(lambda: terminal.screen().count(text) >= count, SECONDS), terminal.screen())
+
+    def talk(self, terminal, dialogue):
+        """Answers each (prompt, answer); the cursor has to stand right behind the prompt, trailing blank included."""
+        asked = Counter()
+        for prompt, answer in dialogue:
+            asked[prompt] += 1
+            terminal.wait(lambda: terminal.ended() or terminal.cursor_line() == prompt and
+                          terminal.screen().count(prompt.rstrip()) >= asked[prompt], SECONDS)
+            self.assertEqual(prompt, terminal.cursor_line(), terminal.screen())
+            terminal.answer(answer)
+
+    def log(self, name="Ormacon.log"):
+        """The log's lines without time stamp and thread id, each of which has to have the right form."""
+        lines = self.read("RmanPluginLogs", name).split("\r\n")
+        self.assertEqual("", lines.pop())
+        for line in lines:
+            self.assertRegex(line, LINE_START)
+        return [LINE_START.sub("", line, count=1) for line in lines]
+
+    def printed(self):
+        """What the last run printed through the console, trailing blanks and line ends included."""
+        last_run = "\n".join(self.log()).split("=" * 84 + "\n")[-1]
+        next_line = r"(?=\n(?:Print to|Read from|Calling|Executing|Cannot) )"
+        return re.findall(r"^Print to console \[(.*?)\]$" + next_line, last_run, re.M | re.S)
+
+    def calls(self):
+        """How often each library function was called in the last run; what it handed out has to have come back."""
+        first, *rest = self.read("report.txt").splitlines()
+        given = re.fullmatch(r"texts=(\d+)/(\d+) arrays=(\d+)/(\d+) wrong=0", first)
+        self.assertTrue(given and given[1] == given[2] and given[3] == given[4], first)
+        counts = (line.split("=") for line in rest if not line.startswith("Free"))
+        return {name: int(count) for name, count in counts}
+
+    def programs(self):
+        """The process ids of this test's programs that still run."""
+        return [pid for pid in os.listdir("/proc") if pid.isdigit() and self.is_mine(pid)]
+
+    def assert_gone(self):
+        deadline = time.monotonic() + 5
+        while self.programs():
+            self.assertLess(time.monotonic(), deadline, "still running")
+            time.sleep(0.05)
+
+    def is_mine(self, pid):
+        try:
+            with open(f"/proc/{pid}/comm", encoding="utf-8") as name:
+                return name.read().strip() == "Ormacon.exe" and os.readlink(f"/proc/{pid}/cwd") == self.folder
+        except OSError:
+            return False
+
+    def assert_in_no_file(self, secret):
+        for folder, _, names in os.walk(self.folder):
+            for name in set(names) - {"Ormacon.exe", "OrmaconLib.dll"}:
+                with open(os.path.join(folder, name), "rb") as file:
+                    content = file.read()
+                for encoding in ("utf-8", "utf-16-le"):
+                    self.assertNotIn(secret.encode(encoding), content, name)

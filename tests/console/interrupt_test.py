@@ -1,0 +1,74 @@
+"""Ctrl+C and Ctrl+Break: the program is gone at once, the console echoes again, and nothing was changed."""
+import os
+import unittest
+
+from console_kit import HELPERS, ConsoleTest
+
+RUNS = 50
+PROMPT = r"Enter password for CORP\oracle:"
+ALL_ECHO = [f"run {run}: ended, echo on" for run in range(1, RUNS + 1)]
+
+
+class Interrupts(ConsoleTest):
+    def start_in_shell(self, event, runs, *options):
+        return self.terminal("wine64", os.path.join(HELPERS, "break_sender.exe"), event, str(runs),
+                             self.path("Ormacon.exe"), *options)
+
+    def check_console_afterwards(self, terminal):
+        self.assert_gone()
+        terminal.type("seen again")
+        self.wait_for(terminal, "seen again")
+        terminal.close()
+
+    def check_runs(self, terminal):
+        ends = [line.strip() for line in terminal.screen().split("\n") if line.startswith("run ")]
+        self.assertEqual(ALL_ECHO, ends)
+        self.assertFalse(os.path.exists(self.path("report.txt")), "the library was called")
+        self.assertFalse(os.path.exists(self.path("OrmaconDemoState.xml")))
+        self.assertNotIn("Read from console [Hidden data]", self.log())
+        self.assertNotIn("Calling SetCredentials function", self.log())
+
+    def test_ctrl_c_at_the_password_prompt(self):
+        terminal = self.start_in_shell("wait", RUNS, "--set-credentials", r"CORP\oracle")
+        for run in range(1, RUNS + 1):
+            self.wait_for(terminal, PROMPT, run)
+            terminal.type("secret"[:run % 4])
+            terminal.press("C-c")
+            self.wait_for(terminal, f"run {run}: ")
+        self.check_runs(terminal)
+        self.check_console_afterwards(terminal)
+
+    def test_ctrl_break_at_the_password_prompt(self):
+        terminal = self.start_in_shell("break", RUNS, "--set-credentials", r"CORP\oracle")
+        terminal.wait(lambda: ALL_ECHO[-1] in terminal.screen() or "echo off" in terminal.screen(), 120)
+        self.check_runs(terminal)
+        self.check_console_afterwards(terminal)
+
+    def test_closed_window_at_the_password_prompt(self):
+        terminal = self.start("--set-credentials", "user")
+        self.wait_for(terminal, "Enter password for user:")
+        terminal.type("secret")
+        terminal.close()
+        self.assert_gone()
+        self.assertFalse(os.path.exists(self.path("report.txt")), "the library was called")
+        self.assertNotIn("Read from console [Hidden data]", self.log())
+
+    def test_ctrl_c_in_the_wizard(self):
+        answers = ["h.example.org", "10006", "user", "secret", "1", "4"]
+        for count, prompt in ((3, "Enter password for user: "), (6, "Enter: ")):
+            with self.subTest(prompt):
+                terminal = self.start_in_shell("wait", 1, "--wizard")
+                for answer in answers[:count]:
+                    self.assertTrue(terminal.wait_for_prompt_or_end(), terminal.screen())
+                    terminal.answer(answer)
+                self.assertTrue(terminal.wait_for_prompt_or_end(), terminal.screen())
+                self.assertEqual(prompt, terminal.cursor_line())
+                terminal.press("C-c")
+                self.wait_for(terminal, "run 1: ended, echo on")
+                self.check_console_afterwards(terminal)
+                self.assertNotIn("Commit", self.calls())
+                self.assertFalse(os.path.exists(self.path("OrmaconDemoState.xml")))
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,94 @@
+#include "tests/demo_library/demo_library_test.h"
+
+#include <aclapi.h>
+#include <sddl.h>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+constexpr wchar_t server[] = L"резерв.example.com";
+constexpr wchar_t domain[] = L"CORP & <Söhne> \"'&#x41;";
+constexpr wchar_t user_name[] = L"  оператор \U0001F512  ";
+constexpr wchar_t password[] = L"Tiger-7pä\U0001F511ß密\t\x1 \xD800 <&#x41;>";  // XML could not even hold it
+
+// The entries of the file's access list, such as "(A;;FA;;;SY)" for full access of the system.
+std::wstring access_list(const std::filesystem::path& path) {
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    LPWSTR text = nullptr;
+    GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr,
+                          &descriptor);
+    ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text,
+                                                         nullptr);
+    const std::wstring result = text ? text : L"";
+    LocalFree(text);
+    LocalFree(descriptor);
+    return result;
+}
+
+}  // namespace
+
+TEST_F(demo_library_test, exports_every_function_under_its_plain_name) {
+    std::istringstream names(
+        "SetCredentials SetHost SetPort SetRepositories GetConfig GetTBRRepositories GetSummary InitializeWizard "
+        "SetParallelism GetParallelismRangeString GetScopeEdition GetResult ExportTovakConfig ExportRMANConfig Cancel "
+        "Commit FreeString FreeArrayString FreeRepositories SetHostDirect SetPortDirect SetCredentialsDirect "
+        "SetRepositoriesDirect SetParallelismDirect GetTBRRepositoriesDirect MapBackupDirect UninstallDirect");
+    for (std::string name; names >> name;) EXPECT_NE(GetProcAddress(library, name.c_str()), nullptr) << name;
+}
+
+TEST_F(demo_library_test, every_value_survives_in_the_file_and_uninstall_removes_it) {
+    const auto state = folder / L"new folder" / L"\u0434.xml";
+    SetEnvironmentVariableW(L"ORMACON_DEMO_STATE", state.c_str());
+    EXPECT_EQ(call<SetHostFn>("SetHostDirect", server), L"ok");
+    EXPECT_EQ(call<SetPortFn>("SetPortDirect", 10006), L"ok");
+    EXPECT_EQ(call<SetCredentialsFn>("SetCredentialsDirect", domain, user_name, password), L"ok");
+    EXPECT_EQ(select("SetRepositoriesDirect", {L"REP-0003", L"REP-0001"}), L"ok");
+    EXPECT_EQ(call<SetParallelismFn>("SetParallelismDirect", 64), L"ok");
+    FreeLibrary(library);
+    load();
+
+    const config_t stored = config();
+    EXPECT_EQ(stored.host, server);
+    EXPECT_EQ(stored.port, 10006);
+    EXPECT_EQ(stored.domain, domain);
+    EXPECT_EQ(stored.user_name, user_name);
+    EXPECT_EQ(stored.password, password);
+    EXPECT_EQ(stored.parallelism, 64);
+    EXPECT_THAT(stored.ids, ElementsAre(L"REP-0003", L"REP-0001"));
+
+    // The password's begin as it is, in UTF-16, and in hexadecimal digits of either.
+    const std::string utf16("T\0i\0g\0e\0r", 9);
+    for (const std::string& form :
+         {std::string("Tiger"), utf16, std::string("54696765"), std::string("5400690067006500")})
+        EXPECT_THAT(FileText(state), Not(HasSubstr(form)));
+
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(plain("UninstallDirect"), L"ok");
+    EXPECT_TRUE(std::filesystem::is_empty(folder / L"new folder"));
+}
+
+TEST_F(demo_library_test, state_file_is_closed_to_ordinary_accounts) {
+    for (int i = 0; i < 2; ++i) {  // created, then replaced
+        EXPECT_EQ(call<SetPortFn>("SetPortDirect", 1), L"ok");
+        const std::wstring list = access_list(folder / "state.xml");
+        EXPECT_THAT(list, HasSubstr(L"(A;;FA;;;SY)"));
+        for (const wchar_t* group : {L";WD)", L";BU)", L";AU)"}) EXPECT_THAT(list, Not(HasSubstr(group)));
+    }
+}
+
+TEST_F(demo_library_test, damaged_state_file_is_named_and_kept) {
+    const std::wstring path = (folder / "state.xml").wstring();
+    const auto outcome_with = [&](const char* bytes) {
+        test_support::WriteFileText(path, bytes);
+        return call<SetPortFn>("SetPortDirect", 1);
+    };
+    const std::wstring start = L"The file " + path + L" cannot be used: ";
+    EXPECT_THAT(outcome_with("<OrmaconDemoState>"), testing::StartsWith(start));
+    EXPECT_EQ(outcome_with("<OrmaconDemoState><Server port='80x'/></OrmaconDemoState>"),
+              start + L"the value [80x] of port is not a number (line 1)");
+    EXPECT_EQ(outcome_with("<OrmaconDemoState><Server/><Account protectedPassword='0'/></OrmaconDemoState>"),
+              start + L"The stored password is damaged");
+    EXPECT_THAT(FileText(path), HasSubstr("protectedPassword='0'"));
+}

@@ -1,0 +1,144 @@
+// The log of a whole process. The child processes are this program again, with one of the tests at the end.
+#include <algorithm>
+#include <iostream>
+#include <set>
+
+#include <boost/make_shared.hpp>
+
+#include "common/exc/exceptions.h"
+#include "common/logging/logger.h"
+#include "common/logging/logger_core.h"
+#include "common/logging/open_log.h"
+#include "common/logging/win_log_file.h"
+#include "common/platform/module.h"
+#include "common/platform/os_version.h"
+#include "tests/logging/log_test_kit.h"
+#include "tests/support/test_registry.h"
+
+using namespace logging;
+using namespace log_test;
+using testing::HasSubstr;
+
+namespace {
+
+// A process that runs one of the tests below in the folder, with its standard output in the file "output".
+platform::unique_handle start_child(const fs::path& folder, const std::wstring& test_and_arguments) {
+    std::wstring line = L"\"" + platform::program_path() +
+                        L"\" --gtest_also_run_disabled_tests --gtest_filter=child.DISABLED_" + test_and_arguments;
+    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+    const platform::unique_file output(CreateFileW((folder / L"output").c_str(), GENERIC_WRITE, FILE_SHARE_READ,
+                                                   &inherited, CREATE_ALWAYS, 0, nullptr));
+    STARTUPINFOW start{};
+    start.cb = sizeof start, start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdOutput = start.hStdError = output.get();
+    PROCESS_INFORMATION process{};
+    EXPECT_TRUE(
+        CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &start, &process));
+    CloseHandle(process.hThread);
+    return platform::unique_handle(process.hProcess);
+}
+
+void attach_log(logger_t& logger, const fs::path& folder) {
+    logger.attach(boost::make_shared<receiver::win_log_file_t>(
+        (folder / L"Ormacon.log").wstring(), size_limits_t{1'000'000, 1000}, receiver::log_file_t::report_t()));
+}
+
+struct static_object_t {
+    ~static_object_t() {
+        if (!logs) return;
+        ormacon_tool.log({.level = 3, .text = "static object ends"});
+        std::cout << "printed at the end" << std::endl;
+    }
+    bool logs = false;
+} static_object;
+
+}  // namespace
+
+TEST(child, DISABLED_logs_and_ends) {
+    test_support::CTestRegistry registry;
+    registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", fs::current_path().wstring());
+    initialise(ormacon_tool, L"Sub", L"Ormacon.log");
+    ormacon_tool.log({.level = 4, .depth = 1, .text = "a failure"});
+    std::cout << "printed" << std::endl;
+    static_object.logs = true;
+}
+
+TEST(log_process, header_echo_and_copy_until_the_very_end) {
+    const folder_t folder;
+    const auto child = start_child(folder.path, L"logs_and_ends -log -verbose");
+    EXPECT_EQ(WaitForSingleObject(child.get(), 60'000), WAIT_OBJECT_0);
+    const std::string separator(77, '=');
+    const std::vector<std::string> expected{
+        separator,
+        "Path to the executable module: " + fs::path(platform::program_path()).string(),
+        "Module version: ",
+        "Comments: ",
+        "Process Id: " + std::to_string(GetProcessId(child.get())),
+        "OS version: " + platform::os_version_text(),
+        separator,
+        "ERR |  a failure",
+        "printed",
+        "WARN|static object ends",
+        "printed at the end",
+        "Clearing collection of cout multiplexors."};
+    EXPECT_EQ(texts_in(folder / L"Sub\\Ormacon.log"), expected);
+    const std::string output = FileText(folder / L"output");
+    EXPECT_THAT(output, HasSubstr("Info     " + separator + "\r\nInfo     Path to the"));
+    EXPECT_THAT(output, HasSubstr("Warning  static object ends\r\n"));
+}
+
+TEST(log_process, opening_twice_closing_and_failing_to_open) {
+    const folder_t folder;
+    const std::wstring path = (folder / L"a\\b\\Ormacon.log").wstring();
+    for (int run = 0; run < 2; ++run) open_log(ormacon_tool, {path, {}, {}});
+    EXPECT_EQ(log_path(), path);
+    close_log();
+    using testing::ThrowsMessage;
+    EXPECT_THAT([] { log_path(); },
+                ThrowsMessage<exc::runtime_exc_t>("Value of the log path is unavailable: log is not initialized yet."));
+    const fs::path below = fs::path(path) / "sub" / "x.log";
+    const log_options_t blocked{below.wstring(), {}, {}};
+    EXPECT_THAT([&] { open_log(ormacon_tool, blocked); },
+                ThrowsMessage<exc::runtime_exc_t>(HasSubstr("\nFailed to initialize log [" + below.string() + "].")));
+}
+
+TEST(child, DISABLED_writes_until_it_is_killed) {
+    const std::string name = FileText(fs::current_path() / L"round");
+    logger_t logger;
+    attach_log(logger, fs::current_path());
+    for (int number = 1;; ++number) {
+        logger.log({.text = name + " " + std::to_string(number) + std::string(60, ' ')});
+        std::cout << '!' << std::flush;
+    }
+}
+
+TEST(log_process, a_kill_loses_no_record_that_was_logged) {
+    const folder_t folder;
+    const fs::path temporary = folder / L"Ormacon.log.gz.tmp";
+    int left_half_done = 0;
+    for (int round = 0; round < 8; ++round) {
+        const std::string name = "round" + std::to_string(round);
+        WriteFileText(folder / L"round", name);
+        const auto child = start_child(folder.path, L"writes_until_it_is_killed");
+        const auto logged = [&] { return std::ranges::count(FileText(folder / L"output"), '!'); };
+        while (logged() == 0) Sleep(1);
+        Sleep(static_cast<DWORD>(20 + 7 * round));
+        // Every other kill is aimed at an archive in the making.
+        while (round % 2 == 1 && !fs::exists(temporary)) YieldProcessor();
+        TerminateProcess(child.get(), 1);
+        EXPECT_EQ(WaitForSingleObject(child.get(), 60'000), WAIT_OBJECT_0);
+        left_half_done += fs::exists(temporary);
+
+        std::set<int> numbers;
+        for (const auto& [file, texts] : logs_in(folder.path))
+            for (const std::string& text : texts)
+                if (text.starts_with(name + " ")) numbers.insert(std::atoi(text.c_str() + name.size() + 1));
+        ASSERT_GE(*numbers.rbegin(), logged());
+        ASSERT_EQ(static_cast<int>(numbers.size()), *numbers.rbegin());
+    }
+    EXPECT_GT(left_half_done, 0) << "no kill hit an archive in the making";
+    logger_t logger;
+    attach_log(logger, folder.path);
+    for (int lines = 0; lines < 1000 && fs::exists(temporary); ++lines) logger.log({.text = std::string(2000, ' ')});
+    EXPECT_FALSE(fs::exists(temporary)) << "the left-over is still there";
+}

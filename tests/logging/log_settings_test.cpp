@@ -1,0 +1,63 @@
+#include "common/logging/log_settings.h"
+
+#include <gtest/gtest.h>
+
+#include "common/logging/command_switches.h"
+#include "tests/support/test_registry.h"
+
+using namespace logging;
+
+constexpr const wchar_t* product_key = L"SOFTWARE\\Tovak\\Tovak Central";
+
+TEST(log_settings, both_size_values_or_both_defaults) {
+    struct value_t {
+        DWORD type = REG_NONE;  // is missing
+        std::uint64_t data = 0;
+    };
+    const struct {
+        value_t size, count;
+        std::uint64_t log_size = 15'728'640;
+        std::uint32_t archive_count = 10;
+    } cases[] = {
+        {{}, {}},
+        {{REG_DWORD, 0}, {}},
+        {{}, {REG_DWORD, 3}},
+        {{REG_DWORD, 0}, {REG_DWORD, 5000}, 0, 1000},
+        {{REG_QWORD, 5'000'000'000}, {REG_DWORD, 0}, 5'000'000'000, 0},
+        {{REG_DWORD, 1000}, {REG_QWORD, 3}},
+        {{REG_SZ, '1'}, {REG_DWORD, 3}},
+    };
+    for (const auto& c : cases) {
+        test_support::CTestRegistry registry;
+        for (const auto& [name, value] : {std::pair{L"AgentMaxLogSize", c.size}, {L"AgentMaxLogCount", c.count}})
+            if (value.type) registry.Set(product_key, name, value.type, &value.data, value.type == REG_QWORD ? 8 : 4);
+        EXPECT_EQ(read_size_limits().log_size, c.log_size) << c.size.data << ' ' << c.count.data;
+        EXPECT_EQ(read_size_limits().archive_count, c.archive_count) << c.size.data << ' ' << c.count.data;
+    }
+}
+
+TEST(log_settings, base_directory) {
+    test_support::CTestRegistry registry;
+    EXPECT_TRUE(base_log_directory().ends_with(L":\\ProgramData\\Tovak\\Backup\\"));
+    registry.SetText(product_key, L"LogDirectory", L"");
+    EXPECT_TRUE(base_log_directory().ends_with(L":\\ProgramData\\Tovak\\Backup\\"));
+    registry.SetText(product_key, L"LogDirectory", L"D:\\logs \u00E4");
+    EXPECT_EQ(base_log_directory(), L"D:\\logs \u00E4");
+}
+
+TEST(command_switches, whole_arguments_alone) {
+    const struct {
+        const wchar_t* line;
+        bool echo, verbose;
+    } cases[] = {
+        {L"\"C:\\a -log b\\-verbose\" --show-config", false, false},
+        {L"-log", false, false},  // the program's name
+        {L"o.exe --wizard -log", true, false},
+        {L"o.exe \"-verbose\" x", false, true},
+        {L"o.exe --log -logs -Verbose \"a -log\"", false, false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(find_switches(c.line).echo, c.echo) << c.line;
+        EXPECT_EQ(find_switches(c.line).verbose, c.verbose) << c.line;
+    }
+}

@@ -1,0 +1,116 @@
+#include "common/plugin/common_settings.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "common/exc/exceptions.h"
+#include "common/text/convert.h"
+#include "tests/support/demo_host.h"
+#include "tests/support/recording_sink.h"
+
+namespace {
+
+using plugin::common_settings_t;
+using testing::ElementsAre;
+
+class CommonSettings : public testing::Test {
+protected:
+    common_settings_t Load(const std::string& content) {
+        test_support::WriteFileText(folder_ / "tovak_common_config.xml", content);
+        log_.Clear();
+        return plugin::load_common_settings(folder_.wstring());
+    }
+
+    common_settings_t LoadParameters(const std::string& parameters) {
+        return Load("<Config>" + parameters + "</Config>");
+    }
+
+    // The lines in front of the four values in force.
+    std::vector<std::string> LogBeforeValues() const {
+        std::vector<std::string> lines = log_.lines();
+        lines.resize(lines.size() - 4);
+        return lines;
+    }
+
+    std::string Path() const { return text::wide_to_utf8((folder_ / "tovak_common_config.xml").wstring()); }
+
+    std::filesystem::path folder_ = test_support::FreshFolder();
+    test_support::CRecordedLog log_;
+};
+
+TEST_F(CommonSettings, ElementsAndAttributesAreRead) {
+    for (const char* parameters :
+         {"<PluginParameters><minPluginManagerPort>7001</minPluginManagerPort><managerConnectionAttempsCount> 5"
+          "</managerConnectionAttempsCount><managerLockDir>C:\\\u00e4\\l</managerLockDir><logsDir>C:\\g</logsDir>"
+          "</PluginParameters>",
+          "<PluginParameters minPluginManagerPort='7001' managerConnectionAttempsCount='5' "
+          "managerLockDir='C:\\\u00e4\\l' logsDir='C:\\g'/>",
+          "<PluginParameters minPluginManagerPort='1' managerConnectionAttempsCount='5' "
+          "managerLockDir='C:\\\u00e4\\l' logsDir='C:\\g'><minPluginManagerPort>7001</minPluginManagerPort>"
+          "</PluginParameters>"}) {
+        LoadParameters(parameters);
+        EXPECT_THAT(log_.lines(),
+                    ElementsAre("Loading xml file [" + Path() + "]", "Xml file was successfully loaded",
+                                "Plugin manager port is [7001]", "Plugin to manager connection attempts count is [5]",
+                                "Manager lock directory is [C:\\\u00e4\\l]", "Logs directory is [C:\\g]"));
+    }
+}
+
+TEST_F(CommonSettings, NumbersFallBackToTheirDefaults) {
+    const struct {
+        const char* text;
+        int port;
+    } cases[] = {{"abc", 6791}, {"7000x", 7000}, {"", 6791}, {"x7000", 6791}, {"-1", -1}, {" 12 ", 12}};
+    for (const auto& c : cases) {
+        const auto settings = LoadParameters(std::string("<PluginParameters minPluginManagerPort='") + c.text +
+                                             "'><managerConnectionAttemptsCount>7</managerConnectionAttemptsCount>"
+                                             "</PluginParameters>");
+        EXPECT_EQ(settings.minPluginManagerPort, c.port) << c.text;
+        EXPECT_EQ(settings.managerConnectionAttempsCount, 30);
+        EXPECT_EQ(settings.managerLockDir + settings.logsDir, "");
+    }
+}
+
+TEST_F(CommonSettings, MissingFileLeavesTheDefaults) {
+    const auto settings = plugin::load_common_settings(folder_.wstring());
+    EXPECT_EQ(settings.minPluginManagerPort, 6791);
+    EXPECT_THAT(log_.lines(),
+                ElementsAre("WARN|Unable to init plugin manager settings. Using default values. Cannot find plug-in "
+                            "manager configuration file",
+                            "WARN|Failed to read plug-in manager configuration file", "Plugin manager port is [6791]",
+                            "Plugin to manager connection attempts count is [30]", "Manager lock directory is []",
+                            "Logs directory is []"));
+}
+
+TEST_F(CommonSettings, MalformedXmlIsIgnored) {
+    EXPECT_EQ(Load("<Config><PluginParameters minPluginManagerPort='7'>").minPluginManagerPort, 6791);
+    EXPECT_THAT(LogBeforeValues(),
+                ElementsAre("Loading xml file [" + Path() + "]",
+                            "WARN|Error due parsing xml file, code: [5], description: [Error reading Element value.]",
+                            "WARN|Xml file wasn't loaded. Ignore it."));
+    EXPECT_EQ(Load("").minPluginManagerPort, 6791);
+    EXPECT_TRUE(log_.Contains("Error due parsing xml file, code: [12], description: [Error document empty.]"));
+}
+
+TEST_F(CommonSettings, MissingElementsAreNamed) {
+    const auto expect_unreadable = [&](const std::string& node) {
+        EXPECT_THAT(LogBeforeValues(),
+                    ElementsAre("Loading xml file [" + Path() + "]", "Xml file was successfully loaded",
+                                "WARN|Unable to load params from file [" + Path() +
+                                    "]. There is no node with the specified name: [" + node + "]."));
+    };
+    Load("<config/>");
+    expect_unreadable("Config");
+    LoadParameters("<pluginParameters/>");
+    expect_unreadable("PluginParameters");
+}
+
+TEST_F(CommonSettings, AFileThatCannotBeOpenedIsNamed) {
+    std::filesystem::create_directory(folder_ / "tovak_common_config.xml");
+    EXPECT_EQ(plugin::load_common_settings(folder_.wstring()).minPluginManagerPort, 6791);
+    EXPECT_THAT(LogBeforeValues(), ElementsAre("Loading xml file [" + Path() + "]",
+                                               "WARN|Unable to load params from file [" + Path() +
+                                                   "]. Failed to open configuration file from path: " + Path()));
+}
+
+}  // namespace

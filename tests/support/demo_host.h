@@ -1,0 +1,82 @@
+// A host of the test's own for the demonstration library: state, scenario and report lie in a fresh folder.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "common/platform/module.h"
+#include "common/win32.h"
+
+namespace test_support {
+
+inline std::string FileText(const std::filesystem::path& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+inline void WriteFileText(const std::filesystem::path& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+// An empty folder for the running test, below the test program's.
+inline std::filesystem::path FreshFolder() {
+    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    const auto folder = std::filesystem::path(platform::program_path()).parent_path() / "test_folders" /
+                        test->test_suite_name() / test->name();
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    return folder;
+}
+
+class CDemoHost {
+public:
+    CDemoHost() : folder_(FreshFolder()) {
+        SetEnvironmentVariableW(L"ORMACON_DEMO_STATE", (folder_ / "state.xml").c_str());
+        SetEnvironmentVariableW(L"ORMACON_DEMO_REPORT", (folder_ / "report.txt").c_str());
+        Scenario("");
+    }
+    ~CDemoHost() { std::filesystem::remove_all(folder_); }
+    CDemoHost(const CDemoHost&) = delete;
+    CDemoHost& operator=(const CDemoHost&) = delete;
+
+    const std::filesystem::path& folder() const { return folder_; }
+
+    // The elements of a scenario; see scenario.sample.xml.
+    void Scenario(const std::string& elements) const {
+        const auto path = folder_ / "scenario.xml";
+        WriteFileText(path, "<?xml version='1.0' encoding='UTF-8'?><DemoScenario>" + elements + "</DemoScenario>");
+        SetEnvironmentVariableW(L"ORMACON_DEMO_SCENARIO", path.c_str());
+    }
+
+    // How often the function was called since the library was loaded.
+    int Calls(const std::string& function) const {
+        std::istringstream report(FileText(folder_ / "report.txt"));
+        for (std::string line; std::getline(report, line);) {
+            if (line.starts_with(function + "=")) return std::stoi(line.substr(function.size() + 1));
+        }
+        return 0;
+    }
+
+    // Everything that the library handed out came back, and nothing else did.
+    void ExpectMemoryBalanced(const std::string& what = "") const {
+        unsigned texts = 0, texts_back = 1, arrays = 0, arrays_back = 1, wrong = 1;
+        const std::string report = FileText(folder_ / "report.txt");
+        EXPECT_EQ(std::sscanf(report.c_str(), "texts=%u/%u arrays=%u/%u wrong=%u", &texts, &texts_back, &arrays,
+                              &arrays_back, &wrong),
+                  5)
+            << what << report;
+        EXPECT_EQ(texts, texts_back) << what;
+        EXPECT_EQ(arrays, arrays_back) << what;
+        EXPECT_EQ(wrong, 0U) << what;
+    }
+
+private:
+    std::filesystem::path folder_;
+};
+
+}  // namespace test_support

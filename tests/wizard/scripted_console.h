@@ -1,0 +1,52 @@
+// A user who has all answers ready. The transcript shows them in angle brackets, hidden ones with a "#".
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "common/exc/raise.h"
+#include "wizard/console_device.h"
+
+namespace test_support {
+
+class CScriptedConsole : public wizard::IConsoleDevice {
+public:
+    explicit CScriptedConsole(std::deque<std::wstring> answers) : answers_(std::move(answers)) {
+        wizard::UseConsoleDevice(this);
+    }
+    ~CScriptedConsole() override { wizard::UseConsoleDevice(nullptr); }
+
+    void Write(const std::wstring& text) override { transcript_ += text; }
+
+    // Runs out as a user does who presses Ctrl+C.
+    std::wstring ReadLine(bool hidden) override {
+        if (at_first_answer) std::exchange(at_first_answer, nullptr)();
+        if (answers_.empty() && repeated_) answers_.push_back(*repeated_);
+        if (answers_.empty()) exc::raise<exc::term_exc_t>("no more answers");
+        std::wstring answer = answers_.front();
+        answers_.pop_front();
+        transcript_ += (hidden ? L"<#" : L"<") + answer + L">";
+        return answer;
+    }
+
+    bool IsInteractive() const override { return interactive; }
+
+    // Answers this for ever when the other answers are used up.
+    void Repeat(const std::wstring& answer) { repeated_ = answer; }
+
+    bool interactive = true;
+    std::function<void()> at_first_answer;
+
+    const std::wstring& transcript() const { return transcript_; }
+    std::size_t answers_left() const { return answers_.size(); }
+
+private:
+    std::deque<std::wstring> answers_;
+    std::optional<std::wstring> repeated_;
+    std::wstring transcript_;
+};
+
+}  // namespace test_support

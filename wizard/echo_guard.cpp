@@ -1,0 +1,113 @@
+#include "wizard/echo_guard.h"
+
+#include <iostream>
+#include <mutex>
+#include <utility>
+
+#include "common/crash/handler_registry.h"
+#include "common/exc/raise.h"
+#include "common/win32.h"
+
+namespace wizard {
+namespace {
+
+// Shared with the thread on which the system reports Ctrl+C: echo is never turned off after that report.
+struct ConsoleState {
+    std::mutex mutex;
+    bool cancelled = false;
+    bool echo_off = false;
+    UINT output_code_page = 0;  // to be restored; 0 when nothing is
+};
+
+ConsoleState& State() {
+    // Never destroyed: a Ctrl+C may come while the process is ending.
+    static auto* const state = new ConsoleState;
+    return *state;
+}
+
+void SetEcho(bool on) {
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    DWORD mode = 0;
+    if (!GetConsoleMode(input, &mode)) return;
+    SetConsoleMode(input, on ? mode | ENABLE_ECHO_INPUT : mode & ~DWORD{ENABLE_ECHO_INPUT});
+}
+
+// False when there was nothing to restore.
+bool RestoreEcho(ConsoleState& state) {
+    if (!std::exchange(state.echo_off, false)) return false;
+    SetEcho(true);
+    return true;
+}
+
+// What the shell prints next would else stand behind the prompt. The stream belongs to another thread.
+void EndPromptLine() {
+    DWORD written = 0;
+    WriteConsoleW(GetStdHandle(STD_OUTPUT_HANDLE), L"\r\n", 2, &written, nullptr);
+}
+
+void RestoreCodePage(ConsoleState& state) {
+    if (state.output_code_page == 0) return;
+    SetConsoleOutputCP(state.output_code_page);
+    state.output_code_page = 0;
+}
+
+// The crashed thread may hold the mutex; it stands still, so that there is nobody to be kept out.
+void RestoreAfterCrash() {
+    ConsoleState& state = State();
+    const std::unique_lock lock(state.mutex, std::try_to_lock);
+    RestoreEcho(state);
+    RestoreCodePage(state);
+}
+
+// The default handler, which ends the process, runs after this one.
+BOOL WINAPI OnControlEvent(DWORD) {
+    ConsoleState& state = State();
+    const std::lock_guard lock(state.mutex);
+    state.cancelled = true;
+    if (RestoreEcho(state)) EndPromptLine();
+    RestoreCodePage(state);
+    return FALSE;
+}
+
+}  // namespace
+
+CEchoGuard::CEchoGuard() {
+    ConsoleState& state = State();
+    const std::lock_guard lock(state.mutex);
+    if (state.cancelled) exc::raise<exc::term_exc_t>("Console input was cancelled");
+    state.echo_off = true;
+    SetEcho(false);
+}
+
+CEchoGuard::~CEchoGuard() {
+    {
+        ConsoleState& state = State();
+        const std::lock_guard lock(state.mutex);
+        RestoreEcho(state);
+    }
+    std::cout << "\n" << std::flush;
+}
+
+CConsoleSession::CConsoleSession() {
+    ConsoleState& state = State();
+    const std::lock_guard lock(state.mutex);
+    state.output_code_page = GetConsoleOutputCP();
+    SetConsoleOutputCP(CP_UTF8);
+    SetConsoleCtrlHandler(OnControlEvent, TRUE);
+    crash::register_handler(&RestoreAfterCrash);
+}
+
+CConsoleSession::~CConsoleSession() {
+    SetConsoleCtrlHandler(OnControlEvent, FALSE);
+    ConsoleState& state = State();
+    const std::lock_guard lock(state.mutex);
+    RestoreCodePage(state);
+}
+
+bool IsInputCancelled() {
+    ConsoleState& state = State();
+    const std::lock_guard lock(state.mutex);
+    return state.cancelled;
+}
+
+}  // namespace wizard

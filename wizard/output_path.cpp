@@ -1,0 +1,57 @@
+#include "wizard/output_path.h"
+
+#include <boost/filesystem.hpp>
+
+#include "common/exc/format_message.h"
+#include "common/exc/raise.h"
+#include "common/text/convert.h"
+#include "wizard/console.h"
+#include "wizard/prompts.h"
+
+namespace wizard {
+namespace {
+
+namespace fs = boost::filesystem;
+
+bool IsTaken(const fs::path& path) {
+    boost::system::error_code failure;
+    const fs::file_status status = fs::status(path, failure);
+    return !failure && fs::exists(status);
+}
+
+bool AgreesToReplace(const fs::path& path) {
+    PrintToConsole(FormatPrompt("%1 already exists. Do you want to replace it? (yes/no): ", {path.wstring()}));
+    const std::wstring answer = ToLowerText(ReadFromConsole());
+    return answer == L"yes" || answer == L"y";
+}
+
+std::string WithPath(const char* sentence, const fs::path& path) {
+    return exc::format_message(sentence, text::wide_to_utf8(path.wstring()));
+}
+
+void RemoveExisting(const fs::path& path) {
+    boost::system::error_code failure;
+    // An empty folder would go without a word.
+    if (fs::is_directory(path, failure)) exc::raise(WithPath("Cannot replace [%1]: it is a folder", path));
+    fs::remove(path, failure);
+    if (failure)
+        exc::raise_win_error(static_cast<std::uint32_t>(failure.value()), WithPath("Cannot replace [%1]", path));
+}
+
+}  // namespace
+
+fs::path AskOutputPath(const std::wstring& prompt, const fs::path& default_path) {
+    for (;;) {
+        const fs::path path = Ask(prompt, default_path.wstring());
+        if (!IsTaken(path)) return path;
+        const fs::path existing = fs::absolute(path);
+        if (!AgreesToReplace(existing)) {
+            RequireInteractiveConsole();
+            continue;
+        }
+        RemoveExisting(existing);
+        return existing;
+    }
+}
+
+}  // namespace wizard
