@@ -65,7 +65,7 @@ class ConsoleTest(unittest.TestCase):
         with open(self.path(*names), encoding="utf-8", newline="") as file:
             return file.read()
 
-    def terminal(self, *command, columns=250):
+    def terminal(self, *command, columns=500):
         terminal = Terminal(command, columns=columns, rows=60, cwd=self.folder)
         self.addCleanup(terminal.close)
         return terminal
