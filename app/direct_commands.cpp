@@ -1,7 +1,6 @@
 #include "app/direct_commands.h"
 
 #include <iostream>
-#include <sstream>
 
 #include <boost/assert.hpp>
 #include <boost/make_shared.hpp>
@@ -64,10 +63,7 @@ void ShowHelp(CommandContext& context) {
     for (const auto& option : context.options.options()) {
         if (option->long_name() != option_uninstall) shown.add(option);
     }
-    // Composed first: standard output writes each of the formatter's single blanks on its own.
-    std::ostringstream page;
-    page << shown;
-    std::cout << page.str() << std::endl;
+    std::cout << shown << std::endl;
 }
 
 void ShowConfig(CommandContext& context) {

@@ -1,5 +1,6 @@
 #include "app/run.h"
 
+#include <cstdio>
 #include <iostream>
 #include <optional>
 
@@ -20,11 +21,15 @@ void RunCommand(int argc, const char* const* argv) {
     context.ReleaseCaller();
 }
 
+// Left alone, the C run-time library writes to a console, or to NUL, character by character.
+void BufferStandardOutput() { std::setvbuf(stdout, nullptr, _IOFBF, 4096); }
+
 void Print(const char* message) { std::cout << (message == nullptr ? "Unknown error" : message) << std::endl; }
 
 }  // namespace
 
 void Run(int argc, const char* const* argv) {
+    BufferStandardOutput();
     std::optional<wizard::CConsoleSession> console_session;
     try {
         crash::install(log_folder);

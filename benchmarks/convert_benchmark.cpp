@@ -1,4 +1,6 @@
-// The conversions between UTF-8 and UTF-16, against one call of the system into a buffer that is large enough.
+// The conversions between UTF-8 and UTF-16, against one call of the system into a buffer that is large enough, and
+// against the floor: the two calls and the one piece of memory that a conversion cannot do without.
+#include <memory>
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -35,6 +37,18 @@ void to_utf8_system(benchmark::State& state) {
     if (target.c_str() != text::wide_to_utf8(source)) state.SkipWithError("the texts differ");
 }
 
+void to_utf8_floor(benchmark::State& state) {
+    const std::wstring source = wide_text(static_cast<std::size_t>(state.range(0)));
+    const int length = static_cast<int>(source.size()) + 1;
+    for (auto _ : state) {
+        const int size = WideCharToMultiByte(CP_UTF8, 0, source.c_str(), length, nullptr, 0, nullptr, nullptr);
+        const auto target = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(size));
+        WideCharToMultiByte(CP_UTF8, 0, source.c_str(), length, target.get(), size, nullptr, nullptr);
+        benchmark::DoNotOptimize(target.get());
+        benchmark::ClobberMemory();
+    }
+}
+
 void to_wide_product(benchmark::State& state) {
     const std::string source = text::wide_to_utf8(wide_text(static_cast<std::size_t>(state.range(0))));
     for (auto _ : state) benchmark::DoNotOptimize(text::utf8_to_wide(source));
@@ -52,11 +66,25 @@ void to_wide_system(benchmark::State& state) {
     if (target.c_str() != text::utf8_to_wide(source)) state.SkipWithError("the texts differ");
 }
 
+void to_wide_floor(benchmark::State& state) {
+    const std::string source = text::wide_to_utf8(wide_text(static_cast<std::size_t>(state.range(0))));
+    const int length = static_cast<int>(source.size()) + 1;
+    for (auto _ : state) {
+        const int size = MultiByteToWideChar(CP_UTF8, 0, source.c_str(), length, nullptr, 0);
+        const auto target = std::make_unique_for_overwrite<wchar_t[]>(static_cast<std::size_t>(size));
+        MultiByteToWideChar(CP_UTF8, 0, source.c_str(), length, target.get(), size);
+        benchmark::DoNotOptimize(target.get());
+        benchmark::ClobberMemory();
+    }
+}
+
 constexpr int long_text = 64 * 1024;
 
 BENCHMARK(to_utf8_product)->Name("convert/product/to_utf8")->Arg(64)->Arg(long_text);
 BENCHMARK(to_utf8_system)->Name("convert/system/to_utf8")->Arg(64)->Arg(long_text);
+BENCHMARK(to_utf8_floor)->Name("convert/floor/to_utf8")->Arg(64)->Arg(long_text);
 BENCHMARK(to_wide_product)->Name("convert/product/to_wide")->Arg(64)->Arg(long_text);
 BENCHMARK(to_wide_system)->Name("convert/system/to_wide")->Arg(64)->Arg(long_text);
+BENCHMARK(to_wide_floor)->Name("convert/floor/to_wide")->Arg(64)->Arg(long_text);
 
 }  // namespace

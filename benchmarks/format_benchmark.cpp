@@ -1,4 +1,5 @@
-// format_message with two arguments, against the formatters of fmt and Boost with the format known at run time.
+// format_message with two arguments, against the formatters of fmt and Boost with the format known at run time, and
+// against the floor: the pieces of the text, known beforehand, put together in memory of the right size.
 #include <string>
 #include <string_view>
 
@@ -10,21 +11,22 @@
 
 namespace {
 
-// One sentence of the log, in the three notations.
+// One sentence of the log, in pieces and in the three notations.
 struct sentence_t {
-    std::string numbered;
-    std::string braced;
-    std::string boost_numbered;
+    std::string before;
     std::string first;
+    std::string between;
     std::string second;
+    std::string behind;
+    std::string numbered = before + "%1" + between + "%2" + behind;
+    std::string braced = before + "{}" + between + "{}" + behind;
+    std::string boost_numbered = before + "%1%" + between + "%2%" + behind;
 };
 
-const sentence_t short_sentence{"Map backup results [%1] [%2]", "Map backup results [{}] [{}]",
-                                "Map backup results [%1%] [%2%]", "0", "The imported backup is mapped."};
-const sentence_t long_sentence{
-    "Path to executable [%1] is symlink to [%2]", "Path to executable [{}] is symlink to [{}]",
-    "Path to executable [%1%] is symlink to [%2%]", "C:\\app\\oracle\\product\\19.0.0\\dbhome_1\\bin\\Ormacon.exe",
-    "C:\\Program Files\\Tovak\\Tovak Plug-in for Oracle RMAN\\Ormacon.exe"};
+const sentence_t short_sentence{"Map backup results [", "0", "] [", "The imported backup is mapped.", "]"};
+const sentence_t long_sentence{"Path to executable [", "C:\\app\\oracle\\product\\19.0.0\\dbhome_1\\bin\\Ormacon.exe",
+                               "] is symlink to [",
+                               "C:\\Program Files\\Tovak\\Tovak Plug-in for Oracle RMAN\\Ormacon.exe", "]"};
 
 std::string by_product(const sentence_t& sentence) {
     return exc::format_message(sentence.numbered, {sentence.first, sentence.second});
@@ -36,6 +38,14 @@ std::string by_fmt(const sentence_t& sentence) {
 
 std::string by_boost(const sentence_t& sentence) {
     return (boost::format(sentence.boost_numbered) % sentence.first % sentence.second).str();
+}
+
+std::string by_joining(const sentence_t& sentence) {
+    const auto& [before, first, between, second, behind, numbered, braced, boost_numbered] = sentence;
+    std::string text;
+    text.reserve(before.size() + first.size() + between.size() + second.size() + behind.size());
+    text.append(before).append(first).append(between).append(second).append(behind);
+    return text;
 }
 
 using formatter_t = std::string (*)(const sentence_t& sentence);
@@ -59,6 +69,7 @@ int main(int argc, char** argv) {
     add<by_product>("product");
     add<by_fmt>("fmt");
     add<by_boost>("boost");
+    add<by_joining>("joined");
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

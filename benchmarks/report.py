@@ -49,11 +49,11 @@ class Table:
         verdict = "" if not target else "reached" if reached else "MISSED"
         self.rows.append((what, measured, against, figure, target, verdict))
 
-    def at_most(self, what, measured, against, name, limit):
+    def at_most(self, what, measured, against, name, limit=None):
         """The time in proportion to the other's."""
         figure = measured / against
-        self.row(what, duration(measured), f"{name} {duration(against)}", f"{figure:.2f} times", f"<= {limit:.2f}",
-                 figure <= limit)
+        self.row(what, duration(measured), f"{name} {duration(against)}", f"{figure:.2f} times",
+                 "" if limit is None else f"<= {limit:.2f}", limit is None or figure <= limit)
 
     def at_least(self, what, measured, against, name, limit=None):
         """The speed in proportion to the other's."""
@@ -96,9 +96,11 @@ def format_rows(table, results):
     for size in ("short", "long"):
         if not results.has(f"format/product/{size}"):
             return
-        product, fmt, boost = (results[f"format/{name}/{size}"] for name in ("product", "fmt", "boost"))
+        product, fmt, boost, joined = (results[f"format/{name}/{size}"]
+                                       for name in ("product", "fmt", "boost", "joined"))
         table.at_most(f"format_message, {size}", product, fmt, "fmt", 1)
         table.at_least(f"format_message, {size}", product, boost, "boost::format", 10)
+        table.at_least(f"joining the ready pieces, {size}", joined, boost, "boost::format")
 
 
 def convert_rows(table, results):
@@ -108,6 +110,8 @@ def convert_rows(table, results):
                 return
             table.at_most(f"{title}, {text}", results[f"convert/product/{way}/{size}"],
                           results[f"convert/system/{way}/{size}"], "system call", 2.2)
+            table.at_most(f"{title}, {text}", results[f"convert/product/{way}/{size}"],
+                          results[f"convert/floor/{way}/{size}"], "two calls and the memory")
 
 
 def process_rows(table, results):

@@ -39,14 +39,14 @@ std::string format_with(std::string_view format, std::span<const Text> arguments
     for (const Text& argument : arguments) size += argument.size();
     std::string result;
     result.reserve(size);
-    while (!format.empty()) {
-        // A loop in place: the pieces are short, and calling the run-time library for each costs more than searching.
-        const auto percent = static_cast<std::size_t>(std::ranges::find(format, '%') - format.begin());
-        result.append(format.substr(0, percent));
-        format.remove_prefix(percent);
-        if (format.empty()) break;
-        format.remove_prefix(1);
-        const number_t number = read_number(format);
+    for (std::size_t at = 0; at < format.size();) {
+        const char c = format[at++];
+        if (c != '%') {
+            // One by one: the pieces are short, and the calls that find and copy each cost more than the loop.
+            result.push_back(c);
+            continue;
+        }
+        const number_t number = read_number(format.substr(at));
         if (number.length == 0) {
             result += '%';
         } else if (number.value >= 1 && number.value <= arguments.size()) {
@@ -54,7 +54,7 @@ std::string format_with(std::string_view format, std::span<const Text> arguments
         } else {
             result.append("%").append(std::to_string(number.value));
         }
-        format.remove_prefix(number.length);
+        at += number.length;
     }
     return result;
 }
