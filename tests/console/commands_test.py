@@ -165,8 +165,8 @@ class Log(ConsoleTest):
         self.run_program("--set-host", "backup.example.org")
         block = "=" * 77
         lines = self.log()
-        header = [re.sub(r"^(Module version: )\d+(\.\d+){3}$|^((?:Process Id|OS version): ).+$", r"\1\3", line)
-                  for line in lines[:7]]
+        forms = r"^(Module version: )\d+(?:\.\d+){3}$|^(Process Id: )\d+$|^(OS version: )Windows 10\.0\.\d+ \(\w+, x64\)$"
+        header = [re.sub(forms, r"\1\2\3", line) for line in lines[:7]]
         self.assertEqual([block, "Path to the executable module: " + program, "Module version: ",
                           "Comments: Configuration tool of the Tovak RMAN plug-in", "Process Id: ", "OS version: ",
                           block], header)
