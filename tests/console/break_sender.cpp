@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr DWORD limit_ms = 20000;
+constexpr DWORD limit_ms = 60000;
 
-BOOL WINAPI StayAlive(DWORD) { return TRUE; }
+BOOL WINAPI StayAlive(DWORD event) { return event != CTRL_CLOSE_EVENT; }
 
 bool echo_is_on() {
     DWORD mode = 0;
@@ -61,7 +61,7 @@ void send_break(HANDLE program) {
 }
 
 void press_break_at_prompt(HANDLE program, long run) {
-    while (echo_is_on() && WaitForSingleObject(program, 0) == WAIT_TIMEOUT) Sleep(0);
+    while (echo_is_on() && WaitForSingleObject(program, 0) == WAIT_TIMEOUT) Sleep(1);
     if (run % 2 == 0) type_some_characters();
     Sleep(static_cast<DWORD>(run));
     send_break(program);

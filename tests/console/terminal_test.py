@@ -4,7 +4,7 @@ import subprocess
 import sys
 import unittest
 
-from console_kit import ROOT, ConsoleTest
+from console_kit import ROOT, SECONDS, ConsoleTest
 
 MORE = "!! the program asked for more than the input holds; its terminal was closed\n"
 HOST = "Enter backup server name or IP address :"
@@ -16,7 +16,8 @@ class Typing(ConsoleTest):
     def typed(self, text, *options):
         """Exit status, dialogue and complaint."""
         done = subprocess.run([sys.executable, os.path.join(ROOT, "scripts/terminal.py"), "wine64",
-                               self.path("Ormacon.exe"), *options], input=text, capture_output=True, timeout=60,
+                               self.path("Ormacon.exe"), *options], input=text, capture_output=True,
+                              timeout=5 * SECONDS,
                               cwd=self.folder, check=False)
         self.assert_gone()
         return done.returncode, done.stdout.decode().rstrip("\n"), done.stderr.decode()
@@ -43,7 +44,7 @@ class Typing(ConsoleTest):
     def test_without_a_console_nothing_is_asked_twice(self):
         for _ in range(2):
             subprocess.run(["wine64", self.path("Ormacon.exe"), "--wizard"], stdin=subprocess.DEVNULL,
-                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=30, cwd=self.folder, check=True)
+                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=SECONDS, cwd=self.folder, check=True)
         self.assertEqual(2, self.log().count("Read from console []") - self.log().count("Received value []"))
 
     def test_the_rest_of_a_hidden_line_is_dropped(self):
