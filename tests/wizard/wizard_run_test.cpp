@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <functional>
 
 #include <boost/make_shared.hpp>
@@ -36,68 +35,24 @@ Answers FirstTime(Answers then) {
 
 class WizardRun : public testing::Test {
 protected:
+    static void Start() {
+        wizard::CConfigToolWizard(boost::make_shared<CConfigToolLibCaller>(CallerMode::Wizard)).StartWizard();
+    }
+
     // The whole dialogue of one run of the program; every answer must have been asked for.
     std::wstring Play(Answers answers) {
         CScriptedConsole console(std::move(answers));
-        const auto caller = boost::make_shared<CConfigToolLibCaller>(CallerMode::Wizard);
-        wizard::CConfigToolWizard(caller).StartWizard();
+        Start();
         EXPECT_EQ(console.answers_left(), 0U);
         return console.transcript();
     }
 
-    std::wstring Default(const wchar_t* name) const { return host_.folder().wstring() + L"\\export/" + name; }
-
     test_support::CDemoHost host_;
-};
-
-// With a target link path, below which exports go by default. The system's protection of passwords does not work in
-// this registry, so nothing can be applied.
-class WizardExport : public WizardRun {
-protected:
-    WizardExport() { registry_.SetText(L"SOFTWARE\\Tovak\\Tovak RMAN Plugin", L"LinkTargetPath", host_.folder()); }
-
-private:
-    test_support::CTestRegistry registry_;
 };
 
 std::wstring From(const std::wstring& transcript, const std::wstring& mark) {
     const std::size_t at = transcript.find(mark);
     return at == std::wstring::npos ? L"(not found)" : transcript.substr(at);
-}
-
-TEST_F(WizardRun, FirstSessionAsksEverythingAndApplies) {
-    const std::wstring transcript = Play(FirstTime({L"1"}));
-    EXPECT_THAT(transcript,
-                StartsWith(L"Enter backup server name or IP address : <backup.example.org>"
-                           L"Enter backup server port 0: <10006>"
-                           L"Enter username: <CORP\\oracle>"
-                           L"Enter password for CORP\\oracle: <#secret>"
-                           L"Tovak repositories: \r\n1. Central Primary\r\n2. Central Archive\r\n3. Encrypted "
-                           L"Vault\r\n4. Branch Office\r\n5. Disaster Recovery Site\r\n"
-                           L"Specify up to 4 Tovak repositories to use as target using whitespace as a separator: <1 3>"
-                           L"Enter the number of data streams (1-64) to run in parallel for each repository (RMAN "
-                           L"DEVICE PARALLELISM value). Channel count per device [1]: <8>"
-                           L"\r\nSummary of the demonstration library"));
-    EXPECT_THAT(transcript, HasSubstr(std::wstring(menu) + L"<1>The demonstration library has applied"));
-    EXPECT_EQ(host_.Calls("Commit"), 1);
-    host_.ExpectMemoryBalanced();
-}
-
-TEST_F(WizardRun, SecondSessionKeepsEverythingOnEnter) {
-    Play(FirstTime({L"1"}));
-    EXPECT_THAT(Play({L"", L"", L"", L"", L"", L"", L"1"}),
-                StartsWith(L"Enter backup server name or IP address  [backup.example.org]: <>"
-                           L"Enter backup server port 10006: <>"
-                           L"Enter username [CORP\\oracle]: <>"
-                           L"Enter password for CORP\\oracle [(do not change the existing password)]: <#>"));
-    CConfigToolLibCaller caller(CallerMode::Direct);
-    ConfigurationSnapshot config;
-    caller.GetConfig(config);
-    EXPECT_EQ(config.host, L"backup.example.org");
-    EXPECT_EQ(config.port, 10006);
-    EXPECT_EQ(config.domain + L"|" + config.user_name + L"|" + config.password, L"CORP|oracle|secret");
-    EXPECT_EQ(config.parallelism, 8);
-    EXPECT_EQ(config.repositories.size(), 2U);
 }
 
 TEST_F(WizardRun, DefaultsShowWhatIsConfiguredAndStillOffered) {
@@ -115,32 +70,26 @@ TEST_F(WizardRun, DefaultsShowWhatIsConfiguredAndStillOffered) {
                 HasSubstr(L"Select Tovak repository from the list by typing the repository number [2]: <>"));
 }
 
-TEST_F(WizardExport, ExportWritesBothFilesAndShowsTheMenuAgain) {
-    const std::wstring transcript = Play(FirstTime({L"2", L"", L"", L"3"}));
-    EXPECT_THAT(
-        From(transcript, menu),
-        StartsWith(std::wstring(menu) + L"<2>Enter path to Tovak configuration XML file " +
-                   Default(L"tovak_config.xml") + L": <>Saved\r\nEnter path to Oracle RMAN configuration TXT file " +
-                   Default(L"rman_config.txt") + L": <>Saved\r\n" + menu + L"<3>"));
-    EXPECT_TRUE(std::filesystem::exists(host_.folder() / "export" / "tovak_config.xml"));
-    EXPECT_TRUE(std::filesystem::exists(host_.folder() / "export" / "rman_config.txt"));
+TEST_F(WizardRun, ExportWritesBothFilesAndReplacesOnlyOnAYes) {
+    test_support::CTestRegistry registry;  // the system cannot protect passwords in it, so nothing could be applied
+    registry.SetText(L"SOFTWARE\\Tovak\\Tovak RMAN Plugin", L"LinkTargetPath", host_.folder());
+    const std::wstring xml = host_.folder().wstring() + L"\\export/tovak_config.xml";
+    const std::wstring txt = host_.folder().wstring() + L"\\export/rman_config.txt";
+    const std::wstring other = (host_.folder() / L"no such folder" / L"rman.txt").wstring();
+    const std::wstring ask_xml = L"Enter path to Tovak configuration XML file " + xml + L": <>";
+    const std::wstring ask_txt = L"Enter path to Oracle RMAN configuration TXT file " + txt + L": <";
+    const std::wstring replace = xml + L" already exists. Do you want to replace it? (yes/no): ";
+
+    const std::wstring transcript =
+        Play(FirstTime({L"2", L"", L"", L"2", L"", L"no", L"", L"", L"", L"Y", other, L"3"}));
+    EXPECT_THAT(From(transcript, menu),
+                StartsWith(menu + (L"<2>" + ask_xml + L"Saved\r\n" + ask_txt + L">Saved\r\n" + menu + L"<2>" + ask_xml +
+                                   replace + L"<no>" + ask_xml + replace + L"<>" + ask_xml + replace + L"<Y>Saved\r\n" +
+                                   ask_txt + other + L">Saved\r\n" + menu + L"<3>The Tovak")));
+    EXPECT_THAT(transcript, EndsWith(L"The wizard was cancelled: the configuration of this host is unchanged.\r\n"));
+    for (const std::wstring& file : {xml, txt, other}) EXPECT_TRUE(std::filesystem::exists(file)) << file;
     EXPECT_EQ(host_.Calls("Commit"), 0);
     EXPECT_EQ(host_.Calls("Cancel"), 1);
-    EXPECT_EQ(host_.Calls("GetResult"), 1);
-}
-
-TEST_F(WizardExport, ExistingFilesAreReplacedOnlyOnAYes) {
-    const std::wstring old = (host_.folder() / L"old.xml").wstring();
-    const std::wstring other = (host_.folder() / L"no such folder" / L"rman.txt").wstring();
-    test_support::WriteFileText(old, "old");
-    const std::wstring transcript = Play(FirstTime({L"2", old, L"no", old, L"", old, L"Y", other, L"3"}));
-    const std::wstring question = L"Enter path to Tovak configuration XML file " + Default(L"tovak_config.xml") + L": ";
-    const std::wstring replace = old + L" already exists. Do you want to replace it? (yes/no): ";
-    EXPECT_THAT(From(transcript, question),
-                StartsWith(question + L"<" + old + L">" + replace + L"<no>" + question + L"<" + old + L">" + replace +
-                           L"<>" + question + L"<" + old + L">" + replace + L"<Y>Saved\r\n"));
-    EXPECT_NE(test_support::FileText(old), "old");
-    EXPECT_TRUE(std::filesystem::exists(other));
 }
 
 TEST_F(WizardRun, ARelativePathCountsFromTheCurrentDirectoryAndAFolderIsNotReplaced) {
@@ -168,17 +117,12 @@ TEST_F(WizardRun, TheRestartQuestionTakesEverythingButNoForYes) {
         EXPECT_THAT(Play({L"h", L"x", no}), EndsWith(L"Cannot convert value [x] from string\r\n" +
                                                      std::wstring(restart_question) + L"<" + no + L">"));
     }
-    test_support::CRecordedLog log;
-    Play({L"h", L"x", L"Y", L"h", L"x", L"YES", L"h", L"x", L"n"});
-    EXPECT_FALSE(log.Contains("No value, assuming YES"));
-    EXPECT_EQ(host_.Calls("InitializeWizard"), 3);
-    EXPECT_EQ(host_.Calls("GetConfig"), 3);
-    Play({L"h", L"x", L"maybe", L"h", L"x", L"n"});
-    EXPECT_TRUE(log.Contains("No value, assuming YES"));
-    log.Clear();
-    Play({L"h", L"x", L"", L"h", L"x", L"n"});
-    EXPECT_TRUE(log.Contains("No value, assuming YES"));
-    EXPECT_TRUE(log.Contains("Received value [n]"));
+    for (const auto& [answer, assumed] :
+         {std::pair(L"Y", false), std::pair(L"yEs", false), std::pair(L"maybe", true), std::pair(L"", true)}) {
+        test_support::CRecordedLog log;
+        Play({L"h", L"x", answer, L"h", L"x", L"n"});
+        EXPECT_EQ(log.Contains("No value, assuming YES"), assumed) << answer;
+    }
 }
 
 TEST_F(WizardRun, EveryFailingFunctionIsShownAndCanBeRestarted) {
@@ -200,8 +144,7 @@ TEST_F(WizardRun, EveryFailingFunctionIsShownAndCanBeRestarted) {
             CScriptedConsole console(answers);
             // What is asked after the failure gets the next answer; it is no "no", so the wizard starts again and in
             // the end runs out of answers.
-            const auto caller = boost::make_shared<CConfigToolLibCaller>(CallerMode::Wizard);
-            EXPECT_THROW(wizard::CConfigToolWizard(caller).StartWizard(), exc::term_exc_t) << function;
+            EXPECT_THROW(Start(), exc::term_exc_t) << function;
             EXPECT_THAT(console.transcript(), HasSubstr(message + (L"\r\n" + std::wstring(restart_question))))
                 << function;
             EXPECT_TRUE(log.Contains("WARN|Failed to execute wizard ")) << function;
@@ -220,7 +163,7 @@ TEST_F(WizardRun, AFailureWithoutATextIsAnUnknownError) {
     for (const auto& fail : failures) {
         CScriptedConsole console({L"n"});
         console.at_first_answer = fail;
-        wizard::CConfigToolWizard(boost::make_shared<CConfigToolLibCaller>(CallerMode::Wizard)).StartWizard();
+        Start();
         EXPECT_THAT(console.transcript(), EndsWith(L"Unknown error\r\n" + std::wstring(restart_question) + L"<n>"));
     }
 }
@@ -230,32 +173,40 @@ TEST_F(WizardRun, ARestartedSessionStartsFreshAndCallsInOrder) {
     Answers answers = FirstTime({L"1"});
     answers.insert(answers.begin(), {L"bad host", L"y"});
     Play(answers);
-    const char* expected[] = {"New iteration of wizard",          "Calling InitializeWizard function",
-                              "Calling GetScopeEdition function", "Calling GetConfig function",
-                              "Calling SetHost function",         "WARN|Failed to execute wizard ",
-                              "Prompting user to re-run wizard",  "Received value [y]",
-                              "New iteration of wizard",          "Calling InitializeWizard function",
-                              "Calling GetScopeEdition function", "Calling GetConfig function",
-                              "Calling SetHost function",         "Calling SetPort function",
-                              "Calling SetCredentials function",  "Calling GetTBRRepositories function",
-                              "Calling SetRepositories function", "Calling GetParallelismRangeString function",
-                              "Calling SetParallelism function",  "Calling GetSummary function",
-                              "Calling Commit function",          "Calling GetResult function"};
-    std::vector<std::string> steps;
+    std::string steps;
     for (const std::string& line : log.lines()) {
-        if (std::ranges::find(expected, line) != std::end(expected)) steps.push_back(line);
+        if (line.starts_with("Calling ") && line.ends_with(" function"))
+            steps += line.substr(8, line.size() - 17) + ", ";
+        for (const char* other : {"New iteration", "WARN|", "Prompting", "Received value"})
+            if (line.starts_with(other)) steps += line + ", ";
     }
-    EXPECT_THAT(steps, testing::ElementsAreArray(expected));
-    EXPECT_EQ(host_.Calls("Commit"), 1);
+    const std::string begin = "New iteration of wizard, InitializeWizard, GetScopeEdition, GetConfig, SetHost, ";
+    EXPECT_EQ(steps,
+              begin +
+                  "WARN|Failed to execute wizard , WARN|The backup server [bad host] is not allowed: it is "
+                  "neither a host name nor an IP address., Prompting user to re-run wizard, Received value [y], " +
+                  begin +
+                  "SetPort, SetCredentials, GetTBRRepositories, SetRepositories, GetParallelismRangeString, "
+                  "SetParallelism, GetSummary, Commit, GetResult, ");
 }
 
-TEST_F(WizardRun, ParallelismIsConvertedAndThenTheLibrarysMatter) {
-    for (const auto& [answer, message] : {std::pair(L"-1", L"The parallelism -1 is not allowed: it is 1 to 64."),
-                                          std::pair(L"2147483648", L"Cannot convert value [2147483648] from string"),
-                                          std::pair(L"80x", L"Cannot convert value [80x] from string")}) {
-        Answers answers = FirstTime({L"n"});
-        answers[5] = answer;
-        EXPECT_THAT(Play(answers), HasSubstr(std::wstring(L"<") + answer + L">" + message + L"\r\n"));
+TEST_F(WizardRun, NumbersAreConvertedAndThenTheLibrarysMatter) {
+    const struct {
+        std::size_t question;
+        const wchar_t* answer;
+        const wchar_t* message;
+    } cases[] = {
+        {1, L"", L"The port 0 is not allowed: ports are 1 to 65535."},
+        {1, L"-1", L"The port -1 is not allowed: ports are 1 to 65535."},
+        {1, L"2147483648", L"Cannot convert value [2147483648] from string"},
+        {5, L"-1", L"The parallelism -1 is not allowed: it is 1 to 64."},
+        {5, L"80x", L"Cannot convert value [80x] from string"},
+    };
+    for (const auto& c : cases) {
+        Answers answers = FirstTime({});
+        answers.resize(c.question);
+        answers.insert(answers.end(), {c.answer, L"n"});
+        EXPECT_THAT(Play(answers), HasSubstr(std::wstring(L"<") + c.answer + L">" + c.message + L"\r\n"));
     }
 }
 
@@ -264,7 +215,7 @@ TEST_F(WizardRun, NothingIsRepeatedWhereNobodyCanAnswer) {
         CScriptedConsole console(answers);
         console.interactive = false;
         console.Repeat(L"");
-        wizard::CConfigToolWizard(boost::make_shared<CConfigToolLibCaller>(CallerMode::Wizard)).StartWizard();
+        Start();
         EXPECT_THAT(console.transcript(), EndsWith(std::wstring(restart_question) + L"<>"));
     }
 }
@@ -274,8 +225,7 @@ TEST_F(WizardRun, ACancelledReadEndsTheWizardWithoutAnyAnswer) {
         Answers answers = FirstTime({});
         answers.resize(given);
         CScriptedConsole console(answers);
-        const auto caller = boost::make_shared<CConfigToolLibCaller>(CallerMode::Wizard);
-        EXPECT_THROW(wizard::CConfigToolWizard(caller).StartWizard(), exc::term_exc_t);
+        EXPECT_THROW(Start(), exc::term_exc_t);
         EXPECT_EQ(console.transcript().find(restart_question), std::wstring::npos);
         EXPECT_EQ(host_.Calls("Commit") + host_.Calls("Cancel"), 0);
     }

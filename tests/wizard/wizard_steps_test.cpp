@@ -1,5 +1,3 @@
-#include <functional>
-
 #include <boost/make_shared.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +7,6 @@
 #include "tests/support/recording_sink.h"
 #include "tests/wizard/scripted_console.h"
 #include "wizard/config_tool_wizard.h"
-#include "wizard/console.h"
 
 namespace {
 
@@ -84,31 +81,12 @@ TEST_F(WizardSteps, ReceivedRepositoriesAreLogged) {
     Play({L"1"}, &W::AskRepositories);
     EXPECT_TRUE(log.Contains("CConfigToolWizard received repos: size=[1]"));
     EXPECT_TRUE(log.Contains("CConfigToolWizard received repos id=[R1] name=[N] capacity=[10] free_space=[5]"));
-    EXPECT_TRUE(log.Contains("Read from console [1]"));
-}
-
-TEST_F(WizardSteps, NumbersGoToTheLibraryUnjudged) {
-    const std::wstring port = L"Enter backup server port 0: ";
-    EXPECT_EQ(Play({L"+10006"}, &W::AskPort), port + L"<+10006>");
-    EXPECT_EQ(Play({L"-1"}, &W::AskPort), port + L"<-1>!The port -1 is not allowed: ports are 1 to 65535.");
-    EXPECT_EQ(Play({L""}, &W::AskPort), port + L"<>!The port 0 is not allowed: ports are 1 to 65535.");
-    EXPECT_EQ(Play({L"2147483648"}, &W::AskPort), port + L"<2147483648>!Cannot convert value [2147483648] from string");
-    EXPECT_EQ(Play({L"80x"}, &W::AskPort), port + L"<80x>!Cannot convert value [80x] from string");
-    EXPECT_EQ(host_.Calls("SetPortDirect"), 3);
 }
 
 TEST_F(WizardSteps, AccountWithSeveralBackslashesEndsBeforeThePassword) {
     EXPECT_EQ(Play({L"a\\b\\c"}, &W::AskCredentials), L"Enter username: <a\\b\\c>!Failed to parse domain and username");
     EXPECT_EQ(Play({L"b", L""}, &W::AskCredentials), L"Enter username: <b>Enter password for b: <#>");
     EXPECT_EQ(host_.Calls("SetCredentialsDirect"), 1);
-}
-
-TEST_F(WizardSteps, HiddenAnswersAreNotLogged) {
-    test_support::CRecordedLog log;
-    Play({L"user", L"unmistakable"}, &W::AskCredentials);
-    EXPECT_TRUE(log.Contains("Print to console [Enter password for user: ]"));
-    EXPECT_TRUE(log.Contains("Read from console [Hidden data]"));
-    EXPECT_FALSE(log.Contains("unmistakable"));
 }
 
 }  // namespace
