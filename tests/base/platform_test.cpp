@@ -61,7 +61,7 @@ TEST(Module, KnowsThisProgram) {
     EXPECT_EQ(resolve_link(L"C:\\a\\l.exe", L"..\\b\\t.exe"), L"C:\\b\\t.exe");
     EXPECT_EQ(resolve_link(L"C:\\a\\l.exe", L"t.exe"), L"C:\\a\\t.exe");
     EXPECT_EQ(resolve_link(L"C:\\a\\l.exe", L"D:/c/t.exe"), L"D:\\c\\t.exe");
-    EXPECT_EQ(parent_of(L"C:\\a\\b.exe"), L"C:\\a");
+    EXPECT_EQ(parent_of(L"C:\\a/b.exe"), L"C:\\a");
     EXPECT_EQ(parent_of(L"b.exe"), L"");
 }
 
