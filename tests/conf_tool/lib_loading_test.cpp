@@ -12,15 +12,12 @@ namespace {
 using conf_tool::CallerMode;
 using conf_tool::CConfigToolLibCaller;
 using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::ThrowsMessage;
 
-template <class Exception>
-std::string LoadFailure(CallerMode mode) {
-    try {
-        const CConfigToolLibCaller caller(mode);
-    } catch (const Exception& failure) {
-        return failure.what();
-    }
-    return "loaded";
+// Of loading the library and unloading it again.
+auto Loading(CallerMode mode) {
+    return [=] { const CConfigToolLibCaller caller(mode); };
 }
 
 class LibLoading : public testing::Test {
@@ -31,8 +28,8 @@ protected:
 };
 
 TEST_F(LibLoading, LoadsAndUnloadsInBothModes) {
-    EXPECT_EQ(LoadFailure<exc::exc_base_t>(CallerMode::Wizard), "loaded");
-    EXPECT_EQ(LoadFailure<exc::exc_base_t>(CallerMode::Direct), "loaded");
+    Loading(CallerMode::Wizard)();
+    Loading(CallerMode::Direct)();
     EXPECT_FALSE(library_.IsLoaded());
     EXPECT_THAT(
         log_.lines(),
@@ -43,63 +40,47 @@ TEST_F(LibLoading, LoadsAndUnloadsInBothModes) {
 }
 
 TEST_F(LibLoading, UnknownModeFailsBeforeAnyLoad) {
-    EXPECT_EQ(LoadFailure<exc::runtime_exc_t>(static_cast<CallerMode>(2)),
-              "Failed to load configuration library: incorrect caller mode");
+    EXPECT_THAT(Loading(static_cast<CallerMode>(2)),
+                ThrowsMessage<exc::runtime_exc_t>("Failed to load configuration library: incorrect caller mode"));
     EXPECT_FALSE(library_.IsLoaded());
 }
 
 TEST_F(LibLoading, MissingOrBrokenFileIsASystemFailure) {
+    const auto fails_with = [](DWORD code, const char* line) {
+        return ThrowsMessage<exc::win_sys_exc_t>(exc::get_error_text(code) +
+                                                 "\nFailed to load configuration library\n--tr:Error code: " + line);
+    };
     library_.Remove();
-    EXPECT_EQ(LoadFailure<exc::win_sys_exc_t>(CallerMode::Direct),
-              exc::get_error_text(ERROR_MOD_NOT_FOUND) +
-                  "\nFailed to load configuration library\n--tr:Error code: 0x0000007e");
+    EXPECT_THAT(Loading(CallerMode::Direct), fails_with(ERROR_MOD_NOT_FOUND, "0x0000007e"));
     EXPECT_THAT(log_.lines(), ElementsAre("Loading configuration library in direct mode",
                                           "ERR |Loading configuration library in direct mode Failed."));
     library_.Place("this is no program");
-    EXPECT_EQ(LoadFailure<exc::win_sys_exc_t>(CallerMode::Wizard),
-              exc::get_error_text(ERROR_BAD_EXE_FORMAT) +
-                  "\nFailed to load configuration library\n--tr:Error code: 0x000000c1");
+    EXPECT_THAT(Loading(CallerMode::Wizard), fails_with(ERROR_BAD_EXE_FORMAT, "0x000000c1"));
 }
 
-struct ModeExports {
-    CallerMode mode;
-    CallerMode other_mode;
-    std::vector<const char*> only_here;
-};
-
-const ModeExports mode_exports[] = {
-    {CallerMode::Wizard,
-     CallerMode::Direct,
-     {"SetCredentials", "SetHost", "SetPort", "SetRepositories", "GetTBRRepositories", "GetSummary", "InitializeWizard",
-      "SetParallelism", "GetParallelismRangeString", "GetScopeEdition", "GetResult", "ExportTovakConfig",
-      "ExportRMANConfig", "Cancel", "Commit"}},
-    {CallerMode::Direct,
-     CallerMode::Wizard,
-     {"SetHostDirect", "SetPortDirect", "SetCredentialsDirect", "SetRepositoriesDirect", "SetParallelismDirect",
-      "GetTBRRepositoriesDirect", "MapBackupDirect", "UninstallDirect"}},
-};
-
-std::string Missing(const std::string& name) {
-    return "Cannot find function [" + name + "] in the configuration library.";
-}
-
-TEST_F(LibLoading, EachExportIsRequiredInItsModeAlone) {
-    for (const ModeExports& exports : mode_exports) {
-        EXPECT_EQ(conf_tool::RequiredExports(exports.mode).size(), exports.only_here.size() + 4);
-        for (const char* name : exports.only_here) {
+TEST_F(LibLoading, EachExportIsRequiredInItsModesAlone) {
+    const struct {
+        CallerMode mode;
+        std::vector<std::string> exports;
+    } modes[] = {
+        {CallerMode::Wizard,
+         {"SetCredentials", "SetHost", "SetPort", "SetRepositories", "GetConfig", "GetTBRRepositories", "GetSummary",
+          "InitializeWizard", "SetParallelism", "GetParallelismRangeString", "GetScopeEdition", "GetResult",
+          "ExportTovakConfig", "ExportRMANConfig", "Cancel", "Commit", "FreeString", "FreeArrayString",
+          "FreeRepositories"}},
+        {CallerMode::Direct,
+         {"SetHostDirect", "SetPortDirect", "SetCredentialsDirect", "SetRepositoriesDirect", "SetParallelismDirect",
+          "GetTBRRepositoriesDirect", "MapBackupDirect", "GetConfig", "UninstallDirect", "FreeString",
+          "FreeArrayString", "FreeRepositories"}},
+    };
+    for (const auto& [mode, exports] : modes) {
+        EXPECT_EQ(conf_tool::RequiredExports(mode).size(), exports.size());
+        for (const std::string& name : exports) {
             library_.PlaceWithout(name);
-            EXPECT_EQ(LoadFailure<exc::exc_base_t>(exports.other_mode), "loaded") << name;
-            EXPECT_EQ(LoadFailure<exc::runtime_exc_t>(exports.mode), Missing(name));
+            EXPECT_THAT(Loading(mode), ThrowsMessage<exc::runtime_exc_t>("Cannot find function [" + name +
+                                                                         "] in the configuration library."));
             EXPECT_TRUE(library_.IsLoaded()) << name;
         }
-    }
-}
-
-TEST_F(LibLoading, SharedExportsAreRequiredInBothModes) {
-    for (const char* name : {"GetConfig", "FreeString", "FreeArrayString", "FreeRepositories"}) {
-        library_.PlaceWithout(name);
-        EXPECT_EQ(LoadFailure<exc::runtime_exc_t>(CallerMode::Wizard), Missing(name));
-        EXPECT_EQ(LoadFailure<exc::runtime_exc_t>(CallerMode::Direct), Missing(name));
     }
 }
 
@@ -107,12 +88,8 @@ TEST_F(LibLoading, FailureOfUnloadingIsRaisedOnce) {
     CConfigToolLibCaller caller(CallerMode::Direct);
     FreeLibrary(GetModuleHandleW(L"OrmaconLib.dll"));
     log_.Clear();
-    try {
-        caller.Unload();
-        ADD_FAILURE() << "nothing was raised";
-    } catch (const exc::win_sys_exc_t& failure) {
-        EXPECT_EQ(failure.parts().at(1).text, "Failed to unload configuration library");
-    }
+    EXPECT_THAT([&] { caller.Unload(); },
+                ThrowsMessage<exc::win_sys_exc_t>(HasSubstr("\nFailed to unload configuration library\n")));
     EXPECT_THAT(log_.lines(),
                 ElementsAre("Unloading configuration library", "ERR |Unloading configuration library Failed."));
 }
