@@ -3,7 +3,6 @@
 #include <aclapi.h>
 #include <sddl.h>
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -30,34 +29,24 @@ std::wstring access_list(const std::filesystem::path& path) {
 
 }  // namespace
 
-TEST_F(demo_library_test, exports_every_function_under_its_plain_name) {
-    std::istringstream names(
-        "SetCredentials SetHost SetPort SetRepositories GetConfig GetTBRRepositories GetSummary InitializeWizard "
-        "SetParallelism GetParallelismRangeString GetScopeEdition GetResult ExportTovakConfig ExportRMANConfig Cancel "
-        "Commit FreeString FreeArrayString FreeRepositories SetHostDirect SetPortDirect SetCredentialsDirect "
-        "SetRepositoriesDirect SetParallelismDirect GetTBRRepositoriesDirect MapBackupDirect UninstallDirect");
-    for (std::string name; names >> name;) EXPECT_NE(GetProcAddress(library, name.c_str()), nullptr) << name;
-}
-
 TEST_F(demo_library_test, every_value_survives_in_the_file_and_uninstall_removes_it) {
     const auto state = folder / L"new folder" / L"\u0434.xml";
     SetEnvironmentVariableW(L"ORMACON_DEMO_STATE", state.c_str());
-    EXPECT_EQ(call<SetHostFn>("SetHostDirect", server), L"ok");
-    EXPECT_EQ(call<SetPortFn>("SetPortDirect", 10006), L"ok");
-    EXPECT_EQ(call<SetCredentialsFn>("SetCredentialsDirect", domain, user_name, password), L"ok");
-    EXPECT_EQ(select("SetRepositoriesDirect", {L"REP-0003", L"REP-0001"}), L"ok");
-    EXPECT_EQ(call<SetParallelismFn>("SetParallelismDirect", 64), L"ok");
-    FreeLibrary(library);
-    load();
+    direct.SetHost(server);
+    direct.SetPort(10006);
+    direct.SetCredentials(domain, user_name, password);
+    EXPECT_EQ(select(direct, {L"REP-0003", L"REP-0001"}), L"ok");
+    direct.SetParallelism(64);
 
-    const config_t stored = config();
+    ConfigurationSnapshot stored;
+    direct.GetConfig(stored);
     EXPECT_EQ(stored.host, server);
     EXPECT_EQ(stored.port, 10006);
     EXPECT_EQ(stored.domain, domain);
     EXPECT_EQ(stored.user_name, user_name);
     EXPECT_EQ(stored.password, password);
     EXPECT_EQ(stored.parallelism, 64);
-    EXPECT_THAT(stored.ids, ElementsAre(L"REP-0003", L"REP-0001"));
+    EXPECT_THAT(ids_of(stored.repositories), testing::ElementsAre(L"REP-0003", L"REP-0001"));
 
     // The password's begin as it is, in UTF-16, and in hexadecimal digits of either.
     const std::string utf16("T\0i\0g\0e\0r", 9);
@@ -65,13 +54,13 @@ TEST_F(demo_library_test, every_value_survives_in_the_file_and_uninstall_removes
          {std::string("Tiger"), utf16, std::string("54696765"), std::string("5400690067006500")})
         EXPECT_THAT(FileText(state), Not(HasSubstr(form)));
 
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(plain("UninstallDirect"), L"ok");
+    for (int i = 0; i < 2; ++i) direct.Uninstall();
     EXPECT_TRUE(std::filesystem::is_empty(folder / L"new folder"));
 }
 
 TEST_F(demo_library_test, state_file_is_closed_to_ordinary_accounts) {
     for (int i = 0; i < 2; ++i) {  // created, then replaced
-        EXPECT_EQ(call<SetPortFn>("SetPortDirect", 1), L"ok");
+        direct.SetPort(1);
         const std::wstring list = access_list(folder / "state.xml");
         EXPECT_THAT(list, HasSubstr(L"(A;;FA;;;SY)"));
         for (const wchar_t* group : {L";WD)", L";BU)", L";AU)"}) EXPECT_THAT(list, Not(HasSubstr(group)));
@@ -82,7 +71,7 @@ TEST_F(demo_library_test, damaged_state_file_is_named_and_kept) {
     const std::wstring path = (folder / "state.xml").wstring();
     const auto outcome_with = [&](const char* bytes) {
         test_support::WriteFileText(path, bytes);
-        return call<SetPortFn>("SetPortDirect", 1);
+        return answer([&] { direct.SetPort(1); });
     };
     const std::wstring start = L"The file " + path + L" cannot be used: ";
     EXPECT_THAT(outcome_with("<OrmaconDemoState>"), testing::StartsWith(start));
