@@ -39,13 +39,13 @@ TEST_F(WorkingDirectory, FallsBackToTheProgramsFolder) {
     ExpectModuleDirectory({"Cannot find target link path in the registry: " + not_found,
                            "Cannot open registry key [SOFTWARE\\Tovak\\Tovak RMAN Plugin].",
                            "--tr:Error code: 0x00000002"});
+    const std::string no_text =
+        "Cannot find target link path in the registry: The registry value is not a text or is empty.";
     const DWORD number = 1;
     registry_.Set(L"SOFTWARE\\Tovak\\Tovak RMAN Plugin", L"LinkTargetPath", REG_DWORD, &number, sizeof number);
-    ExpectModuleDirectory(
-        {"Cannot find target link path in the registry: The registry value is not a text or is empty."});
+    ExpectModuleDirectory({no_text});
     registry_.SetText(L"SOFTWARE\\Tovak\\Tovak RMAN Plugin", L"LinkTargetPath", L"");
-    ExpectModuleDirectory(
-        {"Cannot find target link path in the registry: The registry value is not a text or is empty."});
+    ExpectModuleDirectory({no_text});
 }
 
 }  // namespace
