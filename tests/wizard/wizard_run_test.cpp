@@ -190,7 +190,7 @@ TEST_F(WizardRun, ARestartedSessionStartsFreshAndCallsInOrder) {
                   "SetParallelism, GetSummary, Commit, GetResult, ");
 }
 
-TEST_F(WizardRun, NumbersAreConvertedAndThenTheLibrarysMatter) {
+TEST_F(WizardRun, WhatIsWrongWithAnAnswerIsShown) {
     const struct {
         std::size_t question;
         const wchar_t* answer;
@@ -199,6 +199,9 @@ TEST_F(WizardRun, NumbersAreConvertedAndThenTheLibrarysMatter) {
         {1, L"", L"The port 0 is not allowed: ports are 1 to 65535."},
         {1, L"-1", L"The port -1 is not allowed: ports are 1 to 65535."},
         {1, L"2147483648", L"Cannot convert value [2147483648] from string"},
+        {2, L"a\\b\\c", L"Failed to parse domain and username"},
+        {4, L"", L"Cannot find previously configured values"},
+        {4, L"1 2 3 4 5", L"5 repositories are not allowed: at most 4 can be selected."},
         {5, L"-1", L"The parallelism -1 is not allowed: it is 1 to 64."},
         {5, L"80x", L"Cannot convert value [80x] from string"},
     };
@@ -206,8 +209,30 @@ TEST_F(WizardRun, NumbersAreConvertedAndThenTheLibrarysMatter) {
         Answers answers = FirstTime({});
         answers.resize(c.question);
         answers.insert(answers.end(), {c.answer, L"n"});
-        EXPECT_THAT(Play(answers), HasSubstr(std::wstring(L"<") + c.answer + L">" + c.message + L"\r\n"));
+        EXPECT_THAT(Play(answers),
+                    EndsWith(std::wstring(L"<") + c.answer + L">" + c.message + L"\r\n" + restart_question + L"<n>"));
     }
+}
+
+TEST_F(WizardRun, NoneOrManyRepositoriesAreOffered) {
+    const std::wstring question =
+        L"Specify up to 4 Tovak repositories to use as target using whitespace as a separator: ";
+    host_.Scenario("<Repositories/>");
+    Answers answers = FirstTime({L"n"});
+    answers.erase(answers.end() - 2);
+    EXPECT_THAT(Play(answers),
+                HasSubstr(L"Tovak repositories: \r\n" + question + L"<1 3>Incorrect repository value: 1"));
+    host_.Scenario(
+        "<Repositories generate='1000'><Repository id='R1' name='N' capacity='10' freeSpace='5'/></Repositories>");
+    test_support::CRecordedLog log;
+    answers = FirstTime({L"3"});
+    answers[4] = L"1001 1";
+    const std::wstring transcript = Play(answers);
+    EXPECT_THAT(transcript, HasSubstr(L"\r\n1001. Generated repository 1000\r\n" + question));
+    EXPECT_THAT(transcript,
+                HasSubstr(L"copy 1: Generated repository 1000 (encrypted)\r\n  Repository for backup copy 2: N\r\n"));
+    EXPECT_TRUE(log.Contains("CConfigToolWizard received repos: size=[1001]"));
+    EXPECT_TRUE(log.Contains("CConfigToolWizard received repos id=[R1] name=[N] capacity=[10] free_space=[5]"));
 }
 
 TEST_F(WizardRun, NothingIsRepeatedWhereNobodyCanAnswer) {
