@@ -6,11 +6,48 @@
 #include "common/exc/error_text.h"
 #include "common/exc/exceptions.h"
 #include "common/text/wipe.h"
-#include "tests/base/failing_conversion.h"
+#include "common/win32.h"
 
 namespace {
 
 using namespace text;
+
+// The n-th conversion call of the system from now on fails, once, with ERROR_NO_UNICODE_TRANSLATION; the system itself
+// refuses no text that a test could build.
+int calls_until_failure = 0;
+
+bool Fails() {
+    if (calls_until_failure == 0 || --calls_until_failure > 0) return false;
+    SetLastError(ERROR_NO_UNICODE_TRANSLATION);
+    return true;
+}
+
+template <class Function>
+Function Real(const char* name) {
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void (*)()>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name)));
+}
+
+int WINAPI ToWide(UINT page, DWORD flags, LPCCH source, int length, LPWSTR target, int size) {
+    if (Fails()) return 0;
+    return Real<decltype(&ToWide)>("MultiByteToWideChar")(page, flags, source, length, target, size);
+}
+
+int WINAPI ToNarrow(UINT page, DWORD flags, LPCWCH source, int length, LPSTR target, int size, LPCCH other,
+                    LPBOOL used) {
+    if (Fails()) return 0;
+    return Real<decltype(&ToNarrow)>("WideCharToMultiByte")(page, flags, source, length, target, size, other, used);
+}
+
+}  // namespace
+
+// The names under which the linker looks for an imported function.
+extern "C" {
+decltype(&ToWide) __imp_MultiByteToWideChar = &ToWide;
+decltype(&ToNarrow) __imp_WideCharToMultiByte = &ToNarrow;
+}
+
+namespace {
 
 TEST(Convert, RoundTripsAndCutsAtANull) {
     const std::wstring wide = L"a\u00e4\u4e2d\xd83d\xde00z";
@@ -42,7 +79,7 @@ TEST(Convert, FailuresNameTheConversionAndTheSourceOfNarrowText) {
     const std::string cause = exc::get_error_text(ERROR_NO_UNICODE_TRANSLATION) + "\n";
     for (const auto& c : cases) {
         for (const int call : {1, 2}) {  // the size query, the conversion itself
-            test_support::FailConversionCall(call);
+            calls_until_failure = call;
             EXPECT_THAT(c.convert, testing::ThrowsMessage<exc::win_sys_exc_t>(cause + c.sentence +
                                                                               "\n--tr:Error code: 0x00000459"));
         }
@@ -50,7 +87,7 @@ TEST(Convert, FailuresNameTheConversionAndTheSourceOfNarrowText) {
 }
 
 TEST(Convert, AnErrorTextThatCannotBeConvertedDoesNotRecurse) {
-    test_support::FailConversionCall(1);
+    calls_until_failure = 1;
     EXPECT_NE(exc::get_error_text(ERROR_ACCESS_DENIED), "");
 }
 

@@ -109,13 +109,6 @@ class Commands(ConsoleTest):
         self.assertEqual({"GetTBRRepositoriesDirect": 1, "SetRepositoriesDirect": 1}, self.calls())
         self.assertTrue(self.run_program("--show-config").endswith("\n1. Encrypted Vault\n2. Central Primary"))
 
-    def test_account_with_two_backslashes(self):
-        terminal = self.start("--set-credentials", r"a\b\c")
-        self.talk(terminal, [("Enter password for a\\b\\c: ", "x")])
-        self.assertIn("Failed to parse domain and username\nFailed to execute method SetCredentials",
-                      self.ending(terminal))
-        self.assertFalse(os.path.exists(self.path("report.txt")), "the library was called")
-
     def test_imports_are_those_of_windows(self):
         listing = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", self.path("Ormacon.exe")], capture_output=True,
                                  text=True, check=True).stdout
