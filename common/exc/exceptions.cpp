@@ -39,15 +39,19 @@ void exc_base_t::compose_messages() {
 }
 
 void exc_base_t::read(std::istream& source) {
-    const std::uint32_t count = read_u32(source);
-    for (std::uint32_t i = 0; i < count; ++i) {
+    std::vector<message_part_t> parts = parts_;
+    for (std::uint32_t left = read_u32(source); left > 0; --left) {
         std::string text = read_text(source);
         const bool trace = read_flag(source);
-        parts_.push_back({std::move(text), trace});
+        parts.push_back({std::move(text), trace});
     }
+    const std::uint32_t thread = read_u32(source);
+    trace_records_t records = trace_records_;
+    records.read(source);
+    parts_ = std::move(parts);
+    thrower_thread_id_ = thread;
+    trace_records_ = std::move(records);
     compose_messages();
-    thrower_thread_id_ = read_u32(source);
-    trace_records_.read(source);
 }
 
 void exc_base_t::write(std::ostream& target) const {

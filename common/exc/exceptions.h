@@ -37,7 +37,7 @@ public:
     [[noreturn]] virtual void rethrow() const = 0;
 
     // Appends the parts of a serialised exception to the present ones and takes over its thread id and trace
-    // records. Raises runtime_exc_t for a cut-off form and for an unknown trace event.
+    // records. Raises runtime_exc_t for a cut-off form and for an unknown trace event, and then changes nothing.
     virtual void read(std::istream& source);
 
     // Writes parts, thread id and trace records, little-endian: 32-bit counts, texts as a 32-bit byte length and
