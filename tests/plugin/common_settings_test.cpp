@@ -91,6 +91,10 @@ TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
         ExpectDefaults({loading, "Xml file was successfully loaded",
                         unable + "There is no node with the specified name: [" + node + "]."});
     }
+    std::string deep;
+    while (deep.size() < 300000) deep += "<a>";
+    Load(deep);
+    ExpectDefaults({loading, unable + "There are more than 1000 tags."});
 
     std::filesystem::remove(folder_ / "tovak_common_config.xml");
     std::filesystem::create_directory(folder_ / "tovak_common_config.xml");

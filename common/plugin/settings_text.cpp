@@ -1,0 +1,76 @@
+#include "common/plugin/settings_text.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include <tinyxml.h>
+
+#include "common/exc/format_message.h"
+#include "common/exc/raise.h"
+#include "common/logging/component.h"
+
+namespace plugin {
+namespace {
+
+using exc::format_message;
+using logging::plugin_common;
+
+// The parser calls itself for each element inside another: some thousands of them would be the end of the stack.
+void refuse_deep_text(const std::string& text) {
+    if (std::ranges::count(text, '<') > 1000) exc::raise("There are more than 1000 tags.");
+}
+
+// False when the text is no XML, which is logged.
+bool parse(const std::string& text, TiXmlDocument& document) {
+    refuse_deep_text(text);
+    // The parser steps over the end of a text that is cut off within a character. Each step finds an end here.
+    const std::string with_ends = text + std::string(4, '\0');
+    document.Parse(with_ends.c_str());
+    if (!document.Error()) {
+        plugin_common.info("Xml file was successfully loaded");
+        return true;
+    }
+    plugin_common.log(logging::level_warning,
+                      format_message("Error due parsing xml file, code: [%1], description: [%2]",
+                                     {std::to_string(document.ErrorId()), document.ErrorDesc()}));
+    plugin_common.log(logging::level_warning, "Xml file wasn't loaded. Ignore it.");
+    return false;
+}
+
+// Values may stand as child elements with text or as attributes; the element is looked at first.
+std::string value_of(const TiXmlElement& parameters, const char* name) {
+    if (const TiXmlElement* child = parameters.FirstChildElement(name)) {
+        const char* value = child->GetText();
+        return value == nullptr ? "" : value;
+    }
+    const char* value = parameters.Attribute(name);
+    return value == nullptr ? "" : value;
+}
+
+std::int32_t number_of(const TiXmlElement& parameters, const char* name, std::int32_t fallback) {
+    int number = 0;
+    return std::sscanf(value_of(parameters, name).c_str(), "%d", &number) == 1 ? number : fallback;
+}
+
+common_settings_t settings_of(const TiXmlDocument& document) {
+    const TiXmlElement& parameters = find_child_node(find_child_node(document, "Config"), "PluginParameters");
+    const common_settings_t defaults;
+    return {number_of(parameters, "minPluginManagerPort", defaults.minPluginManagerPort),
+            number_of(parameters, "managerConnectionAttempsCount", defaults.managerConnectionAttempsCount),
+            value_of(parameters, "managerLockDir"), value_of(parameters, "logsDir")};
+}
+
+}  // namespace
+
+common_settings_t parse_settings(const std::string& text) {
+    TiXmlDocument document;
+    return parse(text, document) ? settings_of(document) : common_settings_t();
+}
+
+const TiXmlElement& find_child_node(const TiXmlNode& parent, const std::string& name) {
+    const TiXmlElement* child = parent.FirstChildElement(name);
+    if (child == nullptr) exc::raise(format_message("There is no node with the specified name: [%1].", name));
+    return *child;
+}
+
+}  // namespace plugin

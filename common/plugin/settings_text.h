@@ -1,0 +1,27 @@
+// What stands in the settings file that the plug-in's programs share.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+class TiXmlElement;
+class TiXmlNode;
+
+namespace plugin {
+
+// The names are those of the file, the misspelt one included.
+struct common_settings_t {
+    std::int32_t minPluginManagerPort = 6791;
+    std::int32_t managerConnectionAttempsCount = 30;
+    std::string managerLockDir;  // UTF-8; empty when the file names none
+    std::string logsDir;         // likewise
+};
+
+// A value that is missing or malformed keeps its default, and so do all of a text that is no XML, which is logged.
+// Raises as find_child_node() does, and runtime_exc_t "There are more than 1000 tags.".
+common_settings_t parse_settings(const std::string& text);
+
+// The named child element. Raises runtime_exc_t "There is no node with the specified name: [%1].".
+const TiXmlElement& find_child_node(const TiXmlNode& parent, const std::string& name);
+
+}  // namespace plugin
