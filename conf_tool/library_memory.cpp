@@ -1,9 +1,13 @@
 #include "conf_tool/library_memory.h"
 
+#include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 
 namespace conf_tool {
 namespace {
+
+// More than any backup server has: a count that was never set, and memory that is not there.
+constexpr std::int32_t most_repositories = 1'000'000;
 
 std::wstring CopyOrEmpty(const wchar_t* text) { return text == nullptr ? std::wstring() : std::wstring(text); }
 
@@ -33,6 +37,10 @@ CLibraryRepositories::CLibraryRepositories(LibraryRecords records, std::int32_t 
 
 std::vector<RepositoryEntry> CLibraryRepositories::Copy() const {
     if (!owner_ && count_ > 0) exc::raise("Configuration library returned no repositories");
+    if (count_ < 0 || count_ > most_repositories) {
+        exc::raise(exc::format_message("Configuration library returned an impossible number of repositories: [%1]",
+                                       std::to_string(count_)));
+    }
     std::vector<RepositoryEntry> entries;
     for (std::int32_t i = 0; i < count_; ++i) {
         const plug_common::SRepositoryCType* record = owner_.get()[i];

@@ -31,8 +31,9 @@ class CLibraryRepositories {
 public:
     CLibraryRepositories(LibraryRecords records, std::int32_t count, FreeRepositoriesFn free_repositories);
 
-    // A null array with a count above 0 raises exc::runtime_exc_t "Configuration library returned no repositories"; a
-    // null record or a null text in one counts as empty.
+    // Raises exc::runtime_exc_t "Configuration library returned no repositories" for a null array with a count above
+    // 0, "Configuration library returned an impossible number of repositories: [%1]" for a count below 0 or above a
+    // million. A null record or a null text in one counts as empty.
     std::vector<RepositoryEntry> Copy() const;
 
 private:

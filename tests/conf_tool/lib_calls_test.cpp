@@ -154,6 +154,64 @@ TEST_F(LibCalls, ReceivedRepositoriesAreLoggedAndAppended) {
     host_.ExpectMemoryBalanced();
 }
 
+// What a library gives out, and the counts and texts that it got back.
+plug_common::SRepositoryCType record{L"R1", nullptr, 1, 1, 0};
+plug_common::SRepositoryCType* records[] = {&record, nullptr};
+std::vector<std::int32_t> arrays_back;
+std::vector<std::wstring> texts_back;
+
+template <Status Result, LibraryRecords Records, std::int32_t Count>
+Status GiveRepositories(LibraryRecords* given, std::int32_t* count, LibraryError*) {
+    *given = Records;
+    *count = Count;
+    return Result;
+}
+
+template <Status Result>
+Status GiveNoHost(LibraryText* user_name, LibraryText* domain, LibraryText* password, LibraryText*, std::int32_t*,
+                  std::int32_t*, LibraryRecords*, std::int32_t*, LibraryError*) {
+    static wchar_t texts[][2] = {L"u", L"d", L"p"};
+    *user_name = texts[0], *domain = texts[1], *password = texts[2];
+    return Result;
+}
+
+TEST_F(LibCalls, WhatBreaksTheContractIsRefusedAndGivenBackOnce) {
+    const Operation get_repositories{"", "GetTBRRepositoriesDirect", CallerMode::Direct, GetTBRRepositories};
+    const Operation get_config{"", "GetConfig", CallerMode::Direct, GetConfig};
+    const std::string unknown = "Configuration library returned an unknown error";
+    const std::string impossible = "Configuration library returned an impossible number of repositories: ";
+    CConfigToolLibCaller caller(CallerMode::Direct);
+    library_.Replace(
+        "FreeRepositories", +[](LibraryRecords, std::int32_t count) { arrays_back.push_back(count); });
+    library_.Replace(
+        "FreeString", +[](wchar_t* text) { texts_back.push_back(text); });
+    const struct {
+        GetTBRRepositoriesFn give;
+        std::string failure;
+        std::vector<std::int32_t> back;
+    } cases[] = {
+        {GiveRepositories<INT32_MIN, records, -1>, unknown, {}},
+        {GiveRepositories<-1, records, INT32_MAX>, unknown, {}},
+        {GiveRepositories<1, nullptr, 2>, unknown, {}},
+        {GiveRepositories<0, nullptr, 2>, "Configuration library returned no repositories", {}},
+        {GiveRepositories<0, records, -1>, impossible + "[-1]", {-1}},
+        {GiveRepositories<0, records, INT32_MAX>, impossible + "[2147483647]", {INT32_MAX}},
+        {GiveRepositories<0, records, 2>, "nothing was raised", {2}},
+    };
+    for (const auto& c : cases) {
+        arrays_back.clear();
+        library_.Replace("GetTBRRepositoriesDirect", c.give);
+        EXPECT_EQ(FailureOf(get_repositories, caller), c.failure);
+        EXPECT_EQ(arrays_back, c.back) << c.failure;
+    }
+    library_.Replace("GetConfig", GiveNoHost<1>);
+    EXPECT_EQ(FailureOf(get_config, caller), unknown);
+    EXPECT_THAT(texts_back, ElementsAre());
+    library_.Replace("GetConfig", GiveNoHost<0>);
+    EXPECT_EQ(FailureOf(get_config, caller), "Configuration library returned no text");
+    EXPECT_THAT(texts_back, testing::UnorderedElementsAre(L"u", L"d", L"p"));
+}
+
 TEST_F(LibCalls, AForeignExceptionPassesThroughTheFrame) {
     host_.Scenario("<Function name='SetPortDirect' crash='exception'/>");
     CConfigToolLibCaller caller(CallerMode::Direct);

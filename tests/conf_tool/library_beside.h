@@ -1,6 +1,7 @@
 // What lies under the name OrmaconLib.dll beside the test program.
 #pragma once
 
+#include <cstring>
 #include <string>
 
 #include "common/platform/owned.h"
@@ -34,6 +35,18 @@ public:
             --content[at + name.size()];
         }
         Place(content);
+    }
+
+    // From here to its unloading a call of the loaded library's export jumps to the function.
+    template <class Function>
+    static void Replace(const char* name, Function function) {
+        const auto code = reinterpret_cast<unsigned char*>(
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"OrmaconLib.dll"), name)));
+        constexpr unsigned char load_and_jump[] = {0x48, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xe0};
+        DWORD previous = 0;
+        VirtualProtect(code, sizeof load_and_jump, PAGE_EXECUTE_READWRITE, &previous);
+        std::memcpy(code, load_and_jump, sizeof load_and_jump);
+        std::memcpy(code + 2, &function, sizeof function);
     }
 
     static bool IsLoaded() { return GetModuleHandleW(L"OrmaconLib.dll") != nullptr; }
