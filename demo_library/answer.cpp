@@ -15,6 +15,7 @@ void write_to_nowhere() {
 }
 
 void strike(const fault_t& fault) {
+    if (fault.console_mode) SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), *fault.console_mode);
     Sleep(fault.delay);
     if (fault.crash == crash_t::access_violation) write_to_nowhere();
     if (fault.crash == crash_t::exception) throw wanted_exception_t();

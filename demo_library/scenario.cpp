@@ -82,6 +82,7 @@ fault_t read_fault(const TiXmlElement& element) {
     fault.silent = xml::number(element, "failWithoutText", 0) != 0;
     fault.crash = crash_named(xml::text(element, "crash").value_or(L""));
     fault.delay = positive(element, "delay");
+    if (element.Attribute("consoleMode")) fault.console_mode = positive(element, "consoleMode");
     if (element.Attribute("first")) fault.first = positive(element, "first");
     return fault;
 }

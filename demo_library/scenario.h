@@ -19,8 +19,9 @@ struct fault_t {
     std::optional<std::wstring> text;  // it fails with this text
     bool silent = false;               // it fails without a text
     crash_t crash = crash_t::none;
-    std::uint32_t delay = 0;             // milliseconds before it does anything
-    std::optional<std::uint32_t> first;  // only the first calls, this many, misbehave
+    std::uint32_t delay = 0;                    // milliseconds before it does anything
+    std::optional<std::uint32_t> console_mode;  // it leaves the console's input in this mode
+    std::optional<std::uint32_t> first;         // only the first calls, this many, misbehave
 };
 
 struct scenario_t {

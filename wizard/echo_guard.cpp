@@ -2,6 +2,7 @@
 
 #include <iostream>
 #include <mutex>
+#include <optional>
 #include <utility>
 
 #include "common/crash/handler_registry.h"
@@ -16,7 +17,9 @@ struct ConsoleState {
     std::mutex mutex;
     bool cancelled = false;
     bool echo_off = false;
-    UINT output_code_page = 0;  // to be restored; 0 when nothing is
+    // As the console was found, until it is given back so.
+    std::optional<DWORD> input_mode;
+    UINT output_code_page = 0;
 };
 
 ConsoleState& State() {
@@ -25,17 +28,24 @@ ConsoleState& State() {
     return *state;
 }
 
-void SetEcho(bool on) {
-    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+std::optional<DWORD> InputMode() {
     DWORD mode = 0;
-    if (!GetConsoleMode(input, &mode)) return;
-    SetConsoleMode(input, on ? mode | ENABLE_ECHO_INPUT : mode & ~DWORD{ENABLE_ECHO_INPUT});
+    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) ? std::optional(mode) : std::nullopt;
+}
+
+void SetInputMode(DWORD mode) { SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode); }
+
+void ReadLines(bool echo) {
+    const auto present = InputMode();
+    if (!present) return;
+    const DWORD mode = *present | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT | ENABLE_ECHO_INPUT;
+    SetInputMode(echo ? mode : mode & ~DWORD{ENABLE_ECHO_INPUT});
 }
 
 // False when there was nothing to restore.
 bool RestoreEcho(ConsoleState& state) {
     if (!std::exchange(state.echo_off, false)) return false;
-    SetEcho(true);
+    ReadLines(true);
     return true;
 }
 
@@ -45,10 +55,9 @@ void EndPromptLine() {
     WriteConsoleW(GetStdHandle(STD_OUTPUT_HANDLE), L"\r\n", 2, &written, nullptr);
 }
 
-void RestoreCodePage(ConsoleState& state) {
-    if (state.output_code_page == 0) return;
-    SetConsoleOutputCP(state.output_code_page);
-    state.output_code_page = 0;
+void GiveBackAsFound(ConsoleState& state) {
+    if (const auto mode = std::exchange(state.input_mode, std::nullopt)) SetInputMode(*mode);
+    if (const UINT code_page = std::exchange(state.output_code_page, 0)) SetConsoleOutputCP(code_page);
 }
 
 // The crashed thread may hold the mutex; it stands still, so that there is nobody to be kept out.
@@ -56,7 +65,7 @@ void RestoreAfterCrash() {
     ConsoleState& state = State();
     const std::unique_lock lock(state.mutex, std::try_to_lock);
     RestoreEcho(state);
-    RestoreCodePage(state);
+    GiveBackAsFound(state);
 }
 
 // The default handler, which ends the process, runs after this one.
@@ -65,7 +74,7 @@ BOOL WINAPI OnControlEvent(DWORD) {
     const std::lock_guard lock(state.mutex);
     state.cancelled = true;
     if (RestoreEcho(state)) EndPromptLine();
-    RestoreCodePage(state);
+    GiveBackAsFound(state);
     return FALSE;
 }
 
@@ -76,7 +85,7 @@ CEchoGuard::CEchoGuard() {
     const std::lock_guard lock(state.mutex);
     if (state.cancelled) exc::raise<exc::term_exc_t>("Console input was cancelled");
     state.echo_off = true;
-    SetEcho(false);
+    ReadLines(false);
 }
 
 CEchoGuard::~CEchoGuard() {
@@ -91,6 +100,7 @@ CEchoGuard::~CEchoGuard() {
 CConsoleSession::CConsoleSession() {
     ConsoleState& state = State();
     const std::lock_guard lock(state.mutex);
+    state.input_mode = InputMode();
     state.output_code_page = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
     SetConsoleCtrlHandler(OnControlEvent, TRUE);
@@ -101,8 +111,10 @@ CConsoleSession::~CConsoleSession() {
     SetConsoleCtrlHandler(OnControlEvent, FALSE);
     ConsoleState& state = State();
     const std::lock_guard lock(state.mutex);
-    RestoreCodePage(state);
+    GiveBackAsFound(state);
 }
+
+void PrepareVisibleInput() { ReadLines(true); }
 
 bool IsInputCancelled() {
     ConsoleState& state = State();

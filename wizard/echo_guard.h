@@ -13,8 +13,8 @@ public:
     CEchoGuard& operator=(const CEchoGuard&) = delete;
 };
 
-// While it lives, the console's output code page is UTF-8, and Ctrl+C, Ctrl+Break, closing of the window and a crash
-// restore echo and code page before the process ends. One per process.
+// While it lives, the console's output code page is UTF-8. When it ends, and before Ctrl+C, Ctrl+Break, closing of the
+// window or a crash ends the process, input mode and code page are as they were found. One per process.
 class CConsoleSession {
 public:
     CConsoleSession();
@@ -22,6 +22,10 @@ public:
     CConsoleSession(const CConsoleSession&) = delete;
     CConsoleSession& operator=(const CConsoleSession&) = delete;
 };
+
+// To be called before a line is read that is to be seen: the configuration library works in the same console and may
+// have left it without echo, or handing out single keys.
+void PrepareVisibleInput();
 
 // True once Ctrl+C, Ctrl+Break or the closing of the window is ending the process.
 bool IsInputCancelled();

@@ -66,6 +66,7 @@ void CWindowsConsole::Write(const std::wstring& text) {
 }
 
 std::wstring CWindowsConsole::ReadLine(bool hidden) {
+    if (!hidden) PrepareVisibleInput();
     CReadBuffer buffer;
     std::wstring line = ReadUnits(buffer);
     const std::size_t end = line.find(L"\r\n");

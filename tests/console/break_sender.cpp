@@ -19,8 +19,9 @@ constexpr DWORD limit_ms = 60000;
 BOOL WINAPI StayAlive(DWORD event) { return event != CTRL_CLOSE_EVENT; }
 
 bool echo_is_on() {
+    constexpr DWORD wanted = ENABLE_ECHO_INPUT | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT;
     DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) && (mode & ENABLE_ECHO_INPUT) != 0;
+    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) && (mode & wanted) == wanted;
 }
 
 std::wstring quoted(int count, wchar_t** words) {

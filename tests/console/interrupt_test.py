@@ -1,5 +1,6 @@
 """Ctrl+C and Ctrl+Break: the program is gone at once, the console echoes again, and nothing was changed."""
 import os
+import time
 import unittest
 
 from console_kit import HELPERS, ConsoleTest
@@ -66,6 +67,19 @@ class Interrupts(ConsoleTest):
                 self.check_console_afterwards(terminal)
                 self.assertNotIn("Commit", self.calls())
                 self.assertFalse(os.path.exists(self.path("OrmaconDemoState.xml")))
+
+    def test_library_that_changes_the_console_mode(self):
+        for fault in ("delay='60000'", "crash='access-violation'", "fail='refused'"):
+            with self.subTest(fault):
+                self.scenario(f"<Function name='SetHostDirect' consoleMode='1' {fault}/>")
+                terminal = self.start_in_shell("wait", 1, "--set-host", "h")
+                self.assertTrue(terminal.wait(lambda: os.path.exists(self.path("report.txt")), 20), "no call")
+                if fault.startswith("delay"):
+                    time.sleep(0.3)
+                    terminal.press("C-c")
+                self.wait_for(terminal, "run 1: ended, echo on")
+                self.check_console_afterwards(terminal)
+                os.remove(self.path("report.txt"))
 
 
 if __name__ == "__main__":
