@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <vector>
 
 #include <boost/algorithm/string/replace.hpp>
 
@@ -22,9 +23,22 @@ bool IsKnown(std::string_view name, const boost::program_options::options_descri
     });
 }
 
+// Abbreviations that are not unique count, too.
+bool IsCredentials(std::string_view name) {
+    return !name.empty() && std::string_view(option_set_credentials).starts_with(name);
+}
+
+void Replace(std::string& complaint, std::string_view word, std::string_view shown) {
+    if (!word.empty()) boost::replace_all(complaint, "'" + std::string(word) + "'", "'" + std::string(shown) + "'");
+}
+
 void Conceal(std::string& complaint, std::string_view word) {
-    for (const std::string_view part : {word, word.substr(0, word.find('='))}) {
-        if (!part.empty()) boost::replace_all(complaint, "'" + std::string(part) + "'", "'***'");
+    for (const std::string_view part : {word, word.substr(0, word.find('='))}) Replace(complaint, part, "***");
+}
+
+void ConcealValue(std::string& complaint, std::string_view word) {
+    if (const std::size_t equal = word.find('='); equal != std::string_view::npos) {
+        Replace(complaint, word, std::string(word.substr(0, equal)) + "=***");
     }
 }
 
@@ -32,13 +46,17 @@ void Conceal(std::string& complaint, std::string_view word) {
 
 std::string ConcealCredentials(std::string complaint, const boost::program_options::options_description& options,
                                int argc, const char* const* argv) {
+    const std::vector<std::string_view> words(argv + 1, argv + argc);
+    const bool has_credentials = std::ranges::any_of(words, IsCredentials, LongName);
     bool given_to_credentials = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string_view name = LongName(argv[i]);
+    for (const std::string_view word : words) {
+        const std::string_view name = LongName(word);
         if (IsKnown(name, options)) {
-            given_to_credentials = std::string_view(option_set_credentials).starts_with(name);
-        } else if (given_to_credentials) {
-            Conceal(complaint, argv[i]);
+            given_to_credentials = IsCredentials(name);
+        } else if (given_to_credentials || (has_credentials && word.starts_with('-'))) {
+            Conceal(complaint, word);
+        } else {
+            ConcealValue(complaint, word);
         }
     }
     return complaint;

@@ -7,8 +7,9 @@
 
 namespace app {
 
-// The complaint with "***" in place of each word that was given to set-credentials, up to the next known option. A
-// password that begins with a dash looks like an unknown option to the parser.
+// The complaint with "***" in place of each word that was given to set-credentials, up to the next known option, and of
+// each unknown option elsewhere beside set-credentials: a password that begins with a dash looks like one to the
+// parser. Of any other unknown option the value behind "=" is concealed ("--password=***").
 std::string ConcealCredentials(std::string complaint, const boost::program_options::options_description& options,
                                int argc, const char* const* argv);
 

@@ -54,6 +54,8 @@ TEST(Dispatch, ComplaintsOfTheParserGetTheirContext) {
         {{"-verbose"}, "unrecognised option '-verbose'"},
         {{"--set-cred", "user", "-s3cret", "-verbose"}, "unrecognised option '***'"},
         {{"--set-credentials", "user", "--s3cret=x", "--set-port", "1"}, "unrecognised option '***'"},
+        {{"-s3cret", "--set-host", "h", "--set-credentials=user"}, "unrecognised option '***'"},
+        {{"--password=s3cret=", "--wizard"}, "unrecognised option '--password=***'"},
         {{"stray"}, "too many positional options have been specified on the command line"},
         {{"--set-host", "a", "--set-host", "b"}, "option '--set-host' cannot be specified more than once"},
         {{"--set-p", "1"}, "option '--set-p' is ambiguous and matches '--set-parallelism', and '--set-port'"},
