@@ -24,7 +24,7 @@ constexpr const char* unwritable = "Cannot write to log file. Log path: [%1].";
 win_log_file_t::win_log_file_t(const std::wstring& path, const size_limits_t& limits, report_t report)
     : log_file_t(limits, std::move(report)),
       path_(path),
-      file_(CreateFileW(system_path(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+      file_(CreateFileW(system_path(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
                         FILE_ATTRIBUTE_NORMAL, nullptr)) {
     if (!file_) {
         const DWORD code = GetLastError();
@@ -40,6 +40,7 @@ win_log_file_t::win_log_file_t(const std::wstring& path, const size_limits_t& li
     }
     set_size(static_cast<std::uint64_t>(size.QuadPart));
     if (is_archived(path_, this->size()) && cut(0)) set_size(0);
+    end_last_line();
 }
 
 win_log_file_t::~win_log_file_t() { FlushFileBuffers(file_.get()); }
@@ -84,6 +85,16 @@ bool win_log_file_t::cut(std::uint64_t size) noexcept {
     FILE_END_OF_FILE_INFO end{};
     end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
     return SetFileInformationByHandle(file_.get(), FileEndOfFileInfo, &end, sizeof end) != FALSE;
+}
+
+void win_log_file_t::end_last_line() noexcept {
+    LARGE_INTEGER place{};
+    place.QuadPart = static_cast<LONGLONG>(size()) - 1;
+    char last = '\n';
+    DWORD count = 0;
+    const bool read = SetFilePointerEx(file_.get(), place, nullptr, FILE_BEGIN) &&
+                      ReadFile(file_.get(), &last, sizeof last, &count, nullptr);
+    if (read && last != '\n' && WriteFile(file_.get(), "\r\n", 2, &count, nullptr)) set_size(size() + count);
 }
 
 }  // namespace logging::receiver

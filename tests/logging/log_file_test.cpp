@@ -1,5 +1,6 @@
 #include "common/logging/win_log_file.h"
 
+#include <algorithm>
 #include <set>
 #include <thread>
 
@@ -143,6 +144,15 @@ TEST(log_file, log_that_was_archived_but_not_cut_is_cut_when_it_is_opened) {
         EXPECT_EQ(log.size(), changed ? line.size() : 0);
         EXPECT_EQ(read_gzip(folder / L"A.log.gz"), line);
     }
+}
+
+TEST(log_file, line_that_an_earlier_process_was_ended_in_stays_alone) {
+    const folder_t folder;
+    WriteFileText(folder / L"A.log", "half a li");
+    for (int run = 0; run < 2; ++run) log_t(folder / L"A.log", {1000, 2}).write(run, run);
+    const std::string content = FileText(folder / L"A.log");
+    EXPECT_THAT(content, testing::StartsWith("half a li\r\n["));
+    EXPECT_EQ(std::ranges::count(content, '\n'), 3);
 }
 
 TEST(log_file, many_threads_lose_no_line) {
