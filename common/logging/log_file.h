@@ -12,7 +12,8 @@
 namespace logging::receiver {
 
 // Appends lines to a file, and moves its content into an archive when the file has reached its size limit. A record
-// goes out with all its lines in one operation, complete or not at all.
+// goes out with all its lines in one operation, complete or not at all. Where records are missing, the next one that
+// can be written follows a warning "Records that could not be written to the log: %1.".
 class log_file_t : public sink_t {
 public:
     // Takes the sentence for a failure to archive and its cause; called under the lock of the logger. A failure is
@@ -40,6 +41,8 @@ protected:
     virtual void clear() = 0;
 
 private:
+    void put(const line_t& line);
+    void put_gap(const line_t& next);
     void try_archive();
     void archive();
 
@@ -50,6 +53,7 @@ private:
     std::uint64_t size_ = 0;
     std::uint64_t archive_at_;  // the size at which archiving is due
     bool failure_reported_ = false;
+    std::uint64_t lost_ = 0;  // records since the last one that was written
 };
 
 }  // namespace logging::receiver
