@@ -5,6 +5,8 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -74,6 +76,7 @@ private:
 
     [[noreturn]] void raise_zlib(int code, const char* sentence) const {
         exc::runtime_exc_t failure;
+        if (code == Z_ERRNO) failure.add_text(std::strerror(errno));
         failure.add_text(with_path(sentence, path_));
         failure.add_trace_text(exc::format_message("Error code: %1", std::to_string(code)));
         throw failure;
