@@ -1,15 +1,9 @@
 // The log of a whole process. The child processes are this program again, with one of the tests at the end.
-#include <algorithm>
 #include <iostream>
-#include <set>
-
-#include <boost/make_shared.hpp>
 
 #include "common/exc/exceptions.h"
 #include "common/logging/logger.h"
-#include "common/logging/logger_core.h"
 #include "common/logging/open_log.h"
-#include "common/logging/win_log_file.h"
 #include "common/platform/module.h"
 #include "common/platform/os_version.h"
 #include "tests/logging/log_test_kit.h"
@@ -36,11 +30,6 @@ platform::unique_handle start_child(const fs::path& folder, const std::wstring& 
         CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &start, &process));
     CloseHandle(process.hThread);
     return platform::unique_handle(process.hProcess);
-}
-
-void attach_log(logger_t& logger, const fs::path& folder) {
-    logger.attach(boost::make_shared<receiver::win_log_file_t>(
-        (folder / L"Ormacon.log").wstring(), size_limits_t{1'000'000, 1000}, receiver::log_file_t::report_t()));
 }
 
 struct static_object_t {
@@ -102,43 +91,24 @@ TEST(log_process, opening_twice_closing_and_failing_to_open) {
                 ThrowsMessage<exc::runtime_exc_t>(HasSubstr("\nFailed to initialize log [" + below.string() + "].")));
 }
 
-TEST(child, DISABLED_writes_until_it_is_killed) {
-    const std::string name = FileText(fs::current_path() / L"round");
-    logger_t logger;
-    attach_log(logger, fs::current_path());
-    for (int number = 1;; ++number) {
-        logger.log({.text = name + " " + std::to_string(number) + std::string(60, ' ')});
+// The two programs of kill_test.py. The writer announces each record that was logged.
+TEST(child, DISABLED_writes) {
+    constexpr size_limits_t limits{6000, 1000};
+    open_log(ormacon_tool, {(fs::current_path() / L"Ormacon.log").wstring(), limits, {}});
+    std::cout << "process " << GetCurrentProcessId() << " is ready" << std::endl;
+    int round = 0, count = 0;
+    std::cin >> round >> count;
+    for (int number = 1; number <= count; ++number) {
+        const std::string filling(number % 50 == 0 ? 20'000 : static_cast<std::size_t>(number * 37 % 400), '.');
+        ormacon_tool.info(std::to_string(round) + " " + std::to_string(number) + filling + "|");
         std::cout << '!' << std::flush;
     }
 }
 
-TEST(log_process, a_kill_loses_no_record_that_was_logged) {
-    const folder_t folder;
-    const fs::path temporary = folder / L"Ormacon.log.gz.tmp";
-    int left_half_done = 0;
-    for (int round = 0; round < 8; ++round) {
-        const std::string name = "round" + std::to_string(round);
-        WriteFileText(folder / L"round", name);
-        const auto child = start_child(folder.path, L"writes_until_it_is_killed");
-        const auto logged = [&] { return std::ranges::count(FileText(folder / L"output"), '!'); };
-        while (logged() == 0) Sleep(1);
-        Sleep(static_cast<DWORD>(20 + 7 * round));
-        // Every other kill is aimed at an archive in the making.
-        while (round % 2 == 1 && !fs::exists(temporary)) YieldProcessor();
-        TerminateProcess(child.get(), 1);
-        EXPECT_EQ(WaitForSingleObject(child.get(), 60'000), WAIT_OBJECT_0);
-        left_half_done += fs::exists(temporary);
-
-        std::set<int> numbers;
-        for (const auto& [file, texts] : logs_in(folder.path))
-            for (const std::string& text : texts)
-                if (text.starts_with(name + " ")) numbers.insert(std::atoi(text.c_str() + name.size() + 1));
-        ASSERT_GE(*numbers.rbegin(), logged());
-        ASSERT_EQ(static_cast<int>(numbers.size()), *numbers.rbegin());
+TEST(child, DISABLED_terminates) {
+    for (DWORD process = 0; std::cin >> process;) {
+        const platform::unique_handle opened(OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, process));
+        TerminateProcess(opened.get(), 1);
+        WaitForSingleObject(opened.get(), INFINITE);
     }
-    EXPECT_GT(left_half_done, 0) << "no kill hit an archive in the making";
-    logger_t logger;
-    attach_log(logger, folder.path);
-    for (int lines = 0; lines < 1000 && fs::exists(temporary); ++lines) logger.log({.text = std::string(2000, ' ')});
-    EXPECT_FALSE(fs::exists(temporary)) << "the left-over is still there";
 }
