@@ -1,0 +1,102 @@
+"""A log that makes trouble: commands do their work wherever it opens, and say why where it does not."""
+import gzip
+import os
+import pathlib
+import re
+import resource
+import unittest
+
+from console_kit import ConsoleTest, run_quietly, windows_path
+
+KEY = r"HKLM\SOFTWARE\Tovak\Tovak Central"
+GAP = r"^WARN\|Records that could not be written to the log: [1-9]\d*\.$"
+DONE = "Unloading configuration library ok."
+LOG = os.path.join("RmanPluginLogs", "Ormacon.log")
+# The log directory below the test's folder, the folder that is there already, and what is said about it.
+REFUSED = [
+    ("", LOG, "Cannot open log file. Log path: [{}\\RmanPluginLogs\\Ormacon.log]."),
+    ("\\Ormacon.exe", "", "Cannot create directory [{}]."),
+]
+
+
+class LogTrouble(ConsoleTest):
+    def log_to(self, directory, size=None):
+        run_quietly("wine64", "reg", "add", KEY, "/v", "LogDirectory", "/d", directory, "/f")
+        for name in ("AgentMaxLogSize", "AgentMaxLogCount") if size else ():
+            run_quietly("wine64", "reg", "add", KEY, "/v", name, "/t", "REG_DWORD", "/d", str(size), "/f")
+            self.addCleanup(run_quietly, "wine64", "reg", "delete", KEY, "/v", name, "/f", check=False)
+
+    def set_host(self, host):
+        self.assertEqual("", self.run_program("--set-host", host))
+        self.assertIn(f'host="{host}"', self.read("OrmaconDemoState.xml"))
+
+    def asking(self, *launcher):
+        terminal = self.terminal(*launcher, "wine64", self.path("Ormacon.exe"), "--set-credentials", "user")
+        self.wait_for(terminal, "Enter password for user:")
+        return terminal
+
+    def finish(self, terminal):
+        self.talk(terminal, [("Enter password for user: ", "x")])
+        self.assertEqual("Enter password for user:", self.ending(terminal))
+        self.assertEqual({"SetCredentialsDirect": 1}, self.calls())
+
+    def test_long_and_foreign_paths(self):
+        for names in (["l" * 60] * 5, ["журнал-日志-𝒳"]):
+            folder = pathlib.Path(self.folder, *names)
+            self.log_to(windows_path(str(folder)), 1000)
+            for host in ("first", "second"):
+                self.set_host(host)
+            archives = [gzip.decompress(path.read_bytes()) for path in folder.glob("*/Ormacon*.log.gz")]
+            self.assertGreater(len(archives), 2)
+            texts = b"".join(archives) + (folder / LOG).read_bytes()
+            self.assertEqual([b"first", b"second"], sorted(re.findall(rb"command, host = \[(.*)\]", texts)))
+
+    def test_refused(self):
+        for directory, obstacle, sentence in REFUSED:
+            with self.subTest(sentence):
+                os.makedirs(self.path(obstacle), exist_ok=True)
+                directory = windows_path(self.folder) + directory
+                self.log_to(directory)
+                lines = self.run_program("--set-host", "h.example.org").split("\n")
+                self.assertRegex(lines.pop(0), r"^\w.*\S$")  # the system's own text
+                self.assertRegex(lines.pop(1), "^--tr:Error code: 0x[0-9a-f]{8}$")
+                self.assertEqual([sentence.format(directory),
+                                  f"Failed to initialize log [{directory}\\RmanPluginLogs\\Ormacon.log].",
+                                  "Cannot init logging"], lines)
+                self.assertFalse(os.path.exists(self.path("report.txt")), "the library was called")
+
+    def test_disk_is_full_for_a_while(self):
+        # To the program a limit of the size of its files is what a full disk is, and it needs no rights.
+        terminal = self.asking("bash", "-c", "trap '' XFSZ; ulimit -S -f 1; exec \"$@\"", "bash")
+        before = self.log()
+        resource.prlimit(int(self.programs()[0]), resource.RLIMIT_FSIZE, (resource.RLIM_INFINITY,) * 2)
+        self.finish(terminal)
+        gap, *after = self.log()[len(before):]
+        self.assertRegex(gap, GAP)
+        self.assertNotIn("could not", "".join(after))
+        self.assertEqual(DONE, after[-1])
+
+    def test_log_is_deleted_while_it_is_open(self):
+        terminal = self.asking()
+        os.remove(self.path(LOG))
+        self.finish(terminal)
+        self.set_host("next.example.org")
+        self.assertEqual(DONE, self.log()[-1])
+
+    def test_archive_is_held_open(self):
+        self.set_host("first")
+        self.log_to(windows_path(self.path("held")))
+        terminal = self.asking()  # holds its log open, which is an archive of the other log, too
+        os.link(self.path("held", LOG), self.path(LOG + ".gz"))
+        self.log_to(windows_path(self.folder), 1000)
+        self.set_host("second")
+        log, path = self.log(), windows_path(self.path(LOG))
+        self.assertEqual(1, log.count(f"WARN|Cannot compress log file. Log: [{path}]."))
+        self.assertIn(f"WARN|Cannot age file. File path: [{path}.gz]. Extension: [.log.gz]. Ages limit: [1000].", log)
+        for host in ("first", "second"):
+            self.assertIn(f"Executing SetBackupServer command, host = [{host}]", log)
+        self.finish(terminal)
+
+
+if __name__ == "__main__":
+    unittest.main()
