@@ -1,4 +1,6 @@
 """The real program in a real terminal, each test in a folder of its own."""
+import base64
+import gzip
 import os
 import re
 import shutil
@@ -33,6 +35,21 @@ def run_quietly(*command, check=True):
     # No pipes: the Windows environment's own processes would keep them open.
     return subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                           check=check, timeout=120).returncode
+
+
+def forms(secret):
+    """A text as files may hold it: itself, in hexadecimal digits, and in base64 at each place of a longer text."""
+    for encoding in ("utf-8", "utf-16-le"):
+        raw = secret.encode(encoding)
+        yield from (raw, raw.hex().encode())
+        for before in range(3):
+            text = base64.b64encode(bytes(before) + raw)
+            yield text[(0, 2, 3)[before]:(before + len(raw)) // 3 * 4]
+
+
+def assert_without(test, secret, content, place):
+    for form in forms(secret):
+        test.assertFalse(form.lower() in content.lower(), f"{form} in {place}")
 
 
 def windows_path(path):
@@ -152,10 +169,15 @@ class ConsoleTest(unittest.TestCase):
         except OSError:
             return False
 
-    def assert_in_no_file(self, secret):
+    def assert_in_no_file(self, *secrets):
+        files = {name: content for name, content in self.contents() if not name.endswith((".exe", ".dll"))}
+        for name, content in files.items():
+            for secret in secrets:
+                assert_without(self, secret, content, name)
+        return files
+
+    def contents(self):
         for folder, _, names in os.walk(self.folder):
-            for name in set(names) - {"Ormacon.exe", "OrmaconLib.dll"}:
-                with open(os.path.join(folder, name), "rb") as file:
-                    content = file.read()
-                for encoding in ("utf-8", "utf-16-le"):
-                    self.assertNotIn(secret.encode(encoding), content, name)
+            for name in names:
+                with (gzip.open if name.endswith(".gz") else open)(os.path.join(folder, name), "rb") as file:
+                    yield os.path.relpath(os.path.join(folder, name), self.folder), file.read()

@@ -18,7 +18,6 @@ class Texts(ConsoleTest):
         self.assertIn(f'host="{HOST}"', state)
         self.assertIn(f'domain="{domain}" userName="{user}"', state)
         self.assertEqual(PASSWORD, self.stored_password())
-        self.assert_in_no_file(PASSWORD)
 
     def test_from_the_command_line(self):
         self.assertEqual("", self.run_program("--set-host", HOST))
