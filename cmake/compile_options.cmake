@@ -8,7 +8,7 @@ option(ORMACON_UBSAN "Trap on undefined behaviour" OFF)
 
 add_compile_definitions(
   UNICODE _UNICODE _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX _GLIBCXX_ASSERTIONS
-  BOOST_ALL_NO_LIB BOOST_BIND_GLOBAL_PLACEHOLDERS)
+  BOOST_ALL_NO_LIB BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_SYSTEM_USE_UTF8)
 add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Werror -fstack-protector-strong)
 add_link_options(-static -fstack-protector-strong -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
 if(ORMACON_UBSAN)

@@ -79,7 +79,7 @@ build_boost() {
     echo "using gcc : mingw : x86_64-w64-mingw32-g++-posix ;" >user-config.jam
     b2 -j"$(nproc)" -d0 --user-config=user-config.jam --prefix="$deps/prefix" --build-dir="$deps/build/boost" \
         toolset=gcc-mingw target-os=windows address-model=64 link=static runtime-link=static \
-        threading=multi variant=release threadapi=win32 --layout=system \
+        threading=multi variant=release threadapi=win32 define=BOOST_SYSTEM_USE_UTF8 --layout=system \
         --with-program_options --with-filesystem --with-system --with-date_time install
 }
 
