@@ -25,6 +25,11 @@ bool AgreesToReplace(const fs::path& path) {
     return answer == L"yes" || answer == L"y";
 }
 
+// A path like "D:name" is relative to that drive's own current folder, which only the system knows.
+fs::path ToAbsolute(const fs::path& path) {
+    return path.has_root_name() && !path.is_absolute() ? fs::system_complete(path) : fs::absolute(path);
+}
+
 std::string WithPath(const char* sentence, const fs::path& path) {
     return exc::format_message(sentence, text::wide_to_utf8(path.wstring()));
 }
@@ -44,7 +49,7 @@ fs::path AskOutputPath(const std::wstring& prompt, const fs::path& default_path)
     for (;;) {
         const fs::path path = Ask(prompt, default_path.wstring());
         if (!IsTaken(path)) return path;
-        const fs::path existing = fs::absolute(path);
+        const fs::path existing = ToAbsolute(path);
         if (!AgreesToReplace(existing)) {
             RequireInteractiveConsole();
             continue;
