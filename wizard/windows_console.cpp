@@ -73,6 +73,7 @@ std::wstring CWindowsConsole::ReadLine(bool hidden) {
     if (end != std::wstring::npos) {
         line.resize(end);
     } else if (hidden && line.size() == buffer.size()) {
+        if (line.back() == L'\r') line.pop_back();
         DropRestOfLine(buffer);
     }
     return line;
