@@ -97,9 +97,8 @@ void read_portions(const std::wstring& path, std::uint64_t size, Consumer consum
         DWORD count = 0;
         const bool read = ReadFile(input.get(), data.data(), static_cast<DWORD>(std::min<std::uint64_t>(left, portion)),
                                    &count, nullptr) != FALSE;
-        if (!read || count == 0) {
-            exc::raise_win_error(read ? ERROR_HANDLE_EOF : GetLastError(), with_path(unreadable, path));
-        }
+        const DWORD code = read ? ERROR_HANDLE_EOF : GetLastError();
+        if (!read || count == 0) exc::raise_win_error(code, with_path(unreadable, path));
         consume(data, count);
         left -= count;
     }
