@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <iostream>
 #include <optional>
+#include <utility>
 
 #include "app/command_context.h"
 #include "app/options.h"
@@ -16,8 +17,8 @@ namespace {
 void RunCommand(int argc, const char* const* argv) {
     CommandContext context;
     BuildOptions(context);
-    const Command command = ParseCommandLine(context, argc, argv);
-    ExecuteMethod(command.handler, command.method_name);
+    Command command = ParseCommandLine(context, argc, argv);
+    ExecuteMethod(std::move(command.handler), command.method_name);
     context.ReleaseCaller();
 }
 
