@@ -61,6 +61,7 @@ def row_as_text(row):
     first, *others = (cell.strip() for cell in re.split(r"(?<!\\)\|", row.strip().strip("|")))
     wrap = textwrap.TextWrapper(100, initial_indent="    ", subsequent_indent="    ",
                                 break_long_words=False, break_on_hyphens=False)
+    first = first.replace("`, `", "`,\n`")  # one message a line
     return "\n".join([first, *(wrap.fill(cell) for cell in others if cell), ""])
 
 
