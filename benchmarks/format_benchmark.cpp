@@ -1,7 +1,6 @@
 // format_message with two arguments, against the formatters of fmt and Boost with the format known at run time, and
 // against the floor: the pieces of the text, known beforehand, put together in memory of the right size.
 #include <string>
-#include <string_view>
 
 #include <benchmark/benchmark.h>
 #include <boost/format.hpp>

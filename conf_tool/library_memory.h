@@ -1,7 +1,6 @@
 // Owners of what the configuration library allocated; each gives its memory back to the library exactly once.
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>

@@ -1,6 +1,5 @@
 #include "demo_library/ledger.h"
 
-#include <algorithm>
 #include <map>
 #include <memory>
 #include <new>

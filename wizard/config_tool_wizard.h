@@ -1,8 +1,6 @@
 // The step-by-step dialogue. Every step passes its answer to the configuration library at once.
 #pragma once
 
-#include <string>
-
 #include <boost/shared_ptr.hpp>
 
 #include "conf_tool/lib_caller.h"

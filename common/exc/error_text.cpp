@@ -4,7 +4,6 @@
 
 #include <boost/system/error_code.hpp>
 
-#include "common/exc/exceptions.h"
 #include "common/text/convert.h"
 #include "common/win32.h"
 

@@ -4,7 +4,7 @@
 
 namespace logging {
 
-// What stands at the begin of each run in the log: program, version, process and system, between separator lines.
+// What stands at the beginning of each run in the log: program, version, process and system, between separator lines.
 // Lines are joined with "\n". Raises what platform::program_path() raises.
 std::string header_block();
 

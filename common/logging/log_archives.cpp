@@ -8,7 +8,6 @@
 #include "common/exc/raise.h"
 #include "common/logging/gzip_file.h"
 #include "common/logging/long_path.h"
-#include "common/platform/module.h"
 #include "common/platform/owned.h"
 #include "common/text/convert.h"
 

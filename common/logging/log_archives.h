@@ -15,7 +15,7 @@ void age_archives(const std::wstring& log_path, std::uint32_t limit);
 
 // Puts the first size bytes of the log file into a new newest archive, at most limit archives in all. Until it is
 // complete the archive has another name, which no archive has; what an earlier process left of it is removed. With a
-// limit of 0 there is no new archive, and the old ones are removed. A failure leaves log and archives in being
+// limit of 0 there is no new archive, and the old ones are removed. A failure leaves log and archives as they were
 // (archives may have aged) and raises what gzip_file() and age_archives() raise, or exc::win_sys_exc_t "Cannot rename
 // archive [%1].".
 void archive_log(const std::wstring& log_path, std::uint64_t size, std::uint32_t limit);

@@ -23,8 +23,6 @@ public:
     boost::shared_ptr<receiver::log_file_t> open(const size_limits_t& limits,
                                                  const receiver::log_file_t::report_t& report) const;
 
-    const std::vector<std::wstring>& paths() const { return paths_; }
-
 private:
     std::vector<std::wstring> paths_;
 };
