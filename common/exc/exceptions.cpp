@@ -6,11 +6,11 @@
 #include <boost/make_shared.hpp>
 
 #include "common/exc/binary_stream.h"
-#include "common/win32.h"
+#include "common/exc/thread_id.h"
 
 namespace exc {
 
-exc_base_t::exc_base_t() : thrower_thread_id_(GetCurrentThreadId()) {}
+exc_base_t::exc_base_t() : thrower_thread_id_(current_thread_id()) {}
 
 void exc_base_t::add_part(const std::string& text, bool trace) {
     parts_.push_back({text, trace});

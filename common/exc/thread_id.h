@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+
+namespace exc {
+
+// The Win32 id of the calling thread.
+std::uint32_t current_thread_id() noexcept;
+
+}  // namespace exc
