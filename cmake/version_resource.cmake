@@ -1,3 +1,5 @@
+enable_language(RC)
+
 # add_version_resource(TARGET FILE_NAME DESCRIPTION): version and comments from the project() call.
 function(add_version_resource target file_name description)
   set(resource_file_name "${file_name}")

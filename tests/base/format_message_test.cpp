@@ -35,10 +35,4 @@ TEST(FormatMessage, ReplacesPlaceholdersAndCopiesEverythingElse) {
     }
 }
 
-TEST(FormatMessage, FormsAgree) {
-    EXPECT_EQ(format_message("%1!%2", "a"), "a!%2");
-    EXPECT_EQ(format_message("%1!%2", {"a", std::string("b")}), "a!b");
-    EXPECT_EQ(format_message(std::string_view("a\0%1", 4), "b"), std::string("a\0b", 3));
-}
-
 }  // namespace

@@ -1,0 +1,38 @@
+// Fuzzing: for each unit a check that takes any bytes and raises std::logic_error when something does not hold. The
+// test program feeds them from a seeded generator, the programs of the fuzz build from libFuzzer.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "common/exc/exceptions.h"
+
+namespace fuzz {
+
+using check_t = void(const std::string& input);
+check_t check_account, check_exception, check_format, check_integer, check_lines, check_selection, check_settings;
+
+struct unit_t {
+    const char* name;
+    check_t* check;
+    std::vector<std::string> words;  // worth mixing into random bytes
+};
+const std::vector<unit_t>& units();
+
+// The text between the separators; at least so many pieces.
+std::vector<std::string> pieces(const std::string& text, char separator, std::size_t least = 0);
+
+inline void require(bool holds, const char* property) {
+    if (!holds) throw std::logic_error(property);
+}
+
+template <class Call>
+bool refuses(Call call) try {
+    call();
+    return false;
+} catch (const exc::runtime_exc_t&) {
+    return true;
+}
+
+}  // namespace fuzz
