@@ -1,7 +1,7 @@
 #include "common/logging/win_log_file.h"
 
 #include <algorithm>
-#include <set>
+#include <barrier>
 #include <thread>
 
 #include <boost/make_shared.hpp>
@@ -10,8 +10,11 @@
 #include "common/exc/raise.h"
 #include "common/logging/log_archives.h"
 #include "common/logging/log_file_set.h"
+#include "common/logging/component.h"
 #include "common/logging/logger_core.h"
 #include "common/logging/long_path.h"
+#include "common/logging/method_scope.h"
+#include "common/logging/process_logger.h"
 #include "tests/logging/log_test_kit.h"
 
 using namespace logging;
@@ -155,22 +158,63 @@ TEST(log_file, line_that_an_earlier_process_was_ended_in_stays_alone) {
     EXPECT_EQ(std::ranges::count(content, '\n'), 3);
 }
 
-TEST(log_file, many_threads_lose_no_line) {
-    const folder_t folder;
-    log_t log(folder / L"A.log", {40'000, 1000});
-    std::multiset<std::string> expected, found;
-    std::vector<std::thread> writers;
-    for (int thread = 0; thread < 8; ++thread) {
-        std::vector<std::string> texts;
-        for (int i = 0; i < 2000; ++i) texts.push_back(std::to_string(thread) + "-" + std::to_string(i));
-        for (const std::string& text : texts) expected.insert({text + " first", text + " second"});
-        writers.emplace_back([&log, texts] {
-            for (const std::string& text : texts) log.logger.log({.text = text + " first\n" + text + " second"});
-        });
+namespace {
+
+using lines_t = std::vector<std::string>;
+using thread_lines_t = std::pair<DWORD, lines_t>;
+
+// What it logs comes out as these lines; the sink of the test below answers what ends in "ask".
+thread_lines_t log_much(unsigned number) {
+    const std::string prefix = std::to_string(number) + ": ";
+    const std::string begin = prefix + "ERR |" + std::string(std::size_t{2} * number, ' ');
+    thread_lines_t lines{GetCurrentThreadId(), {}};
+    for (int round = 0; round < 300; ++round) {
+        const std::string text = prefix + std::to_string(round);
+        ormacon_tool.log({.level = 4, .depth = number, .prefix = prefix, .text = text + "\n" + text + " ask"});
+        method_scope_t scope(ormacon_tool, text);
+        if (round % 2) scope.succeed();
+        for (const std::string& line : {begin + text, begin + text + " ask", text + " ask answered", text,
+                                        round % 2 ? text + " ok." : "ERR |" + text + " Failed."})
+            lines.second.push_back(line);
     }
-    for (std::thread& writer : writers) writer.join();
-    for (const auto& [name, texts] : logs_in(folder.path)) found.insert(texts.begin(), texts.end());
-    EXPECT_TRUE(found == expected) << "found " << found.size() << " lines of " << expected.size();
+    return lines;
+}
+
+}  // namespace
+
+TEST(log_file, sixteen_threads_lose_double_and_mix_nothing) {
+    const folder_t folder;
+    const auto file = boost::make_shared<win_log_file_t>((folder / L"A.log").wstring(), size_limits_t{40'000, 100},
+                                                         receiver::log_file_t::report_t());
+    const auto answering = boost::make_shared<recording_sink_t>([](const line_t& line) {
+        if (line.piece.ends_with(" ask")) ormacon_tool.info(std::string(line.piece) + " answered");
+    });
+    const boost::shared_ptr<receiver::sink_t> sinks[] = {file, answering};
+    for (const auto& sink : sinks) process_logger().attach(sink);
+    std::barrier all_there(16);  // no thread takes over the id of one that has ended
+    std::vector<thread_lines_t> lines(16);
+    std::vector<std::jthread> writers;
+    for (unsigned number = 0; number < lines.size(); ++number)
+        writers.emplace_back([&, number] {
+            all_there.arrive_and_wait();
+            lines[number] = log_much(number);
+        });
+    writers.clear();
+    for (const auto& sink : sinks) process_logger().detach(sink);
+
+    std::map<DWORD, lines_t> found;
+    const auto read = [&](const std::string& name) {
+        if (!fs::exists(folder.path / name)) return;
+        const std::vector<logged_t> log = lines_in(folder.path / name);
+        for (std::size_t i = 0; i < log.size(); ++i) {
+            found[log[i].thread].push_back(log[i].text);
+            const bool follows = i >= 2 && log[i].text.ends_with("answered");
+            EXPECT_TRUE(!follows || (log[i - 1].thread == log[i].thread && log[i - 2].thread == log[i].thread)) << name;
+        }
+    };
+    for (int age = 99; age > 0; --age) read("A." + std::to_string(age) + ".log.gz");
+    for (const char* name : {"A.log.gz", "A.log"}) read(name);
+    EXPECT_TRUE(found == (std::map<DWORD, lines_t>(lines.begin(), lines.end())));
     EXPECT_TRUE(fs::exists(folder / L"A.10.log.gz"));
 }
 

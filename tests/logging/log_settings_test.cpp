@@ -1,5 +1,9 @@
 #include "common/logging/log_settings.h"
 
+#include <atomic>
+#include <thread>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "common/logging/command_switches.h"
@@ -33,6 +37,33 @@ TEST(log_settings, both_size_values_or_both_defaults) {
             if (value.type) registry.Set(product_key, name, value.type, &value.data, value.type == REG_QWORD ? 8 : 4);
         EXPECT_EQ(read_size_limits().log_size, c.log_size) << c.size.data << ' ' << c.count.data;
         EXPECT_EQ(read_size_limits().archive_count, c.archive_count) << c.size.data << ' ' << c.count.data;
+    }
+}
+
+TEST(log_settings, are_read_once_by_many_threads) {
+    test_support::CTestRegistry registry;
+    const auto set = [&](DWORD value) {
+        for (const wchar_t* name : {L"AgentMaxLogSize", L"AgentMaxLogCount"})
+            registry.Set(product_key, name, REG_DWORD, &value, sizeof value);
+    };
+    set(1);
+    std::vector<size_limits_t> seen(16);
+    std::atomic<bool> go = false;  // waited for awake: all are to read in the same moment
+    std::vector<std::jthread> readers;
+    for (size_limits_t& limits : seen)
+        readers.emplace_back([&] {
+            while (!go) SwitchToThread();
+            limits = process_size_limits();
+        });
+    Sleep(20);
+    go = true;
+    for (DWORD value = 2; value < 200; ++value) set(value);
+    readers.clear();
+    seen.push_back(process_size_limits());
+    for (const size_limits_t& limits : seen) {
+        EXPECT_EQ(limits.log_size, seen[0].log_size);
+        EXPECT_EQ(limits.archive_count, seen[0].archive_count);
+        EXPECT_LT(limits.log_size, 200U);
     }
 }
 
