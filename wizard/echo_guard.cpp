@@ -7,6 +7,7 @@
 
 #include "common/crash/handler_registry.h"
 #include "common/exc/raise.h"
+#include "wizard/console_stream.h"
 #include "common/win32.h"
 
 namespace wizard {
@@ -103,6 +104,7 @@ CConsoleSession::CConsoleSession() {
     state.input_mode = InputMode();
     state.output_code_page = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
+    PrintToConsoleAsUtf16();
     SetConsoleCtrlHandler(OnControlEvent, TRUE);
     crash::register_handler(&RestoreAfterCrash);
 }

@@ -13,8 +13,9 @@ public:
     CEchoGuard& operator=(const CEchoGuard&) = delete;
 };
 
-// While it lives, the console's output code page is UTF-8. When it ends, and before Ctrl+C, Ctrl+Break, closing of the
-// window or a crash ends the process, input mode and code page are as they were found. One per process.
+// While it lives, the console's output code page is UTF-8, and std::cout is printed there unharmed. When it ends, and
+// before Ctrl+C, Ctrl+Break, closing of the window or a crash ends the process, input mode and code page are as they
+// were found. One per process.
 class CConsoleSession {
 public:
     CConsoleSession();

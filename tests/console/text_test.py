@@ -38,6 +38,16 @@ class Texts(ConsoleTest):
         self.ending(terminal)
         self.check_state()
 
+    def test_very_long_reason_of_the_library(self):
+        reason = "".join(f"{number:06d}:%1-äöü日" for number in range(60000))
+        self.scenario(f'<Function name="SetPortDirect" fail="{reason}"/><Function name="GetConfig" fail="{reason}"/>')
+        self.assertTrue(f"{reason}FailedtoexecutemethodSetBackupServerPort" ==
+                        "".join(self.run_program("--set-port", "1").split()))
+        terminal = self.start("--wizard")
+        self.talk(terminal, [("Some errors occurred while applying the configuration. Restart the wizard? (y/n): ", "n")])
+        self.assertTrue("".join(self.ending(terminal).split()).startswith(reason + "Some"))
+        self.assertTrue("WARN|" + reason in self.log())
+
 
 if __name__ == "__main__":
     unittest.main()
