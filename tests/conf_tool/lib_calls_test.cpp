@@ -75,9 +75,9 @@ const Operation operations[] = {
 };
 // clang-format on
 
-std::string FailureOf(const Operation& operation, CConfigToolLibCaller& caller) {
+std::string FailureOf(const std::function<void(CConfigToolLibCaller&)>& call, CConfigToolLibCaller& caller) {
     try {
-        operation.call(caller);
+        call(caller);
     } catch (const exc::runtime_exc_t& failure) {
         return failure.what();
     }
@@ -95,7 +95,7 @@ TEST_F(LibCalls, EachFailureHasTheLibrarysTextAndItsLogLines) {
               std::pair("failWithoutText='1'/>", "Configuration library returned an unknown error")}) {
             host_.Scenario(function + fault);
             test_support::CRecordedLog log;
-            EXPECT_EQ(FailureOf(operation, caller), message) << operation.export_name;
+            EXPECT_EQ(FailureOf(operation.call, caller), message) << operation.export_name;
             EXPECT_THAT(log.lines(), ElementsAre(calling, failed)) << operation.export_name;
             host_.ExpectMemoryBalanced(operation.export_name);
         }
@@ -176,23 +176,18 @@ Status GiveNoHost(LibraryText* user_name, LibraryText* domain, LibraryText* pass
 }
 
 TEST_F(LibCalls, WhatBreaksTheContractIsRefusedAndGivenBackOnce) {
-    const Operation get_repositories{"", "GetTBRRepositoriesDirect", CallerMode::Direct, GetTBRRepositories};
-    const Operation get_config{"", "GetConfig", CallerMode::Direct, GetConfig};
+    CConfigToolLibCaller caller(CallerMode::Direct);
+    library_.Replace<FreeStringFn>("FreeString", [](wchar_t* text) { texts_back.push_back(text); });
+    library_.Replace<FreeRepositoriesFn>("FreeRepositories", [](auto, auto count) { arrays_back.push_back(count); });
     const std::string unknown = "Configuration library returned an unknown error";
     const std::string impossible = "Configuration library returned an impossible number of repositories: ";
-    CConfigToolLibCaller caller(CallerMode::Direct);
-    library_.Replace(
-        "FreeRepositories", +[](LibraryRecords, std::int32_t count) { arrays_back.push_back(count); });
-    library_.Replace(
-        "FreeString", +[](wchar_t* text) { texts_back.push_back(text); });
     const struct {
         GetTBRRepositoriesFn give;
         std::string failure;
         std::vector<std::int32_t> back;
     } cases[] = {
         {GiveRepositories<INT32_MIN, records, -1>, unknown, {}},
-        {GiveRepositories<-1, records, INT32_MAX>, unknown, {}},
-        {GiveRepositories<1, nullptr, 2>, unknown, {}},
+        {GiveRepositories<1, nullptr, INT32_MAX>, unknown, {}},
         {GiveRepositories<0, nullptr, 2>, "Configuration library returned no repositories", {}},
         {GiveRepositories<0, records, -1>, impossible + "[-1]", {-1}},
         {GiveRepositories<0, records, INT32_MAX>, impossible + "[2147483647]", {INT32_MAX}},
@@ -201,14 +196,14 @@ TEST_F(LibCalls, WhatBreaksTheContractIsRefusedAndGivenBackOnce) {
     for (const auto& c : cases) {
         arrays_back.clear();
         library_.Replace("GetTBRRepositoriesDirect", c.give);
-        EXPECT_EQ(FailureOf(get_repositories, caller), c.failure);
+        EXPECT_EQ(FailureOf(GetTBRRepositories, caller), c.failure);
         EXPECT_EQ(arrays_back, c.back) << c.failure;
     }
     library_.Replace("GetConfig", GiveNoHost<1>);
-    EXPECT_EQ(FailureOf(get_config, caller), unknown);
+    EXPECT_EQ(FailureOf(GetConfig, caller), unknown);
     EXPECT_THAT(texts_back, ElementsAre());
     library_.Replace("GetConfig", GiveNoHost<0>);
-    EXPECT_EQ(FailureOf(get_config, caller), "Configuration library returned no text");
+    EXPECT_EQ(FailureOf(GetConfig, caller), "Configuration library returned no text");
     EXPECT_THAT(texts_back, testing::UnorderedElementsAre(L"u", L"d", L"p"));
 }
 

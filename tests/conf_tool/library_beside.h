@@ -40,13 +40,12 @@ public:
     // From here to its unloading a call of the loaded library's export jumps to the function.
     template <class Function>
     static void Replace(const char* name, Function function) {
-        const auto code = reinterpret_cast<unsigned char*>(
-            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"OrmaconLib.dll"), name)));
-        constexpr unsigned char load_and_jump[] = {0x48, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xe0};
+        void* const at = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"OrmaconLib.dll"), name));
+        unsigned char load_and_jump[] = {0x48, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xe0};
+        std::memcpy(load_and_jump + 2, &function, sizeof function);
         DWORD previous = 0;
-        VirtualProtect(code, sizeof load_and_jump, PAGE_EXECUTE_READWRITE, &previous);
-        std::memcpy(code, load_and_jump, sizeof load_and_jump);
-        std::memcpy(code + 2, &function, sizeof function);
+        VirtualProtect(at, sizeof load_and_jump, PAGE_EXECUTE_READWRITE, &previous);
+        std::memcpy(at, load_and_jump, sizeof load_and_jump);
     }
 
     static bool IsLoaded() { return GetModuleHandleW(L"OrmaconLib.dll") != nullptr; }

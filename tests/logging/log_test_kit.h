@@ -48,29 +48,16 @@ inline std::string read_gzip(const fs::path& path) {
     return content;
 }
 
-struct logged_t {
-    DWORD thread;
-    std::string text;
-};
-
-// What stands behind the time stamp in each line of a log or an archive; each has to end in CRLF.
-inline std::vector<logged_t> lines_in(const fs::path& path) {
-    std::vector<logged_t> lines;
+// What each line of a log or an archive says after time stamp and thread; each has to end in CRLF.
+inline std::vector<std::string> texts_in(const fs::path& path) {
+    std::vector<std::string> texts;
     std::istringstream stream(path.extension() == ".gz" ? read_gzip(path) : FileText(path));
     for (std::string line; std::getline(stream, line);) {
         const std::size_t begin = line.find("> ");
         const bool complete = !stream.eof() && line.ends_with('\r') && begin != std::string::npos;
         EXPECT_TRUE(complete) << path << ": " << line;
-        if (complete)
-            lines.push_back({std::strtoul(&line[line.find('<') + 1], nullptr, 10),
-                             line.substr(begin + 2, line.size() - begin - 3)});
+        if (complete) texts.push_back(line.substr(begin + 2, line.size() - begin - 3));
     }
-    return lines;
-}
-
-inline std::vector<std::string> texts_in(const fs::path& path) {
-    std::vector<std::string> texts;
-    for (logged_t& line : lines_in(path)) texts.push_back(std::move(line.text));
     return texts;
 }
 
