@@ -6,6 +6,7 @@
 #include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 
+#include "common/crash/crash_notice.h"
 #include "common/crash/dump_folder.h"
 #include "common/crash/handler_registry.h"
 #include "common/crash/legacy_dump_gen.h"
@@ -49,18 +50,20 @@ void run_logged_handlers() noexcept {
     if (run_handlers()) logging::ormacon_tool.info("Crash handlers were successfully executed.");
 }
 
-void write_dump(const failure_t& failure, const std::wstring& folder) noexcept {
+bool write_dump(const failure_t& failure, const std::wstring& folder) noexcept {
     for (const auto& create : generator_factories) {
-        if (attempt([&] { create()->generate(failure, folder + L"\\" + base_name); })) return;
+        if (attempt([&] { create()->generate(failure, folder + L"\\" + base_name); })) return true;
     }
+    return false;
 }
 
 void generate_dump(const failure_t& failure) {
     const std::wstring* const set = dump_folder;
-    const std::wstring folder = logging::system_path(set == nullptr ? L"Dumps" : *set);
+    const std::wstring shown = set == nullptr ? L"Dumps" : *set;
+    const std::wstring folder = logging::system_path(shown);
     attempt([&] { logging::create_directories(folder); });
     attempt([&] { cleanup_dumps(folder, most_dumps); });
-    write_dump(failure, folder);
+    tell_crash(failure.code, write_dump(failure, folder) ? shown : L"");
 }
 
 }  // namespace

@@ -17,22 +17,6 @@ namespace {
 
 constexpr unsigned most_identifiers = 10000;
 
-struct dump_t {
-    FILETIME written;
-    std::wstring name;
-
-    bool operator<(const dump_t& other) const {
-        const LONG order = CompareFileTime(&written, &other.written);
-        return order != 0 ? order < 0 : name < other.name;
-    }
-};
-
-bool is_dump(const WIN32_FIND_DATAW& entry) {
-    const std::wstring_view name = entry.cFileName;
-    return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
-           (name.ends_with(minidump_ending) || name.ends_with(legacy_report_ending));
-}
-
 // Calls take(entry) for each dump in the folder whose name fits the pattern.
 template <class Take>
 void for_each_dump(const std::wstring& folder, const std::wstring& pattern, const Take& take) {
@@ -44,12 +28,11 @@ void for_each_dump(const std::wstring& folder, const std::wstring& pattern, cons
     } while (FindNextFileW(search.get(), &entry));
 }
 
-std::vector<dump_t> dumps_oldest_first(const std::wstring& folder) {
-    std::vector<dump_t> dumps;
-    for_each_dump(folder, dump_pattern, [&](const WIN32_FIND_DATAW& entry) {
-        dumps.push_back({entry.ftLastWriteTime, entry.cFileName});
-    });
-    std::sort(dumps.begin(), dumps.end());
+std::vector<WIN32_FIND_DATAW> dumps_oldest_first(const std::wstring& folder) {
+    std::vector<WIN32_FIND_DATAW> dumps;
+    for_each_dump(folder, dump_pattern, [&](const WIN32_FIND_DATAW& entry) { dumps.push_back(entry); });
+    std::sort(dumps.begin(), dumps.end(),
+              [](const auto& first, const auto& second) { return compare_age(first, second) < 0; });
     return dumps;
 }
 
@@ -73,11 +56,11 @@ bool try_delete_dump(const std::wstring& path) try {
 }  // namespace
 
 void cleanup_dumps(const std::wstring& folder, std::size_t maximum_count) {
-    const std::vector<dump_t> dumps = dumps_oldest_first(folder);
+    const std::vector<WIN32_FIND_DATAW> dumps = dumps_oldest_first(folder);
     std::size_t count = dumps.size();
-    for (const dump_t& dump : dumps) {
+    for (const WIN32_FIND_DATAW& dump : dumps) {
         if (count < maximum_count) return;
-        if (try_delete_dump(folder + L"\\" + dump.name)) --count;
+        if (try_delete_dump(folder + L"\\" + dump.cFileName)) --count;
     }
     if (count < maximum_count) return;
     exc::raise(exc::format_message(

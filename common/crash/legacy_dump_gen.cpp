@@ -1,5 +1,6 @@
 #include "common/crash/legacy_dump_gen.h"
 
+#include <string>
 #include <string_view>
 
 #include "common/crash/dump_folder.h"
@@ -16,37 +17,48 @@
 namespace crash::win32 {
 namespace {
 
-[[noreturn]] void raise_for(DWORD code, const std::wstring& path, const char* sentence) {
-    exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(path)));
-}
-
-void write_file(const std::wstring& path, std::string_view content) {
-    platform::unique_file file(
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) raise_for(GetLastError(), path, "Cannot create a legacy dump file. File path: [%1].");
-    DWORD written = 0;
-    if (WriteFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr) &&
-        written == content.size()) {
-        return;
+// Each line is in the file before the next one is made: making it may crash, and then the file stays as it is.
+class report_t {
+public:
+    explicit report_t(const std::wstring& path)
+        : path_(path),
+          file_(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr)) {
+        if (!file_) raise("Cannot create a legacy dump file. File path: [%1].");
     }
-    const DWORD code = GetLastError();
-    file.reset();
-    DeleteFileW(path.c_str());
-    raise_for(code, path, "Cannot write a legacy dump file. File path: [%1].");
-}
+    ~report_t() {
+        file_.reset();
+        if (!complete_) DeleteFileW(path_.c_str());
+    }
+    report_t(const report_t&) = delete;
+    report_t& operator=(const report_t&) = delete;
 
-std::string report(const failure_t& failure) {
+    void add_line(std::string_view text) {
+        const std::string line = std::string(text) + "\r\n";
+        DWORD written = 0;
+        if (WriteFile(file_.get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr)) return;
+        raise("Cannot write a legacy dump file. File path: [%1].");
+    }
+
+    void keep() { complete_ = true; }
+
+private:
+    [[noreturn]] void raise(const char* sentence) const {
+        const DWORD code = GetLastError();
+        exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(path_)));
+    }
+
+    std::wstring path_;
+    platform::unique_file file_;
+    bool complete_ = false;
+};
+
+void write(report_t& report, const CONTEXT& thread) {
     const symbols_t symbols;
-    std::string content;
-    const auto add_line = [&content](std::string_view line) { content.append(line).append("\r\n"); };
-    add_line(logging::report_separator);
-    add_line("Loaded modules:");
-    for (const module_t& module : loaded_modules()) add_line(describe(module, symbols));
-    add_line("Stack frames:");
-    for (const std::uint64_t address : walk_stack(*failure.pointers->ContextRecord)) {
-        add_line(symbols.describe_address(address));
-    }
-    return content;
+    report.add_line(logging::report_separator);
+    report.add_line("Loaded modules:");
+    for (const module_t& module : loaded_modules()) report.add_line(describe(module, symbols));
+    report.add_line("Stack frames:");
+    walk_stack(thread, [&](std::uint64_t address) { report.add_line(symbols.describe_address(address)); });
 }
 
 }  // namespace
@@ -55,7 +67,9 @@ void legacy_dump_gen_t::generate(const failure_t& failure, const std::wstring& p
     const std::wstring file_path = reserve_dump_identifier(path) + legacy_report_ending;
     logging::ormacon_tool.info(
         exc::format_message("Writing legacy dump. Dump path: %1.", text::wide_to_utf8(file_path)));
-    write_file(file_path, report(failure));
+    report_t report(file_path);
+    write(report, *failure.pointers->ContextRecord);
+    report.keep();
 }
 
 }  // namespace crash::win32

@@ -4,6 +4,7 @@
 #include "common/crash/recorder_exit_text.h"
 #include "common/crash/recorder_file.h"
 #include "common/crash/recorder_process.h"
+#include "common/crash/watchdog.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
@@ -42,8 +43,9 @@ COutOfProcDumpGen::COutOfProcDumpGen(unsigned most_dumps)
 std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::wstring& path) const {
     const std::wstring folder = platform::parent_of(path);
     return decimal(reinterpret_cast<std::uintptr_t>(process_.get())) + decimal(GetCurrentProcessId()) +
-           decimal(failure.thread_id) + decimal(reinterpret_cast<std::uintptr_t>(failure.pointers)) + quoted(folder) +
-           quoted(path.substr(folder.size() + 1)) + std::to_wstring(most_dumps_);
+           decimal(failure.thread_id) + decimal(reinterpret_cast<std::uintptr_t>(failure.pointers)) +
+           decimal(watching_thread()) + quoted(folder) + quoted(path.substr(folder.size() + 1)) +
+           std::to_wstring(most_dumps_);
 }
 
 void COutOfProcDumpGen::generate(const failure_t& failure, const std::wstring& path) {

@@ -11,9 +11,6 @@
 namespace crash {
 namespace {
 
-// A dump on a slow disk is worth any wait.
-constexpr DWORD longest_wait = 1'814'400'000;  // milliseconds: 21 days
-
 // A list with one attribute: the handle that a child process may inherit.
 class inherited_handle_t {
 public:
@@ -62,8 +59,8 @@ platform::unique_handle start_recorder(const std::wstring& file, const std::wstr
     return platform::unique_handle(process.hProcess);
 }
 
-std::uint32_t wait_for_recorder(const platform::unique_handle& process) {
-    const watchdog_pause_t pause;
+std::uint32_t wait_for_recorder(const platform::unique_handle& process, std::uint32_t longest_wait) {
+    const watchdog_pause_t pause(process.get(), longest_wait);
     const DWORD outcome = WaitForSingleObject(process.get(), longest_wait);
     if (outcome == WAIT_TIMEOUT) {
         TerminateProcess(process.get(), 1);

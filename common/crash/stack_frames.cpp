@@ -49,16 +49,14 @@ void check_architecture(WORD architecture) {
     exc::raise(exc::format_message("Unexpected processor architecture: '%1'.", std::to_string(architecture)));
 }
 
-std::vector<std::uint64_t> walk_stack(const CONTEXT& thread) {
+void walk_stack(const CONTEXT& thread, const std::function<void(std::uint64_t)>& visit) {
     check_architecture(current_architecture());
-    std::vector<std::uint64_t> frames{thread.Rip};
     CONTEXT context = thread;
-    while (frames.size() < most_frames) {
+    for (std::size_t frame = 0; frame < most_frames; ++frame) {
+        visit(context.Rip);
         const DWORD64 stack_pointer = context.Rsp;
-        if (!leave_function(context) || context.Rip == 0 || context.Rsp <= stack_pointer) break;
-        frames.push_back(context.Rip);
+        if (!leave_function(context) || context.Rip == 0 || context.Rsp <= stack_pointer) return;
     }
-    return frames;
 }
 
 }  // namespace crash

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
+#include <functional>
 
 #include "common/win32.h"
 
@@ -11,8 +11,9 @@ namespace crash {
 // architecture) whose stacks walk_stack() cannot walk.
 void check_architecture(WORD architecture);
 
-// The instruction addresses of the frames of a thread of this process that stands still, the innermost first; at most
-// 256. A damaged stack ends the walk. Raises what check_architecture() raises.
-std::vector<std::uint64_t> walk_stack(const CONTEXT& thread);
+// Calls visit(address of the instruction) for each frame of a thread of this process that stands still, the innermost
+// first; at most 256. A damaged stack ends the walk. A damaged frame register may crash it: the system's unwinder
+// trusts it. So each frame is visited before the next one is looked for. Raises what check_architecture() raises.
+void walk_stack(const CONTEXT& thread, const std::function<void(std::uint64_t)>& visit);
 
 }  // namespace crash

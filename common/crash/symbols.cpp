@@ -3,25 +3,19 @@
 #include <array>
 #include <cstdio>
 
+#include "common/crash/symbol_path.h"
 #include "common/crash/system_library.h"
 #include "common/text/convert.h"
 
 namespace crash {
 namespace {
 
-constexpr const wchar_t* search_path = L"%_NT_SYMBOL_PATH%;%_NT_ALT_SYMBOL_PATH%;%SystemRoot%\\Symbols";
 constexpr std::size_t longest_name = 512;
 
 struct named_symbol_t {
     SYMBOL_INFOW info;
     wchar_t rest_of_name[longest_name];
 };
-
-std::wstring expanded_search_path() {
-    std::wstring path(ExpandEnvironmentStringsW(search_path, nullptr, 0), L'\0');
-    ExpandEnvironmentStringsW(search_path, path.data(), static_cast<DWORD>(path.size()));
-    return path;
-}
 
 template <class... Arguments>
 std::string print(const char* format, Arguments... arguments) {
@@ -54,7 +48,7 @@ symbols_t::symbols_t() : library_(load_system_library(L"dbghelp.dll")) {
     from_address_ = find_function<decltype(&SymFromAddrW)>(library_, "SymFromAddrW");
     if (!set_options || !initialise || !get_module_info_ || !from_address_) return;
     set_options(SYMOPT_UNDNAME | SYMOPT_FAIL_CRITICAL_ERRORS | SYMOPT_NO_PROMPTS);
-    initialised_ = initialise(GetCurrentProcess(), expanded_search_path().c_str(), TRUE);
+    initialised_ = initialise(GetCurrentProcess(), symbol_search_path().c_str(), TRUE);
 }
 
 symbols_t::~symbols_t() {

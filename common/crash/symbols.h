@@ -13,8 +13,7 @@ namespace crash {
 // One at a time in a process: the library keeps one state for it.
 class symbols_t {
 public:
-    // Looks for symbol files along "%_NT_SYMBOL_PATH%;%_NT_ALT_SYMBOL_PATH%;%SystemRoot%\Symbols" too. Never raises;
-    // without the library no symbols are found.
+    // Looks for symbol files along symbol_search_path() too. Never raises; without the library no symbols are found.
     symbols_t();
     ~symbols_t();
     symbols_t(const symbols_t&) = delete;

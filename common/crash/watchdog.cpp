@@ -1,8 +1,7 @@
 #include "common/crash/watchdog.h"
 
+#include <algorithm>
 #include <atomic>
-
-#include "common/win32.h"
 
 namespace crash {
 namespace {
@@ -13,11 +12,26 @@ constexpr SIZE_T stack_size = 16'384;
 // Never closed: a crash may come at any time until the process is gone.
 HANDLE started = nullptr;
 HANDLE main_thread = nullptr;
+DWORD thread_id = 0;
+LONG(NTAPI* resume_process)(HANDLE process) = nullptr;
 std::atomic<std::uint32_t> status{0};
-std::atomic<ULONGLONG> begin{0};
-std::atomic<bool> paused{false};
+std::atomic<ULONGLONG> end{0};
+std::atomic<HANDLE> awaited{nullptr};
 
-bool in_time() { return paused || GetTickCount64() - begin < limit; }
+bool in_time() { return GetTickCount64() < end; }
+
+void grant(ULONGLONG milliseconds) { end = GetTickCount64() + milliseconds; }
+
+bool is_waited_for_in_vain() {
+    const HANDLE process = awaited;
+    return process != nullptr && WaitForSingleObject(process, 0) != WAIT_TIMEOUT;
+}
+
+// Once for each time that a thread was suspended: this is called until the waiting thread goes on.
+void resume() {
+    if (resume_process != nullptr) resume_process(GetCurrentProcess());
+    end = std::min<ULONGLONG>(end, GetTickCount64() + limit);
+}
 
 void end_with_main_thread() {
     DWORD code = 0;
@@ -29,7 +43,10 @@ void end_with_main_thread() {
 DWORD WINAPI watch(void*) {
     const HANDLE events[] = {started, main_thread};
     if (WaitForMultipleObjects(2, events, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) end_with_main_thread();
-    while (in_time()) Sleep(500);
+    while (in_time()) {
+        if (is_waited_for_in_vain()) resume();
+        Sleep(500);
+    }
     TerminateProcess(GetCurrentProcess(), status);
     return 0;
 }
@@ -38,25 +55,32 @@ DWORD WINAPI watch(void*) {
 
 void prepare_watchdog() noexcept {
     started = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    resume_process = reinterpret_cast<decltype(resume_process)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtResumeProcess")));
     const HANDLE process = GetCurrentProcess();
     if (started == nullptr ||
         !DuplicateHandle(process, GetCurrentThread(), process, &main_thread, 0, FALSE, DUPLICATE_SAME_ACCESS)) {
         return;
     }
-    if (const HANDLE thread = CreateThread(nullptr, stack_size, &watch, nullptr, 0, nullptr)) CloseHandle(thread);
+    if (const HANDLE thread = CreateThread(nullptr, stack_size, &watch, nullptr, 0, &thread_id)) CloseHandle(thread);
 }
 
 void start_watchdog(std::uint32_t exit_status) noexcept {
     status = exit_status;
-    begin = GetTickCount64();
+    grant(limit);
     SetEvent(started);
 }
 
-watchdog_pause_t::watchdog_pause_t() noexcept { paused = true; }
+std::uint32_t watching_thread() noexcept { return thread_id; }
+
+watchdog_pause_t::watchdog_pause_t(HANDLE process, std::uint32_t longest_wait) noexcept {
+    grant(ULONGLONG{longest_wait} + limit);
+    awaited = process;
+}
 
 watchdog_pause_t::~watchdog_pause_t() {
-    begin = GetTickCount64();
-    paused = false;
+    awaited = nullptr;
+    grant(limit);
 }
 
 }  // namespace crash

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "common/win32.h"
+
 namespace crash {
 
 // Creates the watching thread. It ends the process with the exit code of the calling thread (1 instead of 0) should
@@ -13,11 +15,15 @@ void prepare_watchdog() noexcept;
 // From here on the process has a minute to end by itself, then it is ended with the exit status.
 void start_watchdog(std::uint32_t exit_status) noexcept;
 
-// While it lives the time stands still; afterwards there is a whole minute again. For the one thread that handles the
-// crash.
+// The watching thread's id; 0 without one. Whoever writes a dump of this process must let it run.
+std::uint32_t watching_thread() noexcept;
+
+// For the one thread that handles the crash, while it waits for another process that writes the dump. So long there
+// are that many milliseconds more than the minute; when that process has ended, a whole minute again. Threads of this
+// process that it left suspended, being killed, are resumed.
 class watchdog_pause_t {
 public:
-    watchdog_pause_t() noexcept;
+    watchdog_pause_t(HANDLE awaited, std::uint32_t longest_wait) noexcept;
     ~watchdog_pause_t();
     watchdog_pause_t(const watchdog_pause_t&) = delete;
     watchdog_pause_t& operator=(const watchdog_pause_t&) = delete;

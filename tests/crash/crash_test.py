@@ -1,4 +1,5 @@
-"""Lets the crash program die in every way and looks at what it leaves: dump, log, exit status, backtrace."""
+"""Lets the crash program die in every way and looks at what it leaves: dump, log, notice, exit status, backtrace."""
+import collections
 import concurrent.futures
 import pathlib
 import re
@@ -10,40 +11,57 @@ import time
 ROOT, PROGRAM, WORK = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
 SYSTEM_MODULES = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows"
 PASSWORD = "Zq7#tiger"
-RECORDER = "TovakDumpRecorder"
+FRAME_IN_REPORT = rb"\r\nStack frames:\r\n0x[0-9a-f]+ crash_program\.exe \+ "
 
 BEGIN = ["Trying to generate crash dump", "Executing crash handlers.", "Crash handlers were successfully executed."]
-OUT_OF_PROCESS = BEGIN + [r"Generating dump to .*\\logs\\Dumps$"]
-IN_PROCESS = BEGIN + [r"Failed to create dump recorder file: .*\\Dumps\\TovakDumpRecorder$",
-                      r"Writing dump\. Dump path: .*\\Ormacon_crash_\d+_1\.mdmp\.$"]
-LEGACY = BEGIN + ["Generating dump to ", "Dump generator process failed with 1: unspecified failure$",
-                  r"Cannot load dbghelp\.dll library\.$",
-                  r"Writing legacy dump\. Dump path: .*\\Ormacon_crash_\d+_1-exceptions\.log\.$"]
+RECORDED = BEGIN + [r"Generating dump to .*\\logs\\Dumps$"]
+REFUSED = BEGIN + [r"Failed to create dump recorder file: .*\\Dumps\\TovakDumpRecorder$"]
+IN_PROCESS = [r"Writing dump\. Dump path: .*\\Ormacon_crash_\d+_1\.mdmp\.$"]
+KILLED = RECORDED + ["Dump generator process failed with 9: unexpected exit code$"]
+LEGACY = RECORDED + ["Dump generator process failed with 1: unspecified failure$",
+                     r"Cannot load dbghelp\.dll library\.$",
+                     r"Writing legacy dump\. Dump path: .*\\Ormacon_crash_\d+_1-exceptions\.log\.$"]
+NO_WAY = REFUSED + [r"Cannot create a blank minidump file\.", r"Cannot create a legacy dump file\."]
 
+REPORT, NO_DUMP = "-exceptions.log", ""
+TOLD, NO_DUMP_TOLD, NOTHING_TOLD = "The crash dump is in {}.\n", "No crash dump could be written.\n", None
 ACCESS_VIOLATION, TERMINATE, ABORT = 0xC0000005, 0xE0000001, 0x40000015
-# way to die: exit status, log lines in order, a function of the backtrace
-WAYS = {
-    "access_violation": (ACCESS_VIOLATION, OUT_OF_PROCESS, "access_violation"),
-    "stack_overflow": (0xC00000FD, OUT_OF_PROCESS, "recurse<64>"),
-    "uncaught_int": (TERMINATE, OUT_OF_PROCESS, "uncaught_int"),
-    "throwing_destructor": (TERMINATE, OUT_OF_PROCESS, "~throwing_t"),
-    "pure_virtual_call": (TERMINATE, OUT_OF_PROCESS, "base_t::call"),
-    "call_abort": (ABORT, OUT_OF_PROCESS, "call_abort"),
-    "heap_corruption": (0xC0000374, OUT_OF_PROCESS, "heap_corruption"),
-    "invalid_parameter": (0xC0000417, OUT_OF_PROCESS, "invalid_parameter"),
-    "library_fault": (ACCESS_VIOLATION, OUT_OF_PROCESS, "SetHostDirect"),
-    "second_thread": (ACCESS_VIOLATION, OUT_OF_PROCESS, "write_through_null"),
-    "log_lock_held": (ACCESS_VIOLATION, OUT_OF_PROCESS, "faulting_sink_t::write_line"),
-    "heap_lock_held": (ACCESS_VIOLATION, OUT_OF_PROCESS, "heap_lock_held"),
-    "crash_while_exiting": (ACCESS_VIOLATION, OUT_OF_PROCESS, "write_through_null"),
-    "password_in_use": (ACCESS_VIOLATION, OUT_OF_PROCESS, "password_in_use"),
-}
+
+# function: what the backtrace shows; obstacle: what stands in the log folder, a folder or else a file
+Case = collections.namedtuple("Case", "way status function lines dump notice obstacle overrides",
+                              defaults=(RECORDED, ".mdmp", TOLD, "", ""))
+CASES = [
+    Case("access_violation", ACCESS_VIOLATION, "access_violation"),
+    Case("stack_overflow", 0xC00000FD, "recurse<64>"),
+    # Wine ends the thread without a word where Windows still tells.
+    Case("stack_overflow_unreported", 1, None, [], NO_DUMP, NOTHING_TOLD),
+    Case("uncaught_int", TERMINATE, "uncaught_int"),
+    Case("throwing_destructor", TERMINATE, "~throwing_t"),
+    Case("pure_virtual_call", TERMINATE, "base_t::call"),
+    Case("call_abort", ABORT, "call_abort"),
+    Case("heap_corruption", 0xC0000374, "heap_corruption"),
+    Case("invalid_parameter", 0xC0000417, "invalid_parameter"),
+    Case("library_fault", ACCESS_VIOLATION, "SetHostDirect"),
+    Case("second_thread", ACCESS_VIOLATION, "write_through_null"),
+    Case("log_lock_held", ACCESS_VIOLATION, "faulting_sink_t::write_line"),
+    Case("heap_lock_held", ACCESS_VIOLATION, "heap_lock_held"),
+    Case("crash_while_exiting", ACCESS_VIOLATION, "write_through_null"),
+    Case("crashing_handler", ABORT, None, BEGIN[:2], NO_DUMP, NOTHING_TOLD),
+    Case("password_in_use", ACCESS_VIOLATION, "password_in_use"),
+    Case("password_and_abort", ABORT, "password_and_abort"),
+    Case("recorder_killed", ACCESS_VIOLATION, "recorder_killed", KILLED + IN_PROCESS),
+    Case("password_in_use", ACCESS_VIOLATION, "password_in_use", REFUSED + IN_PROCESS,
+         obstacle="Dumps/TovakDumpRecorder/"),
+    Case("password_in_use", ACCESS_VIOLATION, None, LEGACY, REPORT, overrides="dbghelp="),
+    Case("damaged_frame", ABORT, None, LEGACY, REPORT, NOTHING_TOLD, overrides="dbghelp="),
+    Case("call_abort", ABORT, None, NO_WAY, NO_DUMP, NO_DUMP_TOLD, "Dumps"),
+]
 failures = []
 
 
 def check(name, condition, what):
     if not condition:
-        failures.append(f"{name}: {what}")
+        failures.append(name)
         print(f"FAILED {name}: {what}")
 
 
@@ -52,95 +70,69 @@ def windows_path(path):
 
 
 class Crash:
-    def __init__(self, way, name=None, overrides="", prepare=None):
-        self.name = name or way
-        self.folder = WORK / self.name
-        if prepare != "again":
-            shutil.rmtree(self.folder, ignore_errors=True)
-        self.dumps = self.folder / "logs" / "Dumps"
-        self.dumps.mkdir(parents=True, exist_ok=True)
-        if prepare == "refuse recorder":
-            (self.dumps / RECORDER).mkdir()
-        command = f'. "{ROOT}/scripts/common.sh"; export WINEDLLOVERRIDES="$WINEDLLOVERRIDES;{overrides}"; exec wine64 "$@"'
+    def __init__(self, case, name):
+        self.case, self.name, self.folder = case, name, WORK / name
+        self.dumps = self.folder / "logs/Dumps"
+        # The status that a Unix program gets has 8 bits; the command interpreter prints all 32.
+        line = f"{windows_path(PROGRAM)} {case.way} {windows_path(self.folder)} & echo !errorlevel!"
+        command = f'. "{ROOT}/scripts/common.sh"; WINEDLLOVERRIDES+=";{case.overrides}" exec wine64 cmd /v:on /c "$1"'
         begin = time.monotonic()
-        run = subprocess.run(["bash", "-c", command, "bash", str(PROGRAM), way, windows_path(self.folder)],
-                             input=PASSWORD + "\n", capture_output=True, text=True, timeout=200)
+        run = subprocess.run(["bash", "-c", command, "bash", line], input=PASSWORD + "\n", capture_output=True,
+                             text=True, timeout=200)
         self.seconds = time.monotonic() - begin
-        self.status = run.returncode
-        self.files = sorted(path for path in self.dumps.iterdir() if path.is_file())
+        self.status = int(run.stdout.split()[-1]) & 0xFFFFFFFF
+        self.told = run.stderr.removeprefix("pure virtual method called\n")  # which the C++ runtime tells
+        self.files = [path for path in self.dumps.glob("*") if path.is_file()]
 
-    def check(self, status, lines, ending=".mdmp"):
-        check(self.name, self.status == status & 0xFF, f"status {self.status} instead of {status & 0xFF}")
-        check(self.name, len(self.files) == 1 and self.files[0].name.endswith(ending), f"files {self.files}")
-        check(self.name, all(file.stat().st_size > 500 for file in self.files), "an empty dump")
-        self.check_log(lines)
-        self.check_no_password()
-
-    def check_log(self, lines):
-        log = (self.folder / "logs" / "Ormacon.log").read_text(encoding="utf-8").splitlines()
-        position = 0
-        for line in lines:
-            found = [i for i in range(position, len(log)) if re.search(line, log[i])]
-            check(self.name, found, f"no line {line!r} behind line {position} of\n" + "\n".join(log))
-            position = found[0] + 1 if found else position
-        for line in log[position:] if lines is OUT_OF_PROCESS else []:
-            check(self.name, False, f"line behind the end: {line}")
-
-    def check_no_password(self):
+    def check(self):
+        case = self.case
+        check(self.name, self.status == case.status, f"status {self.status:08X} instead of {case.status:08X}")
+        endings = [re.sub(r"^Ormacon_crash(_\d+)+", "", file.name) for file in self.files]
+        check(self.name, endings == [case.dump] * (case.dump != NO_DUMP), f"files {self.files}")
+        check(self.name, case.dump != NO_DUMP or self.seconds < 30, f"took {self.seconds} s")
+        notice = f"The program has crashed with 0x{case.status:08X}. {case.notice}" if case.notice else ""
+        check(self.name, self.told == notice.format(windows_path(self.dumps)), f"told {self.told!r}")
+        position = self.check_log(case.lines)
+        check(self.name, position == 0 or case.lines is not RECORDED, f"{position} lines behind the end")
         for path in (path for path in self.folder.rglob("*") if path.is_file()):
             content = path.read_bytes()
             for encoding in "utf-8", "utf-16-le":
                 check(self.name, PASSWORD.encode(encoding) not in content, f"password as {encoding} in {path.name}")
+            check(self.name, REPORT not in path.name or re.search(FRAME_IN_REPORT, content), f"no frame in {content}")
 
-    def check_backtrace(self, function):
-        modules = f"settings set target.exec-search-paths {PROGRAM.parent} {SYSTEM_MODULES}"
-        debugger = ["lldb-14", "--batch", "-o", modules, "-o", f"target create --core {self.files[0]}", "-o", "bt 40"]
-        output = subprocess.run(debugger, capture_output=True, text=True, timeout=100).stdout
-        frame = rf"frame #\d+:.*[`: ]{re.escape(function)}(\(| \+ |$)"
-        check(self.name, re.search(frame, output, re.MULTILINE), f"{function} is not in the backtrace:\n{output}")
-
-
-def check_way(way):
-    status, lines, function = WAYS[way]
-    crash = Crash(way)
-    crash.check(status, lines)
-    if crash.files:
-        crash.check_backtrace(function)
+    def check_log(self, expected):
+        """The number of lines behind the expected ones."""
+        lines = (self.folder / "logs/Ormacon.log").read_text(encoding="utf-8").splitlines()
+        rest = iter(lines)
+        for line in expected:
+            check(self.name, any(re.search(line, found) for found in rest), f"{line!r} is not in its place in {lines}")
+        return len(list(rest))
 
 
-def check_ways():
-    with concurrent.futures.ThreadPoolExecutor(2) as executor:
-        list(executor.map(check_way, WAYS))
+def prepare(name, obstacle=""):
+    shutil.rmtree(WORK / name, ignore_errors=True)
+    (WORK / name / "logs").mkdir(parents=True)
+    if obstacle.endswith("/"):
+        (WORK / name / "logs" / obstacle).mkdir(parents=True)
+    elif obstacle:
+        (WORK / name / "logs" / obstacle).touch()
 
 
-def check_unreported():
-    """Wine ends the thread without a word where Windows still tells; either way the process must end, and badly."""
-    crash = Crash("stack_overflow_unreported")
-    check(crash.name, crash.status in (1, 0xFD), f"status {crash.status}")
-    check(crash.name, crash.seconds < 30, f"took {crash.seconds} s")
-
-
-def check_fallbacks():
-    in_process = Crash("password_in_use", "recorder_refused", prepare="refuse recorder")
-    in_process.check(ACCESS_VIOLATION, IN_PROCESS)
-    if in_process.files:
-        in_process.check_backtrace("password_in_use")
-    legacy = Crash("password_in_use", "no_debug_help", overrides="dbghelp=")
-    legacy.check(ACCESS_VIOLATION, LEGACY, "-exceptions.log")
-
-
-def check_crash_of_the_handling():
-    crash = Crash("crashing_handler")
-    check(crash.name, crash.status == ABORT & 0xFF, f"status {crash.status}")
-    check(crash.name, crash.files == [], f"files {crash.files}")
-    check(crash.name, crash.seconds < 20, f"took {crash.seconds} s")
+def check_case(number):
+    case = CASES[number]
+    name = f"{number}-{case.way}"
+    prepare(name, case.obstacle)
+    crash = Crash(case, name)
+    crash.check()
+    return crash
 
 
 def check_many_crashes():
+    prepare("many_crashes")
     seen = []
     for i in range(25):
         # Reports and minidumps count alike; the reports are quicker.
-        crash = Crash("call_abort", "many_crashes", "" if i % 12 == 0 else "dbghelp=", "again" if seen else None)
+        crash = Crash(Case("call_abort", ABORT, None, overrides="" if i == 12 else "dbghelp="), "many_crashes")
         # A process id comes again, and with it the name of a dump that is gone.
         dumps = [(file.name, file.stat().st_mtime_ns) for file in crash.files]
         seen += [dump for dump in dumps if dump not in seen]
@@ -149,12 +141,24 @@ def check_many_crashes():
     crash.check_log([r"Dump \[.*\\Ormacon_crash_.*\] deleted\."] * 15)
 
 
+def check_backtraces(crashes):
+    commands = [f"settings set target.exec-search-paths {PROGRAM.parent} {SYSTEM_MODULES}"]
+    for crash in crashes:
+        commands += [f"target create --core {crash.files[0]}", "bt 40"]
+    debugger = ["lldb-14", "--batch"] + [part for command in commands for part in ("-o", command)]
+    output = subprocess.run(debugger, capture_output=True, text=True, timeout=300).stdout
+    for crash in crashes:
+        backtrace = output.partition(f"target create --core {crash.files[0]}\n")[2].partition("(lldb) target")[0]
+        frame = rf"frame #\d+:.*[`: ]{re.escape(crash.case.function)}(\(| \+ |$)"
+        check(crash.name, re.search(frame, backtrace, re.MULTILINE), f"no {crash.case.function} in {backtrace}")
+
+
 if shutil.which("lldb-14") is None:
     sys.exit("lldb-14 is missing")
-check_ways()
-check_unreported()
-check_fallbacks()
-check_crash_of_the_handling()
-check_many_crashes()
+with concurrent.futures.ThreadPoolExecutor(3) as executor:
+    many_crashes = executor.submit(check_many_crashes)
+    crashes = list(executor.map(check_case, range(len(CASES))))
+    many_crashes.result()
+check_backtraces([crash for crash in crashes if crash.case.function and crash.files])
 print(f"{len(failures)} failures")
 sys.exit(1 if failures else 0)

@@ -6,8 +6,9 @@
 #include <string>
 
 #include <boost/filesystem.hpp>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include "common/exc/exceptions.h"
 #include "common/platform/owned.h"
 
 class DumpFolder : public testing::Test {
@@ -23,9 +24,9 @@ protected:
     }
 
     // As another program holds a file that it reads.
-    platform::unique_file hold(const std::wstring& name) const {
-        return platform::unique_file(CreateFileW((folder / name).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    platform::unique_file hold(const std::wstring& name, DWORD also_shared = 0) const {
+        return platform::unique_file(CreateFileW((folder / name).c_str(), GENERIC_READ, FILE_SHARE_READ | also_shared,
+                                                 nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     }
 
     std::set<std::wstring> names() const {
@@ -38,3 +39,13 @@ protected:
 
     boost::filesystem::path folder;
 };
+
+template <class Action>
+std::string message_of(const Action& action) {
+    try {
+        action();
+    } catch (const exc::exc_base_t& failure) {
+        return failure.what();
+    }
+    return "nothing was raised";
+}

@@ -1,5 +1,6 @@
 // The recorder's command line: name, process handle, process id, thread id, address of the EXCEPTION_POINTERS in that
-// process (0: none), dump folder, base name, most dumps. Numbers are decimal, texts stand in quotes.
+// process (0: none), id of the thread to be left alone (0: none), dump folder, base name, most dumps. Numbers are
+// decimal, texts stand in quotes.
 #pragma once
 
 #include "common/crash/recorder/exit_codes.h"
@@ -12,6 +13,7 @@ struct arguments_t {
     DWORD process_id;
     DWORD thread_id;
     ULONG64 exception_pointers;
+    DWORD watching_thread;
     wchar_t* folder;
     wchar_t* base_name;
     unsigned most_dumps;  // in the folder, the new one included

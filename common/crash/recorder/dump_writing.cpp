@@ -1,8 +1,7 @@
 #include "common/crash/recorder/dump_writing.h"
 
-#include "common/crash/recorder/dump_type.h"
 #include "common/crash/recorder/folder.h"
-#include "common/crash/recorder/value_filter.h"
+#include "common/crash/recorder/minidump_file.h"
 #include "common/win32.h"
 
 namespace recorder {
@@ -26,14 +25,14 @@ crash::mini_dump_write_dump_t find_writer() {
         reinterpret_cast<void*>(GetProcAddress(library, "MiniDumpWriteDump")));
 }
 
-bool write_content(crash::mini_dump_write_dump_t writer, HANDLE file, const arguments_t& arguments) {
+bool write(crash::mini_dump_write_dump_t writer, HANDLE file, const arguments_t& arguments) {
     MINIDUMP_EXCEPTION_INFORMATION exception;
     exception.ThreadId = arguments.thread_id;
     exception.ExceptionPointers = reinterpret_cast<EXCEPTION_POINTERS*>(arguments.exception_pointers);
     exception.ClientPointers = TRUE;
-    return writer(arguments.process, arguments.process_id, file, crash::dump_type,
-                  arguments.exception_pointers == 0 ? nullptr : &exception, nullptr, nullptr) &&
-           crash::filter_values(file);
+    return crash::write_minidump(writer, file,
+                                 {arguments.process, arguments.process_id,
+                                  arguments.exception_pointers == 0 ? nullptr : &exception, arguments.watching_thread});
 }
 
 }  // namespace
@@ -42,14 +41,11 @@ crash::recorder_exit_t write_dump(const ntdll_t& functions, const arguments_t& a
     if (!form_path(functions, arguments)) return crash::recorder_bad_dump_name;
     const crash::mini_dump_write_dump_t writer = find_writer();
     if (writer == nullptr) return crash::recorder_unspecified_failure;
-    const HANDLE file =
-        CreateFileW(path, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file = crash::create_minidump(path);
     if (file == INVALID_HANDLE_VALUE) return crash::recorder_no_dump_file;
-    const bool written = write_content(writer, file, arguments);
+    const bool written = write(writer, file, arguments);
     CloseHandle(file);
-    if (written) return crash::recorder_success;
-    DeleteFileW(path);
-    return crash::recorder_no_dump_content;
+    return written ? crash::recorder_success : crash::recorder_no_dump_content;
 }
 
 }  // namespace recorder

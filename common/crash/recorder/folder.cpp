@@ -6,16 +6,19 @@
 namespace recorder {
 namespace {
 
-struct dump_t {
-    FILETIME written;
-    wchar_t name[MAX_PATH];
-};
-
-// Without a runtime there is no support for large frames; one thread uses these.
+// Without a runtime there is no support for large frames; one thread uses these. What is kept changes places with the
+// entry in hand: copying would need the runtime, too.
 wchar_t path_buffer[longest_path];
-WIN32_FIND_DATAW entry;
-dump_t oldest;
-dump_t last_tried;
+WIN32_FIND_DATAW buffers[3];
+WIN32_FIND_DATAW* entry = &buffers[0];
+WIN32_FIND_DATAW* oldest = &buffers[1];
+WIN32_FIND_DATAW* last_tried = &buffers[2];  // empty and so older than all before the first one
+
+void swap(WIN32_FIND_DATAW*& first, WIN32_FIND_DATAW*& second) {
+    WIN32_FIND_DATAW* const kept = first;
+    first = second;
+    second = kept;
+}
 
 bool is_folder(const wchar_t* path) {
     const DWORD attributes = GetFileAttributesW(path);
@@ -40,49 +43,33 @@ bool create_parent(wchar_t* folder) {
     return created;
 }
 
-bool ends_with(const wchar_t* name, const wchar_t* ending) {
-    const int length = lstrlenW(name);
-    const int ending_length = lstrlenW(ending);
-    return length >= ending_length && lstrcmpiW(name + length - ending_length, ending) == 0;
+bool form_path(const ntdll_t& functions, const wchar_t* folder, const wchar_t* name) {
+    return print(functions, path_buffer, longest_path, L"%ls\\%ls", folder, name);
 }
 
-bool is_dump() {
-    return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
-           (ends_with(entry.cFileName, crash::minidump_ending) ||
-            ends_with(entry.cFileName, crash::legacy_report_ending));
-}
-
-// Below 0 when the entry was written before the dump; the names decide between equal times.
-int compare_entry(const dump_t& dump) {
-    const LONG order = CompareFileTime(&entry.ftLastWriteTime, &dump.written);
-    return order != 0 ? static_cast<int>(order) : lstrcmpW(entry.cFileName, dump.name);
-}
-
-struct survey_t {
-    unsigned count;
-    bool has_oldest;
-};
-
-// Counts the dumps and finds the oldest of those that have not been tried yet.
-survey_t survey(const wchar_t* pattern) {
-    survey_t result = {0, false};
-    const HANDLE search = FindFirstFileW(pattern, &entry);
-    if (search == INVALID_HANDLE_VALUE) return result;
+// Calls take() for each dump, which is the entry in hand. False for a folder that is too long.
+template <class Take>
+bool for_each_dump(const ntdll_t& functions, const wchar_t* folder, const Take& take) {
+    if (!form_path(functions, folder, crash::dump_pattern)) return false;
+    const HANDLE search = FindFirstFileW(path_buffer, entry);
+    if (search == INVALID_HANDLE_VALUE) return true;
     do {
-        if (!is_dump()) continue;
-        ++result.count;
-        if (compare_entry(last_tried) <= 0 || (result.has_oldest && compare_entry(oldest) > 0)) continue;
-        oldest.written = entry.ftLastWriteTime;
-        lstrcpynW(oldest.name, entry.cFileName, MAX_PATH);
-        result.has_oldest = true;
-    } while (FindNextFileW(search, &entry));
+        if (crash::is_dump(*entry)) take();
+    } while (FindNextFileW(search, entry));
     FindClose(search);
-    return result;
+    return true;
 }
 
-void take_oldest() {
-    last_tried.written = oldest.written;
-    lstrcpynW(last_tried.name, oldest.name, MAX_PATH);
+// False when none is left that has not been tried.
+bool find_oldest(const ntdll_t& functions, const wchar_t* folder) {
+    bool found = false;
+    const auto keep_if_older = [&found] {
+        if (crash::compare_age(*entry, *last_tried) <= 0) return;
+        if (found && crash::compare_age(*entry, *oldest) > 0) return;
+        swap(entry, oldest);
+        found = true;
+    };
+    return for_each_dump(functions, folder, keep_if_older) && found;
 }
 
 }  // namespace
@@ -94,15 +81,15 @@ bool create_folder(wchar_t* folder) {
 }
 
 bool delete_old_dumps(const ntdll_t& functions, const wchar_t* folder, unsigned most) {
-    for (;;) {
-        if (!print(functions, path_buffer, longest_path, L"%ls\\%ls", folder, crash::dump_pattern)) return false;
-        const survey_t state = survey(path_buffer);
-        if (state.count < most) return true;
-        if (!state.has_oldest) return false;
-        take_oldest();
-        if (!print(functions, path_buffer, longest_path, L"%ls\\%ls", folder, oldest.name)) return false;
-        DeleteFileW(path_buffer);
+    // Counted once: a file that another program still reads is listed after its deletion, too.
+    unsigned count = 0;
+    if (!for_each_dump(functions, folder, [&count] { ++count; })) return false;
+    while (count >= most) {
+        if (!find_oldest(functions, folder) || !form_path(functions, folder, oldest->cFileName)) return false;
+        if (DeleteFileW(path_buffer)) --count;
+        swap(oldest, last_tried);
     }
+    return true;
 }
 
 }  // namespace recorder

@@ -25,7 +25,7 @@ LONG WINAPI on_fault(EXCEPTION_POINTERS*) {
 
 crash::recorder_exit_t run() {
     ntdll_t functions;
-    crash::recorder_exit_t result = find_ntdll(functions);
+    crash::recorder_exit_t result = find_ntdll(GetModuleHandleW(L"ntdll.dll"), functions);
     if (result != crash::recorder_success) return result;
 
     arguments_t arguments;

@@ -1,7 +1,5 @@
 #include "common/crash/recorder/ntdll.h"
 
-#include "common/win32.h"
-
 namespace recorder {
 namespace {
 
@@ -13,8 +11,7 @@ bool find(HMODULE module, const char* name, Function& function) {
 
 }  // namespace
 
-crash::recorder_exit_t find_ntdll(ntdll_t& functions) {
-    const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+crash::recorder_exit_t find_ntdll(HMODULE ntdll, ntdll_t& functions) {
     if (ntdll == nullptr) return crash::recorder_no_ntdll;
     if (!find(ntdll, "memset", functions.memset)) return crash::recorder_no_memset;
     if (!find(ntdll, "_vsnwprintf", functions.vsnwprintf)) return crash::recorder_no_vsnwprintf;

@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "common/crash/recorder/exit_codes.h"
+#include "common/win32.h"
 
 namespace recorder {
 
@@ -13,8 +14,8 @@ struct ntdll_t {
     int (*vsnwprintf)(wchar_t* target, std::size_t size, const wchar_t* format, va_list arguments);
 };
 
-// Gives recorder_no_ntdll, recorder_no_memset or recorder_no_vsnwprintf.
-crash::recorder_exit_t find_ntdll(ntdll_t& functions);
+// From the loaded NTDLL, null without one. Gives recorder_no_ntdll, recorder_no_memset or recorder_no_vsnwprintf.
+crash::recorder_exit_t find_ntdll(HMODULE ntdll, ntdll_t& functions);
 
 // False when the text does not fit with its terminating null.
 bool print(const ntdll_t& functions, wchar_t* target, std::size_t size, const wchar_t* format, ...);

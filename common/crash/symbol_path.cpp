@@ -1,0 +1,35 @@
+#include "common/crash/symbol_path.h"
+
+#include <sstream>
+
+#include "common/win32.h"
+
+namespace crash {
+namespace {
+
+constexpr const wchar_t* search_path = L"%_NT_SYMBOL_PATH%;%_NT_ALT_SYMBOL_PATH%;%SystemRoot%\\Symbols";
+
+std::wstring expand(const wchar_t* text) {
+    std::wstring expanded(ExpandEnvironmentStringsW(text, nullptr, 0), L'\0');
+    ExpandEnvironmentStringsW(text, expanded.data(), static_cast<DWORD>(expanded.size()));
+    expanded.pop_back();  // the terminating null
+    return expanded;
+}
+
+// No path holds an asterisk; what names a server does.
+bool is_local(const std::wstring& place) {
+    return place.find(L'*') == std::wstring::npos && !place.starts_with(L"\\\\") && !place.starts_with(L"//");
+}
+
+}  // namespace
+
+std::wstring symbol_search_path() {
+    std::wistringstream places(expand(search_path));
+    std::wstring path;
+    for (std::wstring place; std::getline(places, place, L';');) {
+        if (is_local(place)) path += (path.empty() ? L"" : L";") + place;
+    }
+    return path;
+}
+
+}  // namespace crash
