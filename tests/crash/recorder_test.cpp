@@ -4,6 +4,7 @@
 #include "common/crash/recorder_exit_text.h"
 #include "common/crash/recorder_file.h"
 #include "common/crash/recorder_process.h"
+#include "common/exc/format_message.h"
 #include "common/text/convert.h"
 #include "tests/crash/dump_folder_fixture.h"
 
@@ -11,7 +12,7 @@ namespace {
 
 using testing::UnorderedElementsAre;
 
-const std::wstring name_too_long(300, L'x');
+const std::string name_too_long(300, 'x');
 
 std::string shown(std::uint32_t code) {
     return std::to_string(code) + ": " + std::string(crash::recorder_exit_text(code));
@@ -19,22 +20,16 @@ std::string shown(std::uint32_t code) {
 
 class Recorder : public DumpFolder {
 protected:
-    // "{p}" handle of this process with these rights, "{i}" its id, "{t}" thread id, "{f}" dump folder.
-    std::uint32_t run(std::wstring arguments, DWORD rights = PROCESS_ALL_ACCESS) const {
+    // %1: handle of this process with these rights, %2: its id, %3: thread id, %4: dump folder.
+    std::uint32_t run(const std::string& arguments, DWORD rights = PROCESS_ALL_ACCESS) const {
         platform::unique_handle process;
         const HANDLE current = GetCurrentProcess();
         DuplicateHandle(current, current, current, process.put(), rights, TRUE, 0);
-        const std::pair<std::wstring, std::wstring> marks[] = {
-            {L"{p}", std::to_wstring(reinterpret_cast<std::uintptr_t>(process.get()))},
-            {L"{i}", std::to_wstring(GetCurrentProcessId())},
-            {L"{t}", std::to_wstring(GetCurrentThreadId())},
-            {L"{f}", folder.wstring()}};
-        for (const auto& [mark, value] : marks) {
-            const std::size_t place = arguments.find(mark);
-            if (place != std::wstring::npos) arguments.replace(place, mark.size(), value);
-        }
+        const std::string line = exc::format_message(
+            arguments, {std::to_string(reinterpret_cast<std::uintptr_t>(process.get())),
+                        std::to_string(GetCurrentProcessId()), std::to_string(GetCurrentThreadId()), folder.string()});
         const crash::recorder_file_t file(boost::filesystem::current_path().wstring());
-        return crash::wait_for_recorder(crash::start_recorder(file.path(), arguments, process.get()));
+        return crash::wait_for_recorder(crash::start_recorder(file.path(), text::utf8_to_wide(line), process.get()));
     }
 };
 
@@ -42,27 +37,25 @@ TEST_F(Recorder, WrongCallsHaveTheirExitCodes) {
     create(L"file", 1);
     const char* const bad_count = "101: invalid count of arguments";
     const char* const bad_arguments = "102: invalid arguments";
-    const std::pair<std::wstring, const char*> calls[] = {
-        {L"", bad_count},
-        {L"{p} {i} {t} 0 0 \"{f}\" b", bad_count},
-        {L"{p} {i} {t} 0 0 \"{f}\" b 10 more", bad_count},
-        {L"{p}x {i} {t} 0 0 \"{f}\" b 10", bad_arguments},
-        {L"-1 {i} {t} 0 0 \"{f}\" b 10", bad_arguments},
-        {L"{p} 4 {t} 0 0 \"{f}\" b 10", bad_arguments},
-        {L"{p} {i} {t} 18446744073709551616 0 \"{f}\" b 10", bad_arguments},
-        {L"{p} {i} {t} 0 4294967296 \"{f}\" b 10", bad_arguments},
-        {L"{p} {i} {t} 0 0 \"\" b 10", bad_arguments},
-        {L"{p} {i} {t} 0 0 \"{f}\" \"\" 10", bad_arguments},
-        {L"{p} {i} {t} 0 0 \"{f}\" \"..\\b\" 10", bad_arguments},
-        {L"{p} {i} {t} 0 0 \"{f}\" b 0", bad_arguments},
-        {L"{p} {i} {t} 0 0 \"{f}\\file\\below\" b 10", "103: cannot create dump folder"},
-        {L"{p} {i} {t} 0 0 \"{f}\" " + std::wstring(4096, L'x') + L" 10", "105: invalid dump name"},
-        {L"{p} {i} {t} 0 0 \"{f}\" " + name_too_long + L" 10", "106: cannot create dump file"},
+    const std::pair<std::string, const char*> calls[] = {
+        {"", bad_count},
+        {"%1 %2 %3 0 0 \"%4\" b", bad_count},
+        {"%1 %2 %3 0 0 \"%4\" b 10 more", bad_count},
+        {"%1x %2 %3 0 0 \"%4\" b 10", bad_arguments},
+        {"-1 %2 %3 0 0 \"%4\" b 10", bad_arguments},
+        {"%1 4 %3 0 0 \"%4\" b 10", bad_arguments},
+        {"%1 %2 %3 18446744073709551616 0 \"%4\" b 10", bad_arguments},
+        {"%1 %2 %3 0 4294967296 \"%4\" b 10", bad_arguments},
+        {"%1 %2 %3 0 0 \"\" b 10", bad_arguments},
+        {"%1 %2 %3 0 0 \"%4\" \"\" 10", bad_arguments},
+        {"%1 %2 %3 0 0 \"%4\" \"..\\b\" 10", bad_arguments},
+        {"%1 %2 %3 0 0 \"%4\" b 0", bad_arguments},
+        {"%1 %2 %3 0 0 \"%4\\file\\below\" b 10", "103: cannot create dump folder"},
+        {"%1 %2 %3 0 0 \"%4\" " + std::string(4096, 'x') + " 10", "105: invalid dump name"},
+        {"%1 %2 %3 0 0 \"%4\" " + name_too_long + " 10", "106: cannot create dump file"},
     };
-    for (const auto& [arguments, outcome] : calls) {
-        EXPECT_EQ(shown(run(arguments)), outcome) << text::wide_to_utf8(arguments);
-    }
-    EXPECT_EQ(shown(run(L"{p} {i} {t} 0 0 \"{f}\" b 10", PROCESS_QUERY_LIMITED_INFORMATION)),
+    for (const auto& [arguments, outcome] : calls) EXPECT_EQ(shown(run(arguments)), outcome) << arguments;
+    EXPECT_EQ(shown(run("%1 %2 %3 0 0 \"%4\" b 10", PROCESS_QUERY_LIMITED_INFORMATION)),
               "107: cannot write dump content");
     EXPECT_THAT(names(), UnorderedElementsAre(L"file"));
 }
@@ -78,7 +71,7 @@ TEST_F(Recorder, NeedsNtdll) {
 }
 
 TEST_F(Recorder, CreatesTheFolderAndNamesTheDump) {
-    ASSERT_EQ(run(L"{p} {i} {t} 0 0 \"{f}\\a b\\c\" My_crash 1"), 0u);
+    ASSERT_EQ(run("%1 %2 %3 0 0 \"%4\\a b\\c\" My_crash 1"), 0u);
     EXPECT_THAT(boost::filesystem::directory_iterator(folder / "a b" / "c")->path().filename().string(),
                 testing::MatchesRegex("My_crash_" + std::to_string(GetCurrentProcessId()) + "_" +
                                       std::to_string(GetCurrentThreadId()) + "_\\d+.mdmp"));
@@ -87,7 +80,7 @@ TEST_F(Recorder, CreatesTheFolderAndNamesTheDump) {
 TEST_F(Recorder, CleansUpAsTheProgramDoes) {
     const auto clean_up = [&](bool by_recorder, unsigned most) {
         if (by_recorder) {
-            return run(L"{p} {i} {t} 0 0 \"{f}\" " + name_too_long + L" " + std::to_wstring(most)) == 106;
+            return run("%1 %2 %3 0 0 \"%4\" " + name_too_long + " " + std::to_string(most)) == 106;
         }
         return message_of([&] { crash::cleanup_dumps(folder.wstring(), most); }) == "nothing was raised";
     };
@@ -140,7 +133,8 @@ TEST_F(Recorder, IsEndedWhenItTakesTooLong) {
     const platform::unique_handle thread(process.hThread), hanging(process.hProcess);
     EXPECT_EQ(message_of([&] { crash::wait_for_recorder(hanging, 1); }),
               "Timed out waiting for dump generator process to finish");
-    EXPECT_EQ(crash::wait_for_recorder(hanging, 10'000), 1u);
+    EXPECT_EQ(WaitForSingleObject(hanging.get(), 10'000), WAIT_OBJECT_0);
+    TerminateProcess(hanging.get(), 0);
 }
 
 }  // namespace
