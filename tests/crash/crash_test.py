@@ -23,13 +23,14 @@ LEGACY = RECORDED + ["Dump generator process failed with 1: unspecified failure$
                      r"Writing legacy dump\. Dump path: .*\\Ormacon_crash_\d+_1-exceptions\.log\.$"]
 NO_WAY = REFUSED + [r"Cannot create a blank minidump file\.", r"Cannot create a legacy dump file\."]
 
-REPORT, NO_DUMP = "-exceptions.log", ""
+# Behind the base name and the process id.
+MINIDUMP, OWN_MINIDUMP, REPORT, NO_DUMP = r"_\d+_\d{18}\.mdmp", r"_1\.mdmp", r"_1-exceptions\.log", None
 TOLD, NO_DUMP_TOLD, NOTHING_TOLD = "The crash dump is in {}.\n", "No crash dump could be written.\n", None
 ACCESS_VIOLATION, TERMINATE, ABORT = 0xC0000005, 0xE0000001, 0x40000015
 
 # function: what the backtrace shows; obstacle: what stands in the log folder, a folder or else a file
 Case = collections.namedtuple("Case", "way status function lines dump notice obstacle overrides",
-                              defaults=(RECORDED, ".mdmp", TOLD, "", ""))
+                              defaults=(RECORDED, MINIDUMP, TOLD, "", ""))
 CASES = [
     Case("access_violation", ACCESS_VIOLATION, "access_violation"),
     Case("stack_overflow", 0xC00000FD, "recurse<64>"),
@@ -49,8 +50,8 @@ CASES = [
     Case("crashing_handler", ABORT, None, BEGIN[:2], NO_DUMP, NOTHING_TOLD),
     Case("password_in_use", ACCESS_VIOLATION, "password_in_use"),
     Case("password_and_abort", ABORT, "password_and_abort"),
-    Case("recorder_killed", ACCESS_VIOLATION, "recorder_killed", KILLED + IN_PROCESS),
-    Case("password_in_use", ACCESS_VIOLATION, "password_in_use", REFUSED + IN_PROCESS,
+    Case("recorder_killed", ACCESS_VIOLATION, "recorder_killed", KILLED + IN_PROCESS, OWN_MINIDUMP),
+    Case("password_in_use", ACCESS_VIOLATION, "password_in_use", REFUSED + IN_PROCESS, OWN_MINIDUMP,
          obstacle="Dumps/TovakDumpRecorder/"),
     Case("password_in_use", ACCESS_VIOLATION, None, LEGACY, REPORT, overrides="dbghelp="),
     Case("damaged_frame", ABORT, None, LEGACY, REPORT, NOTHING_TOLD, overrides="dbghelp="),
@@ -82,30 +83,31 @@ class Crash:
         self.seconds = time.monotonic() - begin
         self.status = int(run.stdout.split()[-1]) & 0xFFFFFFFF
         self.told = run.stderr.removeprefix("pure virtual method called\n")  # which the C++ runtime tells
+        self.log = (self.folder / "logs/Ormacon.log").read_text(encoding="utf-8").splitlines()
         self.files = [path for path in self.dumps.glob("*") if path.is_file()]
 
     def check(self):
         case = self.case
         check(self.name, self.status == case.status, f"status {self.status:08X} instead of {case.status:08X}")
-        endings = [re.sub(r"^Ormacon_crash(_\d+)+", "", file.name) for file in self.files]
-        check(self.name, endings == [case.dump] * (case.dump != NO_DUMP), f"files {self.files}")
-        check(self.name, case.dump != NO_DUMP or self.seconds < 30, f"took {self.seconds} s")
+        process_id = next(line.rpartition(" ")[2] for line in self.log if "Process Id: " in line)
+        names = [re.fullmatch(rf"Ormacon_crash_{process_id}{case.dump}", file.name) for file in self.files]
+        check(self.name, all(names) and len(names) == (case.dump is not NO_DUMP), f"files {self.files}")
+        check(self.name, case.dump is not NO_DUMP or self.seconds < 30, f"took {self.seconds} s")
         notice = f"The program has crashed with 0x{case.status:08X}. {case.notice}" if case.notice else ""
         check(self.name, self.told == notice.format(windows_path(self.dumps)), f"told {self.told!r}")
-        position = self.check_log(case.lines)
-        check(self.name, position == 0 or case.lines is not RECORDED, f"{position} lines behind the end")
+        lines_behind = self.check_log(case.lines)
+        check(self.name, lines_behind == 0 or case.lines is not RECORDED, f"{lines_behind} lines behind the end")
         for path in (path for path in self.folder.rglob("*") if path.is_file()):
             content = path.read_bytes()
             for encoding in "utf-8", "utf-16-le":
                 check(self.name, PASSWORD.encode(encoding) not in content, f"password as {encoding} in {path.name}")
-            check(self.name, REPORT not in path.name or re.search(FRAME_IN_REPORT, content), f"no frame in {content}")
+            check(self.name, "exceptions" not in path.name or re.search(FRAME_IN_REPORT, content), f"no frame in {content}")
 
     def check_log(self, expected):
         """The number of lines behind the expected ones."""
-        lines = (self.folder / "logs/Ormacon.log").read_text(encoding="utf-8").splitlines()
-        rest = iter(lines)
+        rest = iter(self.log)
         for line in expected:
-            check(self.name, any(re.search(line, found) for found in rest), f"{line!r} is not in its place in {lines}")
+            check(self.name, any(re.search(line, found) for found in rest), f"{line!r} is not in its place in {self.log}")
         return len(list(rest))
 
 
