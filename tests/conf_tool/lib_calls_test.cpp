@@ -13,8 +13,6 @@ namespace {
 using namespace conf_tool;
 using testing::ElementsAre;
 
-constexpr wchar_t outside_bmp[] = L"h\u00e4\u4e2d\xd83d\xde00";
-
 class LibCalls : public testing::Test {
 protected:
     test_support::CDemoHost host_;
@@ -101,34 +99,6 @@ TEST_F(LibCalls, EachFailureHasTheLibrarysTextAndItsLogLines) {
         }
         EXPECT_EQ(host_.Calls(operation.export_name), 2);
     }
-}
-
-TEST_F(LibCalls, ValuesComeBackAsTheyWereSet) {
-    CConfigToolLibCaller caller(CallerMode::Direct);
-    caller.SetHost(L"backup.example.org");
-    caller.SetPort(10006);
-    caller.SetCredentials(L"CORP", outside_bmp, L"secret \xd83d\xde00");
-    caller.SetParallelism(8);
-    std::vector<RepositoryEntry> offered;
-    caller.GetTBRRepositories(offered);
-    caller.SetRepositories({offered.at(2), offered.at(0)});
-
-    ConfigurationSnapshot config;
-    config.repositories = one_repository;
-    caller.GetConfig(config);
-    EXPECT_EQ(config.host, L"backup.example.org");
-    EXPECT_EQ(config.port, 10006);
-    EXPECT_EQ(config.domain, L"CORP");
-    EXPECT_EQ(config.user_name, outside_bmp);
-    EXPECT_EQ(config.password, L"secret \xd83d\xde00");
-    EXPECT_EQ(config.parallelism, 8);
-    ASSERT_EQ(config.repositories.size(), 3U);
-    EXPECT_EQ(config.repositories[1].name, L"Encrypted Vault");
-    EXPECT_TRUE(config.repositories[1].encryptionEnabled);
-    EXPECT_EQ(config.repositories[2].id, L"REP-0001");
-    EXPECT_FALSE(config.repositories[2].encryptionEnabled);
-    EXPECT_EQ(config.repositories[2].capacity, 21990232555520.0);
-    host_.ExpectMemoryBalanced();
 }
 
 TEST_F(LibCalls, ReceivedRepositoriesAreLoggedAndAppended) {

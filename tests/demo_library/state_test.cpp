@@ -39,6 +39,7 @@ TEST_F(demo_library_test, every_value_survives_in_the_file_and_uninstall_removes
     direct.SetParallelism(64);
 
     ConfigurationSnapshot stored;
+    stored.repositories.resize(1);
     direct.GetConfig(stored);
     EXPECT_EQ(stored.host, server);
     EXPECT_EQ(stored.port, 10006);
@@ -46,7 +47,8 @@ TEST_F(demo_library_test, every_value_survives_in_the_file_and_uninstall_removes
     EXPECT_EQ(stored.user_name, user_name);
     EXPECT_EQ(stored.password, password);
     EXPECT_EQ(stored.parallelism, 64);
-    EXPECT_THAT(ids_of(stored.repositories), testing::ElementsAre(L"REP-0003", L"REP-0001"));
+    EXPECT_THAT(ids_of(stored.repositories), testing::ElementsAre(L"", L"REP-0003", L"REP-0001"));
+    host.ExpectMemoryBalanced();
 
     // The password's begin as it is, in UTF-16, and in hexadecimal digits of either.
     const std::string utf16("T\0i\0g\0e\0r", 9);

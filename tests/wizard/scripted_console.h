@@ -3,7 +3,6 @@
 
 #include <deque>
 #include <functional>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -24,7 +23,6 @@ public:
     // Runs out as a user does who presses Ctrl+C.
     std::wstring ReadLine(bool hidden) override {
         if (at_first_answer) std::exchange(at_first_answer, nullptr)();
-        if (answers_.empty() && repeated_) answers_.push_back(*repeated_);
         if (answers_.empty()) exc::raise<exc::term_exc_t>("no more answers");
         std::wstring answer = answers_.front();
         answers_.pop_front();
@@ -34,9 +32,6 @@ public:
 
     bool IsInteractive() const override { return interactive; }
 
-    // Answers this for ever when the other answers are used up.
-    void Repeat(const std::wstring& answer) { repeated_ = answer; }
-
     bool interactive = true;
     std::function<void()> at_first_answer;
 
@@ -45,7 +40,6 @@ public:
 
 private:
     std::deque<std::wstring> answers_;
-    std::optional<std::wstring> repeated_;
     std::wstring transcript_;
 };
 

@@ -236,10 +236,9 @@ TEST_F(WizardRun, NoneOrManyRepositoriesAreOffered) {
 }
 
 TEST_F(WizardRun, NothingIsRepeatedWhereNobodyCanAnswer) {
-    for (const Answers& answers : {Answers{L""}, FirstTime({L"", L""})}) {
+    for (const Answers& answers : {Answers(9, L""), FirstTime({L"", L"", L"", L""})}) {
         CScriptedConsole console(answers);
         console.interactive = false;
-        console.Repeat(L"");
         Start();
         EXPECT_THAT(console.transcript(), EndsWith(std::wstring(restart_question) + L"<>"));
     }
