@@ -75,6 +75,11 @@ WAY heap_corruption() {
     RaiseException(0xC0000374, EXCEPTION_NONCONTINUABLE, 0, nullptr);
 }
 WAY invalid_parameter() { _get_invalid_parameter_handler()(nullptr, nullptr, nullptr, 0, 0); }
+WAY overwritten_frame() {
+    char text[8];
+    char* volatile const target = text;
+    for (int i = 0; i < 16; ++i) target[i] = 'x';
+}
 WAY library_fault() {
     find_function<int (*)(const wchar_t*)>(LoadLibraryW(L"crash_library.dll"), "SetHostDirect")(L"host");
 }

@@ -32,7 +32,8 @@ ACCESS_VIOLATION, TERMINATE, ABORT = 0xC0000005, 0xE0000001, 0x40000015
 Case = collections.namedtuple("Case", "way status function lines dump notice obstacle overrides",
                               defaults=(RECORDED, MINIDUMP, TOLD, "", ""))
 CASES = [
-    Case("access_violation", ACCESS_VIOLATION, "access_violation"),
+    # No library of the folder that the recorder is run from may be loaded.
+    Case("access_violation", ACCESS_VIOLATION, "access_violation", obstacle="Dumps/dbghelp.dll"),
     Case("stack_overflow", 0xC00000FD, "recurse<64>"),
     # Wine ends the thread without a word where Windows still tells.
     Case("stack_overflow_unreported", 1, None, [], NO_DUMP, NOTHING_TOLD),
@@ -42,6 +43,7 @@ CASES = [
     Case("call_abort", ABORT, "call_abort"),
     Case("heap_corruption", 0xC0000374, "heap_corruption"),
     Case("invalid_parameter", 0xC0000417, "invalid_parameter"),
+    Case("overwritten_frame", 0xC000001D, "overwritten_frame"),
     Case("library_fault", ACCESS_VIOLATION, "SetHostDirect"),
     Case("second_thread", ACCESS_VIOLATION, "write_through_null"),
     Case("log_lock_held", ACCESS_VIOLATION, "faulting_sink_t::write_line"),
@@ -84,7 +86,7 @@ class Crash:
         self.status = int(run.stdout.split()[-1]) & 0xFFFFFFFF
         self.told = run.stderr.removeprefix("pure virtual method called\n")  # which the C++ runtime tells
         self.log = (self.folder / "logs/Ormacon.log").read_text(encoding="utf-8").splitlines()
-        self.files = [path for path in self.dumps.glob("*") if path.is_file()]
+        self.files = [path for path in self.dumps.glob("*") if path.is_file() and path.suffix != ".dll"]
 
     def check(self):
         case = self.case
@@ -113,11 +115,12 @@ class Crash:
 
 def prepare(name, obstacle=""):
     shutil.rmtree(WORK / name, ignore_errors=True)
-    (WORK / name / "logs").mkdir(parents=True)
-    if obstacle.endswith("/"):
-        (WORK / name / "logs" / obstacle).mkdir(parents=True)
-    elif obstacle:
-        (WORK / name / "logs" / obstacle).touch()
+    place = WORK / name / "logs" / obstacle
+    if obstacle and not obstacle.endswith("/"):
+        place.parent.mkdir(parents=True)
+        place.touch()
+    else:
+        place.mkdir(parents=True)
 
 
 def check_case(number):

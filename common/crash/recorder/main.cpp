@@ -3,6 +3,7 @@
 #include "common/crash/recorder/dump_writing.h"
 #include "common/crash/recorder/folder.h"
 #include "common/crash/recorder/ntdll.h"
+#include "common/crash/recorder/stack_guard.h"
 #include "common/win32.h"
 
 namespace recorder {
@@ -23,7 +24,8 @@ LONG WINAPI on_fault(EXCEPTION_POINTERS*) {
     ExitProcess(crash::recorder_unspecified_failure);
 }
 
-crash::recorder_exit_t run() {
+// A frame of its own, which begins when its guard is chosen.
+[[gnu::noinline]] crash::recorder_exit_t run() {
     ntdll_t functions;
     crash::recorder_exit_t result = find_ntdll(GetModuleHandleW(L"ntdll.dll"), functions);
     if (result != crash::recorder_success) return result;
@@ -44,6 +46,9 @@ crash::recorder_exit_t run() {
 }  // namespace recorder
 
 extern "C" void RecorderMain() {
+    recorder::choose_stack_guard();
+    // Its file lies in the dump folder: nothing may be loaded from there, whoever asks for it.
+    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
     SetUnhandledExceptionFilter(&recorder::on_fault);
     ExitProcess(recorder::run());
