@@ -26,6 +26,15 @@ WINDOWS_LIBRARIES = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", 
                      "api-ms-win-core-synch-l1-2-0.dll"}
 
 
+
+def dll_characteristics(file):
+    """The DllCharacteristics of a program file and of those that it holds as data."""
+    begins = [match.start() for match in re.finditer(b"MZ", file)]
+    headers = [begin + int.from_bytes(file[begin + 0x3c:begin + 0x40], "little") for begin in begins]
+    return [int.from_bytes(file[header + 0x5e:header + 0x60], "little")
+            for header in headers if file[header:header + 4] == b"PE\0\0"]
+
+
 class Commands(ConsoleTest):
     def test_settings_last(self):
         for options in (["--set-host", "backup.example.org"], ["--set-port", "10006"], ["--set-parallelism", "8"]):
@@ -110,6 +119,12 @@ class Commands(ConsoleTest):
         listing = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", self.path("Ormacon.exe")], capture_output=True,
                                  text=True, check=True).stdout
         self.assertLessEqual({name.lower() for name in re.findall(r"DLL Name: (\S+)", listing)}, WINDOWS_LIBRARIES)
+
+    def test_memory_is_protected(self):
+        # High-entropy addresses, addresses chosen at each start, no execution of data; the program carries another one.
+        for name, images in ("Ormacon.exe", 2), ("OrmaconLib.dll", 1):
+            with self.subTest(name), open(self.path(name), "rb") as file:
+                self.assertEqual([0x0160] * images, dll_characteristics(file.read()))
 
 
 class Log(ConsoleTest):

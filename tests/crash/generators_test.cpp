@@ -8,6 +8,8 @@
 #include "common/crash/recorder/value_filter.h"
 #include "common/crash/stack_frames.h"
 #include "common/crash/symbol_path.h"
+#include "common/crash/system_library.h"
+#include "common/exc/error_text.h"
 #include "tests/crash/dump_folder_fixture.h"
 
 namespace {
@@ -98,6 +100,17 @@ TEST_F(Generators, CutOffDumpIsNotFiltered) {
     EXPECT_FALSE(filter(std::string(dump.size(), 'x')));
     // Wherever it is cut, nothing behind the end is read; without its last piece it may still be complete enough.
     for (std::size_t size = 0; size < dump.size(); size += dump.size() / 97 + 1) filter(dump.substr(0, size));
+}
+
+TEST_F(Generators, OtherLibrariesOfTheSameNameAreNotTaken) {
+    const std::string text = exc::get_error_text(12007);
+    ASSERT_THAT(text, testing::HasSubstr("could not be resolved"));
+    create(L"wininet.dll", 0);
+    create(L"dbghelp.dll", 0);
+    SetDllDirectoryW(folder.c_str());
+    EXPECT_EQ(exc::get_error_text(12007), text);
+    EXPECT_NE(crash::find_function<FARPROC>(crash::load_system_library(L"dbghelp.dll"), "MiniDumpWriteDump"), nullptr);
+    SetDllDirectoryW(nullptr);
 }
 
 }  // namespace
