@@ -10,7 +10,9 @@ namespace {
 void WipeCredentials(boost::program_options::variables_map& variables) {
     const auto found = variables.find(option_set_credentials);
     if (found == variables.end()) return;
-    for (std::string& token : found->second.as<std::vector<std::string>>()) text::wipe(token);
+    auto* const tokens = boost::any_cast<std::vector<std::string>>(&found->second.value());
+    if (tokens == nullptr) return;
+    for (std::string& token : *tokens) text::wipe(token);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "demo_library/rules.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "demo_library/failure.h"
 #include "demo_library/host_form.h"
@@ -12,7 +13,7 @@ namespace {
 // An argument as a text on one line.
 std::wstring line(const wchar_t* text, const std::wstring& what) {
     if (!text) throw failure_t(L"No " + what + L" is given: the text is null.");
-    const std::wstring result = text;
+    std::wstring result = text;
     const bool has_control = std::any_of(result.begin(), result.end(), [](wchar_t c) { return c < L' '; });
     if (has_control || !xml::can_hold(result))
         throw failure_t(L"The " + what + L" is not allowed: it holds a character that cannot be stored.");
@@ -122,7 +123,7 @@ void set_repositories(configuration_t& configuration, const plug_common::SReposi
                       const scenario_t& server, std::size_t most) {
     if (count < 0 || (count > 0 && !records)) throw failure_t(L"The list of repositories is not valid.");
     std::vector<std::wstring> ids;
-    for (std::int32_t i = 0; i < count; ++i) ids.push_back(id_of(records[i]));
+    std::transform(records, records + count, std::back_inserter(ids), id_of);
     configuration.repositories = known_repositories(ids, server, most);
 }
 

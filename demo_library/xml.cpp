@@ -93,7 +93,7 @@ void set(TiXmlElement& element, const char* name, std::wstring_view value) {
 
 void set(TiXmlElement& element, const char* name, double value) {
     char digits[32];
-    const auto end = std::to_chars(std::begin(digits), std::end(digits), value).ptr;
+    char* const end = std::to_chars(std::begin(digits), std::end(digits), value).ptr;
     element.SetAttribute(name, std::string(digits, end));
 }
 

@@ -47,9 +47,9 @@ void RemoveExisting(const fs::path& path) {
 
 fs::path AskOutputPath(const std::wstring& prompt, const fs::path& default_path) {
     for (;;) {
-        const fs::path path = Ask(prompt, default_path.wstring());
+        fs::path path = Ask(prompt, default_path.wstring());
         if (!IsTaken(path)) return path;
-        const fs::path existing = ToAbsolute(path);
+        fs::path existing = ToAbsolute(path);
         if (!AgreesToReplace(existing)) {
             RequireInteractiveConsole();
             continue;

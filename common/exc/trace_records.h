@@ -17,6 +17,7 @@ struct trace_record_t {
     trace_event_t event;
     std::string info;  // UTF-8
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes a zero in the comparison for a pointer
     auto operator<=>(const trace_record_t&) const = default;
 };
 

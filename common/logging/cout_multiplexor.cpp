@@ -49,7 +49,7 @@ int cout_multiplexor_t::sync() {
 }
 
 std::string cout_multiplexor_t::complete_lines(std::string_view text) {
-    constexpr std::size_t longest_line = 64 * 1024;
+    constexpr std::size_t longest_line = 65'536;
     unfinished_.append(text);
     if (unfinished_.size() > longest_line) unfinished_ += '\n';
     std::string rest = unfinished_.substr(unfinished_.rfind('\n') + 1);

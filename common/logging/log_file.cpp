@@ -36,7 +36,7 @@ void log_file_t::put(const line_t& line) {
 }
 
 void log_file_t::end_record() {
-    constexpr std::size_t common_size = 64 * 1024;
+    constexpr std::size_t common_size = 65'536;
     if (limits_.log_size != 0 && size_ >= archive_at_) try_archive();
     ++lost_;
     append({buffer_.data(), lines_size_});

@@ -79,7 +79,7 @@ void logger_t::hand_out_pending() noexcept {
 
 void logger_t::write_to_sinks(const record_t& record) noexcept {
     const std::string_view now = clock_.now();
-    for (std::size_t i = 0; i < sinks_.size(); ++i) {  // by index: a sink may attach sinks
+    for (std::size_t i = 0; i < sinks_.size(); ++i) {  // NOLINT(modernize-loop-convert): a sink may attach sinks
         if (!sinks_[i]) continue;
         busy_sink_ = sinks_[i].get();
         try {

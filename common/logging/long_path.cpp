@@ -27,7 +27,7 @@ bool is_directory(const std::wstring& path) {
 std::wstring system_path(const std::wstring& path) {
     constexpr std::size_t longest_directory = MAX_PATH - 13;  // room for a short file name is kept free
     if (path.starts_with(L"\\\\?\\")) return path;
-    const std::wstring full = full_path(path);
+    std::wstring full = full_path(path);
     if (full.size() <= longest_directory) return full;
     return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
 }

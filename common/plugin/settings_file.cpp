@@ -49,7 +49,7 @@ void log_unreadable(const std::wstring& path, const char* reason) {
 }  // namespace
 
 std::wstring find_settings_file(const std::wstring& directory) try {
-    const std::wstring path = (boost::filesystem::path(directory) / L"tovak_common_config.xml").wstring();
+    std::wstring path = (boost::filesystem::path(directory) / L"tovak_common_config.xml").wstring();
     require_settings_file(path);
     return path;
 } catch (const std::exception& failure) {

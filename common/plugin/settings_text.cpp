@@ -49,6 +49,7 @@ std::string value_of(const TiXmlElement& parameters, const char* name) {
 
 std::int32_t number_of(const TiXmlElement& parameters, const char* name, std::int32_t fallback) {
     int number = 0;
+    // NOLINTNEXTLINE(cert-err34-c): a number has always been read so, also one with something behind it
     return std::sscanf(value_of(parameters, name).c_str(), "%d", &number) == 1 ? number : fallback;
 }
 

@@ -9,8 +9,7 @@ namespace test_support {
 
 class CTestRegistry {
 public:
-    CTestRegistry() {
-        name_ = L"Software\\OrmaconTest" + std::to_wstring(GetCurrentProcessId());
+    CTestRegistry() : name_(L"Software\\OrmaconTest" + std::to_wstring(GetCurrentProcessId())) {
         RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
         RegCreateKeyExW(HKEY_CURRENT_USER, name_.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &root_, nullptr);
         RegOverridePredefKey(HKEY_LOCAL_MACHINE, root_);

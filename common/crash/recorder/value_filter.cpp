@@ -1,5 +1,7 @@
 #include "common/crash/recorder/value_filter.h"
 
+#include <cstddef>
+
 #include "common/win32.h"
 
 #include <dbghelp.h>
