@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what a bare Debian 12 lacks and builds the libraries for the Windows target into .deps/.
-# With --bench or --fuzz, also what the benchmarks or the fuzzing alone need. Quick when there is nothing to do.
+# With --bench, --fuzz or --check, also what the benchmarks, the fuzzing or the search for faults alone need. Quick when
+# there is nothing to do.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -18,6 +19,7 @@ if [ "${1-}" = --bench ]; then
     packages+=(libspdlog-dev libfmt-dev)            # headers of the libraries that the benchmarks compare with
 fi
 [ "${1-}" != --fuzz ] || packages+=(clang libclang-rt-14-dev llvm)  # libFuzzer; function names in its reports
+[ "${1-}" != --check ] || packages+=(cppcheck clang-tidy)
 
 as_root() {
     if [ "$(id -u)" = 0 ]; then "$@"

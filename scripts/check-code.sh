@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Looks for faults in the sources: cppcheck in all of them, clang-tidy in the product and the demonstration library, or
+# in the files given. Fails and shows what it finds. .clang-tidy and .cppcheck-suppressions say what is looked for.
+# Nothing is built and nothing installed: scripts/setup.sh --check brings the two programs.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+cd "$root"
+database=$root/build/check
+
+look_with_cppcheck() {
+    local sources
+    mapfile -t sources < <(git ls-files '*.cpp')
+    say "cppcheck in ${#sources[@]} sources ..."
+    cppcheck -q -j"$(nproc)" --error-exitcode=1 --inline-suppr --suppressions-list=.cppcheck-suppressions \
+        --enable=warning,style,performance,portability,information --language=c++ --std=c++20 --platform=win64 \
+        --library=windows --library=boost --library=googletest \
+        -D_WIN32 -D_WIN64 -D__GNUC__=12 -D__x86_64__ -DUNICODE -DNOMINMAX -DWIN32_LEAN_AND_MEAN -I. "${sources[@]}"
+}
+
+# The commands of the test build, without an option that clang does not know. For clang the target's headers are those
+# of the cross compiler; only the compiler's own must be clang's.
+prepare_clang_tidy() {
+    [ -f build/test/build.ninja ] || step "configuring the test build" cmake --preset test
+    ninja -C build/test build.ninja >/dev/null
+    mkdir -p "$database"
+    ninja -C build/test -t compdb | sed 's/ -fno-tree-loop-distribute-patterns//' >"$database/compile_commands.json"
+    mapfile -t folders < <(x86_64-w64-mingw32-g++-posix -x c++ -v -E /dev/null 2>&1 >/dev/null |
+        sed -n '/^#include </,/^End/s/^ //p' | grep -v '/gcc/[^/]*/[^/]*/include\(-fixed\)\?$')
+    export tidy="clang-tidy -p $database --quiet --extra-arg-before=--target=x86_64-w64-mingw32 ${folders[*]/#/--extra-arg=-isystem}"
+}
+
+# One source; its name is the progress, what was found follows it.
+look_into() {
+    local found status=0
+    found=$($tidy "$1" 2>&1) || status=$?
+    printf '   %s\n' "$1"
+    [ "$status" = 0 ] || { sed '/warnings\( and [0-9]* errors\?\)\? generated\.$/d' <<<"$found"; return 1; }
+}
+
+look_with_clang_tidy() {
+    say "clang-tidy in $# sources (a few minutes) ..."
+    prepare_clang_tidy
+    export -f look_into
+    printf '%s\0' "$@" | xargs -0 -n1 -P"$(nproc)" bash -c 'look_into "$1"' bash ||
+        die "failed: clang-tidy has found something above"
+}
+
+if [ "$#" = 0 ]; then
+    look_with_cppcheck || die "failed: cppcheck has found something above"
+    mapfile -t product < <(git ls-files '*.cpp' ':!tests' ':!benchmarks')
+    set -- "${product[@]}"
+fi
+look_with_clang_tidy "$@"
