@@ -5,6 +5,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 
 set(ORMACON_OUTPUT "${CMAKE_BINARY_DIR}/bin" CACHE PATH "Where programs and libraries are put")
 option(ORMACON_UBSAN "Trap on undefined behaviour" OFF)
+option(ORMACON_COVERAGE "Note which lines and branches have run" OFF)
 
 add_compile_definitions(
   UNICODE _UNICODE _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX _GLIBCXX_ASSERTIONS
@@ -13,6 +14,10 @@ add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Werror -fstack-protecto
 add_link_options(-static -fstack-protector-strong -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
 if(ORMACON_UBSAN)
   add_compile_options(-fsanitize=undefined -fsanitize-undefined-trap-on-error)
+endif()
+if(ORMACON_COVERAGE)
+  add_compile_options(-fprofile-arcs -ftest-coverage -fprofile-abs-path)
+  add_link_options(-fprofile-arcs)
 endif()
 
 # ormacon_library(NAME SOURCES... LINK libraries...): a static library of one folder.
