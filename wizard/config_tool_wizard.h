@@ -29,7 +29,7 @@ private:
     void RunIteration();
     void LoadPreviousConfig();
     void AskAndSave();
-    int AskSaveChoice();
+    static int AskSaveChoice();
     void ApplyChoice(int choice, bool& again);
     void ExportTovakConfigFile();
     void ExportRmanConfigFile();

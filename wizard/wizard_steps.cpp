@@ -67,7 +67,7 @@ std::wstring AskSelection(const std::wstring& current, int scope_edition) {
         scope_edition == standard_edition
             ? "Select Tovak repository from the list by typing the repository number%1: "
             : "Specify up to 4 Tovak repositories to use as target using whitespace as a separator%1: ";
-    const std::wstring answer = Ask(FormatPrompt(question, {BracketedDefault(current)}), current);
+    std::wstring answer = Ask(FormatPrompt(question, {BracketedDefault(current)}), current);
     if (answer.empty()) exc::raise("Cannot find previously configured values");
     return answer;
 }
