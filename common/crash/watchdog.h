@@ -23,7 +23,7 @@ std::uint32_t watching_thread() noexcept;
 // process that it left suspended, being killed, are resumed.
 class watchdog_pause_t {
 public:
-    watchdog_pause_t(HANDLE awaited, std::uint32_t longest_wait) noexcept;
+    watchdog_pause_t(HANDLE process, std::uint32_t longest_wait) noexcept;
     ~watchdog_pause_t();
     watchdog_pause_t(const watchdog_pause_t&) = delete;
     watchdog_pause_t& operator=(const watchdog_pause_t&) = delete;

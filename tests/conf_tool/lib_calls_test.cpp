@@ -140,6 +140,7 @@ Status GiveRepositories(LibraryRecords* given, std::int32_t* count, LibraryError
 template <Status Result>
 Status GiveNoHost(LibraryText* user_name, LibraryText* domain, LibraryText* password, LibraryText*, std::int32_t*,
                   std::int32_t*, LibraryRecords*, std::int32_t*, LibraryError*) {
+    // cppcheck-suppress constVariable ; the library gives out texts that may be written to
     static wchar_t texts[][2] = {L"u", L"d", L"p"};
     *user_name = texts[0], *domain = texts[1], *password = texts[2];
     return Result;
