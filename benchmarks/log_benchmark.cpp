@@ -1,5 +1,6 @@
 // One information record of 80 characters into the log file, in the hands of the operating system when the call
-// returns: the log, a bare WriteFile of the same line as the floor, and spdlog with the same layout.
+// returns: the log, a bare WriteFile of the same line as the floor, and spdlog with the same layout. And the log alone,
+// all of it but that the line goes nowhere.
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -7,11 +8,15 @@
 #include <string>
 
 #include <benchmark/benchmark.h>
+#include <boost/make_shared.hpp>
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/spdlog.h>
 
 #include "benchmarks/work_file.h"
 #include "common/logging/component.h"
+#include "common/logging/debug_output_log.h"
+#include "common/logging/log_file.h"
+#include "common/logging/logger_core.h"
 #include "common/logging/open_log.h"
 #include "common/platform/owned.h"
 #include "common/win32.h"
@@ -58,6 +63,25 @@ void log_floor(benchmark::State& state) {
         WriteFile(floor_file.get(), floor_line.data(), static_cast<DWORD>(floor_line.size()), &written, nullptr);
     }
     if (written != floor_line.size()) state.SkipWithError("the line was not written");
+}
+
+class file_of_nothing_t : public logging::receiver::log_file_t {
+public:
+    file_of_nothing_t() : log_file_t({.log_size = 1ULL << 40, .archive_count = 10}, {}) {}
+    const std::wstring& path() const override { return path_; }
+
+private:
+    void append(std::string_view lines) override { benchmark::DoNotOptimize(lines.data()); }
+    void clear() override {}
+
+    std::wstring path_;
+};
+
+void log_nothing(benchmark::State& state) {
+    logging::logger_t logger;
+    logger.attach(boost::make_shared<file_of_nothing_t>());
+    logger.attach(boost::make_shared<logging::receiver::COutputDebugStringLog>());
+    for (auto _ : state) logger.log({.text = text});
 }
 
 std::wstring open_peer() {
@@ -122,6 +146,7 @@ int main(int argc, char** argv) {
     add<product>();
     add<write_file>();
     add<spdlog_sink>();
+    benchmark::RegisterBenchmark("log/unwritten", log_nothing);
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

@@ -75,6 +75,7 @@ def log_rows(table, results):
         return
     record = results[one.format("product")]
     table.at_least("log record, 1 thread", record, results[one.format("write_file")], "WriteFile", 0.9)
+    table.at_most("the same, not written", results["log/unwritten"], results[one.format("write_file")], "WriteFile")
     table.at_least("log record, 1 thread", record, results[one.format("spdlog")], "spdlog", 1.4)
     shared = results[eight.format("product")]
     table.at_most("log record, 8 threads", shared, record, "1 thread", 1.25)
