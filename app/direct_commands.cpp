@@ -1,6 +1,7 @@
 #include "app/direct_commands.h"
 
 #include <iostream>
+#include <sstream>
 
 #include <boost/assert.hpp>
 #include <boost/make_shared.hpp>
@@ -63,7 +64,10 @@ void ShowHelp(CommandContext& context) {
     for (const auto& option : context.options.options()) {
         if (option->long_name() != option_uninstall) shown.add(option);
     }
-    std::cout << shown << std::endl;
+    // Composed first: to a console each of the formatter's characters would be a write of its own.
+    std::ostringstream page;
+    page << shown;
+    std::cout << page.str() << std::endl;
 }
 
 void ShowConfig(CommandContext& context) {

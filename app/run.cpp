@@ -1,6 +1,5 @@
 #include "app/run.h"
 
-#include <cstdio>
 #include <iostream>
 #include <optional>
 #include <utility>
@@ -22,15 +21,11 @@ void RunCommand(int argc, const char* const* argv) {
     context.ReleaseCaller();
 }
 
-// Left alone, the C run-time library writes to a console, or to NUL, character by character.
-void BufferStandardOutput() { std::setvbuf(stdout, nullptr, _IOFBF, 4096); }
-
 void Print(const char* message) { std::cout << (message == nullptr ? "Unknown error" : message) << std::endl; }
 
 }  // namespace
 
 void Run(int argc, const char* const* argv) {
-    BufferStandardOutput();
     std::optional<wizard::CConsoleSession> console_session;
     try {
         crash::install(log_folder);

@@ -1,7 +1,10 @@
 #include "wizard/console_stream.h"
 
+#include <cstdio>
 #include <iostream>
 #include <streambuf>
+
+#include <boost/algorithm/string/replace.hpp>
 
 #include "common/text/convert.h"
 #include "wizard/windows_console.h"
@@ -14,7 +17,8 @@ namespace {
 class CConsoleBuffer : public std::streambuf {
 protected:
     std::streamsize xsputn(const char* text, std::streamsize size) override {
-        CWindowsConsole().Write(text::utf8_to_wide(std::string(text, static_cast<std::size_t>(size))));
+        const std::string lines(text, static_cast<std::size_t>(size));
+        CWindowsConsole().Write(text::utf8_to_wide(boost::replace_all_copy(lines, "\n", "\r\n")));
         return size;
     }
 
@@ -32,10 +36,15 @@ bool OutputIsConsole() {
 
 }  // namespace
 
-void PrintToConsoleAsUtf16() {
-    // Never destroyed: objects with static storage print while the process ends.
-    static auto* const buffer = new CConsoleBuffer;
-    if (OutputIsConsole()) std::cout.rdbuf(buffer);
+void PrepareStandardOutput() {
+    if (OutputIsConsole()) {
+        // Never destroyed: objects with static storage print while the process ends.
+        static auto* const buffer = new CConsoleBuffer;
+        std::cout.rdbuf(buffer);
+    } else {
+        // Left alone, the C runtime writes to NUL character by character.
+        std::setvbuf(stdout, nullptr, _IOFBF, 4096);
+    }
 }
 
 }  // namespace wizard
