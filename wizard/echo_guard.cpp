@@ -20,6 +20,7 @@ struct ConsoleState {
     bool echo_off = false;
     // As the console was found, until it is given back so.
     std::optional<DWORD> input_mode;
+    std::optional<DWORD> output_mode;
     UINT output_code_page = 0;
 };
 
@@ -29,18 +30,18 @@ ConsoleState& State() {
     return *state;
 }
 
-std::optional<DWORD> InputMode() {
+std::optional<DWORD> Mode(DWORD stream) {
     DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) ? std::optional(mode) : std::nullopt;
+    return GetConsoleMode(GetStdHandle(stream), &mode) ? std::optional(mode) : std::nullopt;
 }
 
-void SetInputMode(DWORD mode) { SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode); }
+void SetMode(DWORD stream, DWORD mode) { SetConsoleMode(GetStdHandle(stream), mode); }
 
 void ReadLines(bool echo) {
-    const auto present = InputMode();
+    const auto present = Mode(STD_INPUT_HANDLE);
     if (!present) return;
     const DWORD mode = *present | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT | ENABLE_ECHO_INPUT;
-    SetInputMode(echo ? mode : mode & ~DWORD{ENABLE_ECHO_INPUT});
+    SetMode(STD_INPUT_HANDLE, echo ? mode : mode & ~DWORD{ENABLE_ECHO_INPUT});
 }
 
 // False when there was nothing to restore.
@@ -57,7 +58,8 @@ void EndPromptLine() {
 }
 
 void GiveBackAsFound(ConsoleState& state) {
-    if (const auto mode = std::exchange(state.input_mode, std::nullopt)) SetInputMode(*mode);
+    if (const auto mode = std::exchange(state.input_mode, std::nullopt)) SetMode(STD_INPUT_HANDLE, *mode);
+    if (const auto mode = std::exchange(state.output_mode, std::nullopt)) SetMode(STD_OUTPUT_HANDLE, *mode);
     if (const UINT code_page = std::exchange(state.output_code_page, 0)) SetConsoleOutputCP(code_page);
 }
 
@@ -101,10 +103,11 @@ CEchoGuard::~CEchoGuard() {
 CConsoleSession::CConsoleSession() {
     ConsoleState& state = State();
     const std::lock_guard lock(state.mutex);
-    state.input_mode = InputMode();
+    state.input_mode = Mode(STD_INPUT_HANDLE);
+    state.output_mode = Mode(STD_OUTPUT_HANDLE);
     state.output_code_page = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
-    PrintToConsoleAsUtf16();
+    PrepareStandardOutput();
     SetConsoleCtrlHandler(OnControlEvent, TRUE);
     crash::register_handler(&RestoreAfterCrash);
 }
@@ -116,7 +119,11 @@ CConsoleSession::~CConsoleSession() {
     GiveBackAsFound(state);
 }
 
-void PrepareVisibleInput() { ReadLines(true); }
+void PrepareVisibleInput() {
+    ConsoleState& state = State();
+    const std::lock_guard lock(state.mutex);
+    if (!state.cancelled) ReadLines(true);
+}
 
 bool IsInputCancelled() {
     ConsoleState& state = State();

@@ -14,8 +14,8 @@ public:
 };
 
 // While it lives, the console's output code page is UTF-8, and std::cout is printed there unharmed. When it ends, and
-// before Ctrl+C, Ctrl+Break, closing of the window or a crash ends the process, input mode and code page are as they
-// were found. One per process.
+// before Ctrl+C, Ctrl+Break, closing of the window or a crash ends the process, the modes and the code page are as
+// they were found. One per process.
 class CConsoleSession {
 public:
     CConsoleSession();
@@ -25,7 +25,7 @@ public:
 };
 
 // To be called before a line is read that is to be seen: the configuration library works in the same console and may
-// have left it without echo, or handing out single keys.
+// have left it without echo, or handing out single keys. Does nothing while the process is being ended.
 void PrepareVisibleInput();
 
 // True once Ctrl+C, Ctrl+Break or the closing of the window is ending the process.
