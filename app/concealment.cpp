@@ -16,6 +16,12 @@ std::string_view LongName(std::string_view word) {
     return word.starts_with("--") ? word.substr(2, word.find('=') - 2) : std::string_view();
 }
 
+// Also with too few dashes, or a slash: what follows is a password all the same.
+std::string_view BareName(std::string_view word) {
+    word.remove_prefix(std::min(word.find_first_not_of("-/"), word.size()));
+    return word.substr(0, word.find('='));
+}
+
 // Options may be abbreviated.
 bool IsKnown(std::string_view name, const boost::program_options::options_description& options) {
     return !name.empty() && std::ranges::any_of(options.options(), [&](const auto& option) {
@@ -47,7 +53,7 @@ void ConcealValue(std::string& complaint, std::string_view word) {
 std::string ConcealCredentials(std::string complaint, const boost::program_options::options_description& options,
                                int argc, const char* const* argv) {
     const std::vector<std::string_view> words(argv + 1, argv + argc);
-    const bool has_credentials = std::ranges::any_of(words, IsCredentials, LongName);
+    const bool has_credentials = std::ranges::any_of(words, IsCredentials, BareName);
     bool given_to_credentials = false;
     for (const std::string_view word : words) {
         const std::string_view name = LongName(word);

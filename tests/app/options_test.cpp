@@ -55,6 +55,7 @@ TEST(Dispatch, ComplaintsOfTheParserGetTheirContext) {
         {{"--set-cred", "user", "-s3cret", "-verbose"}, "unrecognised option '***'"},
         {{"--set-credentials", "user", "--s3cret=x", "--set-port", "1"}, "unrecognised option '***'"},
         {{"-s3cret", "--set-host", "h", "--set-credentials=user"}, "unrecognised option '***'"},
+        {{"set-credentials", "user", "-s3cret"}, "unrecognised option '***'"},
         {{"--password=s3cret=", "--wizard"}, "unrecognised option '--password=***'"},
         {{"stray"}, "too many positional options have been specified on the command line"},
         {{"--set-host", "a", "--set-host", "b"}, "option '--set-host' cannot be specified more than once"},
