@@ -57,13 +57,14 @@ bool write_dump(const failure_t& failure, const std::wstring& folder) noexcept {
     return false;
 }
 
-void generate_dump(const failure_t& failure) {
+// The folder of the dump; empty when there is none.
+std::wstring generate_dump(const failure_t& failure) {
     const std::wstring* const set = dump_folder;
     const std::wstring shown = set == nullptr ? L"Dumps" : *set;
     const std::wstring folder = logging::system_path(shown);
     attempt([&] { logging::create_directories(folder); });
     attempt([&] { cleanup_dumps(folder, most_dumps); });
-    tell_crash(failure.code, write_dump(failure, folder) ? shown : L"");
+    return write_dump(failure, folder) ? shown : std::wstring();
 }
 
 }  // namespace
@@ -74,7 +75,9 @@ void handle_crash(const failure_t& failure) noexcept {
     logging::begin_crash_logging(failure.thread_id, longest_log_wait);
     logging::ormacon_tool.info("Trying to generate crash dump");
     run_logged_handlers();
-    attempt([&] { generate_dump(failure); });
+    std::wstring dumped_to;
+    attempt([&] { dumped_to = generate_dump(failure); });
+    attempt([&] { tell_crash(failure.code, dumped_to); });
 }
 
 }  // namespace crash

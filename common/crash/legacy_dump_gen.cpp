@@ -35,7 +35,10 @@ public:
     void add_line(std::string_view text) {
         const std::string line = std::string(text) + "\r\n";
         DWORD written = 0;
-        if (WriteFile(file_.get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr)) return;
+        const bool done =
+            WriteFile(file_.get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr) != FALSE;
+        if (done && written == line.size()) return;
+        if (done) SetLastError(ERROR_DISK_FULL);
         raise("Cannot write a legacy dump file. File path: [%1].");
     }
 

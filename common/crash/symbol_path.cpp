@@ -12,7 +12,7 @@ constexpr const wchar_t* search_path = L"%_NT_SYMBOL_PATH%;%_NT_ALT_SYMBOL_PATH%
 std::wstring expand(const wchar_t* text) {
     std::wstring expanded(ExpandEnvironmentStringsW(text, nullptr, 0), L'\0');
     ExpandEnvironmentStringsW(text, expanded.data(), static_cast<DWORD>(expanded.size()));
-    expanded.pop_back();  // the terminating null
+    if (!expanded.empty()) expanded.pop_back();  // the terminating null
     return expanded;
 }
 
