@@ -37,7 +37,7 @@ CLibraryRepositories::CLibraryRepositories(LibraryRecords records, std::int32_t 
 
 std::vector<RepositoryEntry> CLibraryRepositories::Copy() const {
     if (!owner_ && count_ > 0) exc::raise("Configuration library returned no repositories");
-    if (count_ < 0 || count_ > most_repositories) {
+    if (count_ > most_repositories) {
         exc::raise(exc::format_message("Configuration library returned an impossible number of repositories: [%1]",
                                        std::to_string(count_)));
     }

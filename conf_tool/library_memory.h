@@ -31,8 +31,8 @@ public:
     CLibraryRepositories(LibraryRecords records, std::int32_t count, FreeRepositoriesFn free_repositories);
 
     // Raises exc::runtime_exc_t "Configuration library returned no repositories" for a null array with a count above
-    // 0, "Configuration library returned an impossible number of repositories: [%1]" for a count below 0 or above a
-    // million. A null record or a null text in one counts as empty.
+    // 0, "Configuration library returned an impossible number of repositories: [%1]" for a count above a million;
+    // one below 0 counts as 0. A null record or a null text in one counts as empty.
     std::vector<RepositoryEntry> Copy() const;
 
 private:
