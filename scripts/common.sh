@@ -43,6 +43,13 @@ wineboot_once() {
     wineserver -w
 }
 
+# One wineserver for a whole run: starting it anew for each program would take seconds. The first program also starts
+# Windows' services, which must neither hold a test's output open nor start while something is measured.
+start_wine() {
+    wineserver -p600 >/dev/null 2>&1 || true  # refused when there is one already
+    wine64 hostname >/dev/null 2>&1 </dev/null || die "failed: starting the Windows environment"
+}
+
 # build PRESET: configures once, then builds what is out of date.
 build() {
     local preset=$1 dir=$root/build/$1

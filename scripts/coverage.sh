@@ -10,8 +10,7 @@ ORMACON_WINE_PREFIX=$(cd "$(dirname "$0")/.." && pwd)/build/coverage-wine
 build coverage
 find "$root/build/coverage" -name '*.gcda' -delete
 export GCOV_PREFIX=Z:  # a program writes its notes beside its objects, whatever its current drive is
-wineserver -p600 >/dev/null 2>&1 || true
-wine64 hostname >/dev/null 2>&1 </dev/null || die "failed: starting the Windows environment"
+start_wine
 status=0
 ctest --test-dir "$root/build/coverage" --output-on-failure "$@" >&2 || status=$?
 wineserver -k || true
