@@ -89,9 +89,9 @@ Command ParseCommandLine(CommandContext& context, int argc, const char* const* a
     } catch (const po::error& failure) {
         exc::runtime_exc_t complaint;
         complaint.add_text(ConcealCredentials(failure.what(), context.options, argc, argv));
-        exc::rethrow_with_context(complaint, "Failed to parse incoming parameters");
+        exc::rethrow_as_runtime_error(complaint, "Failed to parse incoming parameters");
     } catch (const std::exception& failure) {
-        exc::rethrow_with_context(failure, "Failed to parse incoming parameters");
+        exc::rethrow_as_runtime_error(failure, "Failed to parse incoming parameters");
     }
 }
 
@@ -102,7 +102,7 @@ void ExecuteMethod(boost::function<void()> handler, const std::string& method_na
         scope.succeed();
         handler.clear();
     } catch (const std::exception& failure) {
-        exc::rethrow_with_context(failure, exc::format_message("Failed to execute method %1", method_name));
+        exc::rethrow_as_runtime_error(failure, exc::format_message("Failed to execute method %1", method_name));
     }
 }
 

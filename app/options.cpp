@@ -34,7 +34,7 @@ void BuildOptions(CommandContext& context) {
     try {
         Declare(context.options);
     } catch (const std::exception& failure) {
-        exc::rethrow_with_context(failure, "Failed to configure parser");
+        exc::rethrow_as_runtime_error(failure, "Failed to configure parser");
     }
 }
 

@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include "common/platform/module.h"
+#include "common/platform/path.h"
 #include "common/platform/owned.h"
 #include "common/win32.h"
 

@@ -14,7 +14,7 @@
 #include "common/crash/out_of_proc_dump_gen.h"
 #include "common/logging/crash_logging.h"
 #include "common/logging/log_exception.h"
-#include "common/logging/long_path.h"
+#include "common/platform/path.h"
 
 namespace crash {
 namespace {
@@ -61,8 +61,8 @@ bool write_dump(const failure_t& failure, const std::wstring& folder) noexcept {
 std::wstring generate_dump(const failure_t& failure) {
     const std::wstring* const set = dump_folder;
     const std::wstring shown = set == nullptr ? L"Dumps" : *set;
-    const std::wstring folder = logging::system_path(shown);
-    attempt([&] { logging::create_directories(folder); });
+    const std::wstring folder = platform::system_path(shown);
+    attempt([&] { platform::create_directories(folder); });
     attempt([&] { cleanup_dumps(folder, most_dumps); });
     return write_dump(failure, folder) ? shown : std::wstring();
 }

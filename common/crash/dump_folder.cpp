@@ -8,7 +8,7 @@
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
 #include "common/logging/log_exception.h"
-#include "common/platform/module.h"
+#include "common/platform/path.h"
 #include "common/platform/owned.h"
 #include "common/text/convert.h"
 
@@ -77,7 +77,7 @@ unsigned first_free_identifier(const std::set<unsigned>& taken) {
 
 std::wstring reserve_dump_identifier(const std::wstring& path) {
     const std::wstring folder = platform::parent_of(path);
-    const std::wstring begin = path.substr(folder.size() + 1) + L"_" + std::to_wstring(GetCurrentProcessId()) + L"_";
+    const std::wstring begin = platform::file_name_of(path) + L"_" + std::to_wstring(GetCurrentProcessId()) + L"_";
     std::set<unsigned> taken;
     // One listing: asking for each name takes long in a crowded folder.
     for_each_dump(folder, begin + L"*", [&](const WIN32_FIND_DATAW& entry) {

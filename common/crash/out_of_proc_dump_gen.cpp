@@ -8,7 +8,7 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
-#include "common/platform/module.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
 
 namespace crash::win32 {
@@ -44,7 +44,7 @@ std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::w
     const std::wstring folder = platform::parent_of(path);
     return decimal(reinterpret_cast<std::uintptr_t>(process_.get())) + decimal(GetCurrentProcessId()) +
            decimal(failure.thread_id) + decimal(reinterpret_cast<std::uintptr_t>(failure.pointers)) +
-           decimal(watching_thread()) + quoted(folder) + quoted(path.substr(folder.size() + 1)) +
+           decimal(watching_thread()) + quoted(folder) + quoted(platform::file_name_of(path)) +
            std::to_wstring(most_dumps_);
 }
 

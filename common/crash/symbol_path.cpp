@@ -2,19 +2,12 @@
 
 #include <sstream>
 
-#include "common/win32.h"
+#include "common/platform/path.h"
 
 namespace crash {
 namespace {
 
 constexpr const wchar_t* search_path = L"%_NT_SYMBOL_PATH%;%_NT_ALT_SYMBOL_PATH%;%SystemRoot%\\Symbols";
-
-std::wstring expand(const wchar_t* text) {
-    std::wstring expanded(ExpandEnvironmentStringsW(text, nullptr, 0), L'\0');
-    ExpandEnvironmentStringsW(text, expanded.data(), static_cast<DWORD>(expanded.size()));
-    if (!expanded.empty()) expanded.pop_back();  // the terminating null
-    return expanded;
-}
 
 // No path holds an asterisk; what names a server does.
 bool is_local(const std::wstring& place) {
@@ -24,7 +17,7 @@ bool is_local(const std::wstring& place) {
 }  // namespace
 
 std::wstring symbol_search_path() {
-    std::wistringstream places(expand(search_path));
+    std::wistringstream places(platform::expand_variables(search_path));
     std::wstring path;
     for (std::wstring place; std::getline(places, place, L';');) {
         if (is_local(place)) path += (path.empty() ? L"" : L";") + place;

@@ -17,6 +17,15 @@ void raise_win_error(std::uint32_t code, std::string_view message) {
 }
 
 void rethrow_with_context(const std::exception& cause, std::string_view context) {
+    if (const auto* known = dynamic_cast<const exc_base_t*>(&cause)) {
+        const auto copy = known->clone();
+        copy->add_text(std::string(context));
+        copy->rethrow();
+    }
+    rethrow_as_runtime_error(cause, context);
+}
+
+void rethrow_as_runtime_error(const std::exception& cause, std::string_view context) {
     runtime_exc_t failure;
     if (const auto* known = dynamic_cast<const exc_base_t*>(&cause)) {
         for (const message_part_t& part : known->parts()) {

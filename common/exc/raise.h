@@ -24,8 +24,11 @@ void add_win_error(exc_base_t& failure, std::uint32_t code, std::string_view mes
 // system.
 [[noreturn]] void raise_win_error(std::uint32_t code, std::string_view message);
 
-// Throws runtime_exc_t with the parts of the cause (for a foreign exception its what() as one plain part) and then
-// the context as a plain part.
+// Throws the cause again, its type and error code kept, with the context appended as a plain part. An exception that
+// is not of this family becomes a runtime_exc_t with its what() as the first part.
 [[noreturn]] void rethrow_with_context(const std::exception& cause, std::string_view context);
+
+// The same parts as a runtime_exc_t, whatever the cause was.
+[[noreturn]] void rethrow_as_runtime_error(const std::exception& cause, std::string_view context);
 
 }  // namespace exc

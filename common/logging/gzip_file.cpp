@@ -13,8 +13,8 @@
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/long_path.h"
 #include "common/platform/owned.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
 
 namespace logging {
@@ -28,7 +28,7 @@ std::string with_path(const char* sentence, const std::wstring& path) {
 
 platform::unique_file open_file(const std::wstring& path, DWORD access, DWORD sharing, DWORD creation,
                                 const char* sentence) {
-    platform::unique_file file(CreateFileW(system_path(path).c_str(), access, sharing, nullptr, creation,
+    platform::unique_file file(CreateFileW(platform::system_path(path).c_str(), access, sharing, nullptr, creation,
                                            FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (!file) {
         const DWORD code = GetLastError();
@@ -110,8 +110,8 @@ struct gzip_trailer_t {
 };
 
 std::optional<gzip_trailer_t> read_trailer(const std::wstring& archive) {
-    const platform::unique_file file(CreateFileW(system_path(archive).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const platform::unique_file file(CreateFileW(platform::system_path(archive).c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                                 nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return std::nullopt;
     LARGE_INTEGER place{};
     place.QuadPart = -static_cast<LONGLONG>(sizeof(gzip_trailer_t));

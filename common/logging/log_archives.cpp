@@ -7,8 +7,8 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/gzip_file.h"
-#include "common/logging/long_path.h"
 #include "common/platform/owned.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
 
 namespace logging {
@@ -64,7 +64,7 @@ private:
         const std::wstring stem_name = stem.substr(stem.find_last_of(L"\\/") + 1);
         std::set<std::uint32_t> ages;
         WIN32_FIND_DATAW found{};
-        const platform::unique_find search(FindFirstFileW(system_path(stem + L".*").c_str(), &found));
+        const platform::unique_find search(FindFirstFileW(platform::system_path(stem + L".*").c_str(), &found));
         if (!search) fail(0, GetLastError());  // at least the log itself is there
         do {
             const std::optional<std::uint32_t> age = age_of(found.cFileName, stem_name);
@@ -78,12 +78,12 @@ private:
     }
 
     void remove(std::uint32_t age) const {
-        if (!DeleteFileW(system_path(archive_path(log_path_, age)).c_str())) fail(age, GetLastError());
+        if (!DeleteFileW(platform::system_path(archive_path(log_path_, age)).c_str())) fail(age, GetLastError());
     }
 
     void move(std::uint32_t age, std::uint32_t older) const {
-        const std::wstring from = system_path(archive_path(log_path_, age));
-        const std::wstring to = system_path(archive_path(log_path_, older));
+        const std::wstring from = platform::system_path(archive_path(log_path_, age));
+        const std::wstring to = platform::system_path(archive_path(log_path_, older));
         if (!MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) fail(age, GetLastError());
     }
 
@@ -102,17 +102,17 @@ private:
 class temporary_archive_t {
 public:
     explicit temporary_archive_t(const std::wstring& archive) : archive_(archive), path_(archive + L".tmp") {
-        DeleteFileW(system_path(path_).c_str());
+        DeleteFileW(platform::system_path(path_).c_str());
     }
-    ~temporary_archive_t() { DeleteFileW(system_path(path_).c_str()); }
+    ~temporary_archive_t() { DeleteFileW(platform::system_path(path_).c_str()); }
     temporary_archive_t(const temporary_archive_t&) = delete;
     temporary_archive_t& operator=(const temporary_archive_t&) = delete;
 
     const std::wstring& path() const { return path_; }
 
     void publish() const {
-        const std::wstring from = system_path(path_);
-        if (MoveFileExW(from.c_str(), system_path(archive_).c_str(), MOVEFILE_REPLACE_EXISTING)) return;
+        const std::wstring from = platform::system_path(path_);
+        if (MoveFileExW(from.c_str(), platform::system_path(archive_).c_str(), MOVEFILE_REPLACE_EXISTING)) return;
         const DWORD code = GetLastError();
         exc::raise_win_error(code, exc::format_message("Cannot rename archive [%1].", text::wide_to_utf8(path_)));
     }
@@ -141,7 +141,7 @@ bool is_archived(const std::wstring& log_path, std::uint64_t size) noexcept try 
 }
 
 void withdraw_archive(const std::wstring& log_path) noexcept try {
-    DeleteFileW(system_path(archive_path(log_path, 0)).c_str());
+    DeleteFileW(platform::system_path(archive_path(log_path, 0)).c_str());
 } catch (const std::exception&) {
     // The log file still holds the same lines: they are kept twice.
 }

@@ -11,11 +11,10 @@
 #include "common/logging/header_block.h"
 #include "common/logging/log_exception.h"
 #include "common/logging/log_file_set.h"
-#include "common/logging/long_path.h"
 #include "common/logging/open_log.h"
 #include "common/logging/process_logger.h"
 #include "common/logging/stdout_log_file.h"
-#include "common/platform/module.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
 #include "common/win32.h"
 
@@ -63,7 +62,7 @@ boost::shared_ptr<receiver::sink_t> attach_echo(const component_t& component) tr
 
 void attach(const component_t& component, const log_options_t& options) {
     const std::string header = header_block();
-    create_directories(platform::parent_of(options.path));
+    platform::create_directories(platform::parent_of(options.path));
     attached_t next;
     next.file = log_file_set_t::numbered(options.path)
                     .open(options.limits, [&component](std::string_view sentence, const std::exception& cause) {

@@ -5,7 +5,7 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/log_archives.h"
-#include "common/logging/long_path.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
 
 namespace logging::receiver {
@@ -24,8 +24,8 @@ constexpr const char* unwritable = "Cannot write to log file. Log path: [%1].";
 win_log_file_t::win_log_file_t(const std::wstring& path, const size_limits_t& limits, report_t report)
     : log_file_t(limits, std::move(report)),
       path_(path),
-      file_(CreateFileW(system_path(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
-                        FILE_ATTRIBUTE_NORMAL, nullptr)) {
+      file_(CreateFileW(platform::system_path(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                        OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)) {
     if (!file_) {
         const DWORD code = GetLastError();
         if (code == ERROR_SHARING_VIOLATION || code == ERROR_LOCK_VIOLATION) {

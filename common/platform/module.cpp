@@ -3,12 +3,21 @@
 #include <boost/filesystem.hpp>
 
 #include "common/exc/raise.h"
-#include "common/win32.h"
+#include "common/platform/path.h"
 
 namespace platform {
 namespace {
 
-std::wstring path_of(HMODULE module) {
+HMODULE module_of_this_code() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<const wchar_t*>(&module_path), &module);
+    return module;
+}
+
+}  // namespace
+
+std::wstring module_path(HMODULE module) {
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {
         const DWORD size = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
@@ -21,20 +30,9 @@ std::wstring path_of(HMODULE module) {
     }
 }
 
-HMODULE module_of_this_code() {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<const wchar_t*>(&path_of), &module);
-    return module;
-}
-
-}  // namespace
-
-std::wstring program_path() { return path_of(nullptr); }
-
 module_path_t current_module_path() {
     const HMODULE module = module_of_this_code();
-    return {path_of(module), module != GetModuleHandleW(nullptr)};
+    return {module_path(module), module != GetModuleHandleW(nullptr)};
 }
 
 std::optional<std::wstring> symlink_target(const std::wstring& path) {
@@ -46,11 +44,6 @@ std::optional<std::wstring> symlink_target(const std::wstring& path) {
 
 std::wstring resolve_link(const std::wstring& link, const std::wstring& target) {
     return boost::filesystem::absolute(target, parent_of(link)).lexically_normal().make_preferred().wstring();
-}
-
-std::wstring parent_of(const std::wstring& path) {
-    const std::size_t separator = path.find_last_of(L"\\/");
-    return separator == std::wstring::npos ? std::wstring() : path.substr(0, separator);
 }
 
 }  // namespace platform

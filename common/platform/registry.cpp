@@ -5,6 +5,7 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/platform/owned.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
 
 namespace platform {
@@ -16,14 +17,6 @@ std::optional<Number> number_of(const std::vector<unsigned char>& data) {
     if (data.size() != sizeof value) return std::nullopt;
     std::memcpy(&value, data.data(), sizeof value);
     return value;
-}
-
-std::wstring expand_variables(const std::wstring& text) {
-    std::wstring result(ExpandEnvironmentStringsW(text.c_str(), nullptr, 0), L'\0');
-    const DWORD size = ExpandEnvironmentStringsW(text.c_str(), result.data(), static_cast<DWORD>(result.size()));
-    if (size == 0 || size > result.size()) return text;
-    result.resize(size - 1);
-    return result;
 }
 
 [[noreturn]] void raise_unreadable(LSTATUS code, const char* sentence, const std::wstring& name) {

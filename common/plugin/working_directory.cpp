@@ -8,6 +8,7 @@
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
 #include "common/platform/module.h"
+#include "common/platform/path.h"
 #include "common/platform/registry.h"
 #include "common/text/convert.h"
 

@@ -13,6 +13,7 @@ using namespace exc;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
+using testing::Throws;
 using testing::ThrowsMessage;
 
 runtime_exc_t Sample() {
@@ -58,6 +59,9 @@ TEST(Exceptions, ContextComesLastAndKeepsTraceMarks) {
                 ThrowsMessage<runtime_exc_t>("A\nB\n--tr:Error code: 0x00000002\nContext"));
     EXPECT_THAT([] { rethrow_with_context(std::runtime_error("foreign"), "Context"); },
                 ThrowsMessage<runtime_exc_t>("foreign\nContext"));
+    EXPECT_THAT([] { rethrow_with_context(win_sys_exc_t(7), "Context"); },
+                Throws<win_sys_exc_t>(testing::Field(&win_sys_exc_t::error_code, 7U)));
+    EXPECT_THAT([] { rethrow_as_runtime_error(win_sys_exc_t(7), "Context"); }, ThrowsMessage<runtime_exc_t>("Context"));
 }
 
 std::string Serialised(const exc_base_t& failure) {

@@ -1,3 +1,6 @@
+#include <array>
+#include <vector>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -5,6 +8,7 @@
 #include "common/exc/exceptions.h"
 #include "common/platform/module.h"
 #include "common/platform/owned.h"
+#include "common/platform/path.h"
 #include "common/platform/registry.h"
 #include "tests/support/test_registry.h"
 
@@ -63,8 +67,23 @@ TEST(Module, KnowsThisProgram) {
     EXPECT_EQ(resolve_link(L"C:\\a\\l.exe", L"..\\b\\t.exe"), L"C:\\b\\t.exe");
     EXPECT_EQ(resolve_link(L"C:\\a\\l.exe", L"t.exe"), L"C:\\a\\t.exe");
     EXPECT_EQ(resolve_link(L"C:\\a\\l.exe", L"D:/c/t.exe"), L"D:\\c\\t.exe");
-    EXPECT_EQ(parent_of(L"C:\\a/b.exe"), L"C:\\a");
-    EXPECT_EQ(parent_of(L"b.exe"), L"");
+}
+
+TEST(Path, TakesApartAndJoins) {
+    for (const auto& [path, parent, name] : std::vector<std::array<const wchar_t*, 3>>{
+             {L"C:\\a/b.exe", L"C:\\a", L"b.exe"}, {L"b.exe", L"", L"b.exe"}, {L"D:\\b.exe", L"D:\\", L"b.exe"}}) {
+        EXPECT_EQ(parent_of(path), parent);
+        EXPECT_EQ(file_name_of(path), name);
+    }
+    EXPECT_EQ(join_path(L"D:\\", L"x"), L"D:\\x");
+    EXPECT_EQ(join_path(L"D:\\a", L"x"), L"D:\\a\\x");
+}
+
+TEST(Path, SystemPathsHaveNoLengthLimit) {
+    EXPECT_EQ(system_path(L"C:/a/../b."), L"\\\\?\\C:\\b");
+    EXPECT_EQ(system_path(L"\\\\server\\share\\a"), L"\\\\?\\UNC\\server\\share\\a");
+    for (const wchar_t* unchanged : {L"\\\\?\\C:\\a", L"\\\\.\\pipe\\a"}) EXPECT_EQ(system_path(unchanged), unchanged);
+    EXPECT_EQ(system_path(L"NUL"), L"\\\\.\\NUL");
 }
 
 TEST(Owned, ClosesOnceAndKeepsTheLastError) {

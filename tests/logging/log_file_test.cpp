@@ -11,9 +11,9 @@
 #include "common/logging/log_file_set.h"
 #include "common/logging/component.h"
 #include "common/logging/logger_core.h"
-#include "common/logging/long_path.h"
 #include "common/logging/method_scope.h"
 #include "common/logging/process_logger.h"
+#include "common/platform/path.h"
 #include "tests/logging/log_test_kit.h"
 
 using namespace logging;
@@ -231,7 +231,7 @@ TEST(log_file, long_paths) {
     const folder_t folder;
     std::wstring path = folder.path.wstring();
     for (int level = 0; level < 6; ++level) path += L"\\" + std::wstring(60, L'a');
-    create_directories(path);
+    platform::create_directories(path);
     {
         log_t log(path + L"\\A.log", {1320, 3});
         log.write(1, 25);

@@ -88,7 +88,7 @@ TEST(log_process, opening_twice_closing_and_failing_to_open) {
     const fs::path below = fs::path(path) / "sub" / "x.log";
     const log_options_t blocked{below.wstring(), {}, {}};
     EXPECT_THAT([&] { open_log(ormacon_tool, blocked); },
-                ThrowsMessage<exc::runtime_exc_t>(HasSubstr("\nFailed to initialize log [" + below.string() + "].")));
+                ThrowsMessage<exc::win_sys_exc_t>(HasSubstr("\nFailed to initialize log [" + below.string() + "].")));
 }
 
 // The two programs of kill_test.py. The writer announces each record that was logged.

@@ -5,6 +5,7 @@
 
 #include "common/exc/error_text.h"
 #include "common/platform/module.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
 #include "tests/support/recording_sink.h"
 #include "tests/support/test_registry.h"
