@@ -1,7 +1,5 @@
 #include "conf_tool/lib_caller.h"
 
-#include <iterator>
-
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/method_scope.h"
@@ -12,24 +10,15 @@ namespace conf_tool {
 namespace {
 
 [[noreturn]] void RaiseLibraryError(LibraryError error, FreeStringFn free_string) {
-    std::string message = "Configuration library returned an unknown error";
-    if (const CLibraryText text(error, free_string); text) message = text::wide_to_utf8(text.Get());
-    exc::raise(message);
+    const CLibraryText text(error, free_string);
+    exc::raise(text ? text::wide_to_utf8(text.Get()) : "Configuration library returned an unknown error");
 }
 
-void LogReceived(const std::vector<RepositoryEntry>& entries) {
-    logging::ormacon_tool.info(
-        exc::format_message("ConfigToolLibCaller received repos: size=[%1]", std::to_string(entries.size())));
-    for (const RepositoryEntry& entry : entries) {
-        logging::ormacon_tool.info(exc::format_message(
-            "ConfigToolLibCaller received repo id=[%1] name=[%2] capacity=[%3] free_space=[%4] encryptionEnabled=[%5]",
-            {text::wide_to_utf8(entry.id), text::wide_to_utf8(entry.name), SizeText(entry.capacity),
-             SizeText(entry.free_space), entry.encryptionEnabled ? "1" : "0"}));
-    }
-}
-
-void Append(std::vector<RepositoryEntry>& target, std::vector<RepositoryEntry> entries) {
-    target.insert(target.end(), std::make_move_iterator(entries.begin()), std::make_move_iterator(entries.end()));
+void LogReceived(const RepositoryEntry& entry) {
+    logging::ormacon_tool.info(exc::format_message(
+        "ConfigToolLibCaller received repo id=[%1] name=[%2] capacity=[%3] free_space=[%4] encryptionEnabled=[%5]",
+        {text::wide_to_utf8(entry.id), text::wide_to_utf8(entry.name), SizeText(entry.capacity),
+         SizeText(entry.free_space), entry.encryptionEnabled ? "1" : "0"}));
 }
 
 }  // namespace
@@ -114,7 +103,8 @@ void CConfigToolLibCaller::GetConfig(ConfigurationSnapshot& into) {
         into.domain = owned_domain.Get();
         into.password = owned_password.Get();
         into.host = owned_host.Get();
-        Append(into.repositories, owned_repositories.Copy());
+        const std::int32_t size = owned_repositories.Count();
+        for (std::int32_t i = 0; i < size; ++i) into.repositories.push_back(owned_repositories.Entry(i));
     };
     // The failure line of this operation has a spelling of its own, which people search logs for.
     Call("GetConfig", "CallGetConfig", invoke, take_results);
@@ -124,9 +114,14 @@ void CConfigToolLibCaller::GetTBRRepositories(std::vector<RepositoryEntry>& into
     LibraryRecords records = nullptr;
     std::int32_t count = 0;
     const auto take_results = [&] {
-        auto entries = CLibraryRepositories(records, count, functions_.FreeRepositories).Copy();
-        LogReceived(entries);
-        Append(into, std::move(entries));
+        const CLibraryRepositories owned(records, count, functions_.FreeRepositories);
+        logging::ormacon_tool.info(
+            exc::format_message("ConfigToolLibCaller received repos: size=[%1]", std::to_string(count)));
+        const std::int32_t size = owned.Count();
+        for (std::int32_t i = 0; i < size; ++i) {
+            into.push_back(owned.Entry(i));
+            LogReceived(into.back());
+        }
     };
     Call(
         "GetTBRRepositories",

@@ -8,6 +8,8 @@
 #include "common/exc/raise.h"
 #include "common/logging/log_exception.h"
 #include "common/logging/method_scope.h"
+#include "common/platform/module.h"
+#include "common/text/convert.h"
 
 namespace conf_tool {
 namespace {
@@ -42,6 +44,9 @@ void CConfigToolLibCaller::Load(CallerMode mode) {
     logging::method_scope_t scope(logging::ormacon_tool, LoadingText(mode));
     module_ = LoadLibraryW(L"OrmaconLib.dll");
     if (module_ == nullptr) exc::raise_win_error(GetLastError(), "Failed to load configuration library");
+    logging::ormacon_tool.log(
+        logging::level_detail,
+        exc::format_message("Configuration library: [%1]", text::wide_to_utf8(platform::module_path(module_))));
     ResolveExports(mode);
     scope.succeed();
 }

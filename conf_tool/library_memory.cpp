@@ -1,5 +1,7 @@
 #include "conf_tool/library_memory.h"
 
+#include <algorithm>
+
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 
@@ -18,35 +20,27 @@ RepositoryEntry ToEntry(const plug_common::SRepositoryCType& record) {
 
 }  // namespace
 
-CLibraryText::CLibraryText(LibraryText text, FreeStringFn free_string) {
-    if (text != nullptr) owner_.reset(text, free_string);
-}
-
 const wchar_t* CLibraryText::Get() const {
     if (!owner_) exc::raise("Configuration library returned no text");
     return owner_.get();
 }
 
-CLibraryRepositories::CLibraryRepositories(LibraryRecords records, std::int32_t count,
-                                           FreeRepositoriesFn free_repositories)
-    : owner_(records,
-             [count, free_repositories](LibraryRecords owned) {
-                 if (owned != nullptr || count == 0) free_repositories(owned, count);
-             }),
-      count_(count) {}
+CLibraryRepositories::~CLibraryRepositories() {
+    if (records_ != nullptr || count_ == 0) free_repositories_(records_, count_);
+}
 
-std::vector<RepositoryEntry> CLibraryRepositories::Copy() const {
-    if (!owner_ && count_ > 0) exc::raise("Configuration library returned no repositories");
+std::int32_t CLibraryRepositories::Count() const {
+    if (records_ == nullptr && count_ > 0) exc::raise("Configuration library returned no repositories");
     if (count_ > most_repositories) {
         exc::raise(exc::format_message("Configuration library returned an impossible number of repositories: [%1]",
                                        std::to_string(count_)));
     }
-    std::vector<RepositoryEntry> entries;
-    for (std::int32_t i = 0; i < count_; ++i) {
-        const plug_common::SRepositoryCType* record = owner_.get()[i];
-        entries.push_back(record == nullptr ? RepositoryEntry{} : ToEntry(*record));
-    }
-    return entries;
+    return std::max(count_, 0);
+}
+
+RepositoryEntry CLibraryRepositories::Entry(std::int32_t index) const {
+    const plug_common::SRepositoryCType* record = records_[index];
+    return record == nullptr ? RepositoryEntry{} : ToEntry(*record);
 }
 
 std::vector<plug_common::SRepositoryCType> ToLibraryRecords(const std::vector<RepositoryEntry>& entries) {

@@ -1,46 +1,54 @@
-// Owners of what the configuration library allocated; each gives its memory back to the library exactly once.
+// Owners of what the configuration library allocated. Each returns its memory to the library exactly once. Making an
+// owner never fails, so that several can be made one after another without losing what the next one is to own.
 #pragma once
 
+#include <memory>
 #include <vector>
-
-#include <boost/shared_ptr.hpp>
 
 #include "conf_tool/configuration.h"
 #include "conf_tool/function_table.h"
 
 namespace conf_tool {
 
-// A text that the library gave out, null for none.
+// A text that the library returned, null for none.
 class CLibraryText {
 public:
-    CLibraryText(LibraryText text, FreeStringFn free_string);
+    CLibraryText(LibraryText text, FreeStringFn free_string) noexcept : owner_(text, free_string) {}
 
-    // The text, valid while this object lives. A null one breaks the library's contract and raises
+    // The text, valid during the lifetime of this object. A null one breaks the library's contract and throws
     // exc::runtime_exc_t "Configuration library returned no text".
     const wchar_t* Get() const;
 
     explicit operator bool() const { return owner_ != nullptr; }
 
 private:
-    boost::shared_ptr<wchar_t> owner_;
+    std::unique_ptr<wchar_t, FreeStringFn> owner_;
 };
 
-// An array of repository records that the library gave out.
+// An array of repository records that the library returned.
 class CLibraryRepositories {
 public:
-    CLibraryRepositories(LibraryRecords records, std::int32_t count, FreeRepositoriesFn free_repositories);
+    CLibraryRepositories(LibraryRecords records, std::int32_t count, FreeRepositoriesFn free_repositories) noexcept
+        : records_(records), count_(count), free_repositories_(free_repositories) {}
+    ~CLibraryRepositories();
+    CLibraryRepositories(const CLibraryRepositories&) = delete;
+    CLibraryRepositories& operator=(const CLibraryRepositories&) = delete;
 
-    // Raises exc::runtime_exc_t "Configuration library returned no repositories" for a null array with a count above
-    // 0, "Configuration library returned an impossible number of repositories: [%1]" for a count above a million;
-    // one below 0 counts as 0. A null record or a null text in one counts as empty.
-    std::vector<RepositoryEntry> Copy() const;
+    // The number of records. A negative count of the library's is 0. Throws exc::runtime_exc_t "Configuration library
+    // returned no repositories" for a null array with a count above 0, and "Configuration library returned an
+    // impossible number of repositories: [%1]" for a count above a million.
+    std::int32_t Count() const;
+
+    // A copy of one of the Count() records. A null record and a null text count as empty.
+    RepositoryEntry Entry(std::int32_t index) const;
 
 private:
-    boost::shared_ptr<plug_common::SRepositoryCType*> owner_;
+    LibraryRecords records_;
     std::int32_t count_;
+    FreeRepositoriesFn free_repositories_;
 };
 
-// The contiguous records that the library takes. The texts stay those of the entries, which must outlive them.
+// The contiguous records that the library takes. They point to the texts of the entries, which must outlive them.
 std::vector<plug_common::SRepositoryCType> ToLibraryRecords(const std::vector<RepositoryEntry>& entries);
 
 }  // namespace conf_tool

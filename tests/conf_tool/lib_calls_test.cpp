@@ -124,7 +124,7 @@ TEST_F(LibCalls, ReceivedRepositoriesAreLoggedAndAppended) {
     host_.ExpectMemoryBalanced();
 }
 
-// What a library gives out, and the counts and texts that it got back.
+// What a library returns, and the counts and texts that it got back.
 plug_common::SRepositoryCType record{L"R1", nullptr, 1, 1, 0};
 plug_common::SRepositoryCType* records[] = {&record, nullptr};
 std::vector<std::int32_t> arrays_back;
@@ -154,21 +154,25 @@ TEST_F(LibCalls, WhatBreaksTheContractIsRefusedAndGivenBackOnce) {
     const std::string impossible = "Configuration library returned an impossible number of repositories: ";
     const struct {
         GetTBRRepositoriesFn give;
+        std::string size;  // as it is logged
         std::string failure;
         std::vector<std::int32_t> back;
     } cases[] = {
-        {GiveRepositories<INT32_MIN, records, -1>, unknown, {}},
-        {GiveRepositories<1, nullptr, INT32_MAX>, unknown, {}},
-        {GiveRepositories<0, nullptr, 2>, "Configuration library returned no repositories", {}},
-        {GiveRepositories<0, records, -1>, "nothing was raised", {-1}},
-        {GiveRepositories<0, records, INT32_MAX>, impossible + "[2147483647]", {INT32_MAX}},
-        {GiveRepositories<0, records, 2>, "nothing was raised", {2}},
+        {GiveRepositories<INT32_MIN, records, -1>, "", unknown, {}},
+        {GiveRepositories<1, nullptr, INT32_MAX>, "", unknown, {}},
+        {GiveRepositories<0, nullptr, 2>, "[2]", "Configuration library returned no repositories", {}},
+        {GiveRepositories<0, nullptr, 0>, "[0]", "nothing was raised", {0}},
+        {GiveRepositories<0, records, -1>, "[-1]", "nothing was raised", {-1}},
+        {GiveRepositories<0, records, INT32_MAX>, "[2147483647]", impossible + "[2147483647]", {INT32_MAX}},
+        {GiveRepositories<0, records, 2>, "[2]", "nothing was raised", {2}},
     };
     for (const auto& c : cases) {
         arrays_back.clear();
         library_.Replace("GetTBRRepositoriesDirect", c.give);
+        test_support::CRecordedLog log;
         EXPECT_EQ(FailureOf(GetTBRRepositories, caller), c.failure);
         EXPECT_EQ(arrays_back, c.back) << c.failure;
+        EXPECT_EQ(log.Contains("ConfigToolLibCaller received repos: size=" + c.size), !c.size.empty()) << c.failure;
     }
     library_.Replace("GetConfig", GiveNoHost<1>);
     EXPECT_EQ(FailureOf(GetConfig, caller), unknown);
