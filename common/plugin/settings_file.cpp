@@ -17,6 +17,9 @@ namespace {
 using exc::format_message;
 using logging::plugin_common;
 
+// More than any settings need, and little enough to be read whole.
+constexpr std::size_t largest_file = 1024 * 1024;
+
 struct close_file_t {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
@@ -35,6 +38,7 @@ std::string read_text(const std::wstring& path) {
     std::array<char, 4096> chunk{};
     while (const std::size_t size = std::fread(chunk.data(), 1, chunk.size(), file.get())) {
         content.append(chunk.data(), size);
+        if (content.size() > largest_file) exc::raise("The file is larger than 1 MiB.");
     }
     if (std::ferror(file.get())) exc::raise(format_message("Failed to load configuration file: %1", name));
     return content;

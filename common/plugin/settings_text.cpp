@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 #include <tinyxml.h>
 
@@ -15,9 +16,50 @@ namespace {
 using exc::format_message;
 using logging::plugin_common;
 
-// The parser calls itself for each element inside another: some thousands of them would be the end of the stack.
-void refuse_deep_text(const std::string& text) {
-    if (std::ranges::count(text, '<') > 1000) exc::raise("There are more than 1000 tags.");
+// Moves behind the next occurrence of the mark, or to the end.
+void skip_past(std::string_view& text, std::string_view mark) {
+    text.remove_prefix(std::min(text.find(mark), text.size()));
+    text.remove_prefix(std::min(mark.size(), text.size()));
+}
+
+// Moves behind the tag that the text begins with; a ">" in a quoted value does not end it. Returns whether the element
+// has no end tag of its own.
+bool skip_tag(std::string_view& text) {
+    char quote = 0;
+    char last = 0;
+    for (std::size_t at = 1; at < text.size(); ++at) {
+        const char c = text[at];
+        if (quote == 0 && c == '>') {
+            text.remove_prefix(at + 1);
+            return last == '/';
+        }
+        if (quote == 0 ? c == '"' || c == '\'' : c == quote) quote = quote == 0 ? c : '\0';
+        last = c;
+    }
+    text = {};
+    return false;
+}
+
+// The parser calls itself for each element inside another: some thousands of them would exhaust the stack.
+void refuse_deep_text(std::string_view text) {
+    constexpr int deepest = 1000;
+    int depth = 0;
+    for (;;) {
+        text.remove_prefix(std::min(text.find('<'), text.size()));
+        if (text.empty()) return;
+        if (text.starts_with("<!--")) {
+            skip_past(text, "-->");
+        } else if (text.starts_with("<![CDATA[")) {
+            skip_past(text, "]]>");
+        } else if (text.starts_with("<?") || text.starts_with("<!")) {
+            skip_past(text, ">");
+        } else if (text.starts_with("</")) {
+            skip_past(text, ">");
+            depth = std::max(depth - 1, 0);
+        } else if (!skip_tag(text) && ++depth > deepest) {
+            exc::raise("Elements are nested more than 1000 deep.");
+        }
+    }
 }
 
 // False when the text is no XML, which is logged.

@@ -18,7 +18,7 @@ struct common_settings_t {
 };
 
 // A value that is missing or malformed keeps its default, and so do all of a text that is no XML, which is logged.
-// Raises as find_child_node() does, and runtime_exc_t "There are more than 1000 tags.".
+// Throws what find_child_node() throws, and runtime_exc_t "Elements are nested more than 1000 deep.".
 common_settings_t parse_settings(const std::string& text);
 
 // The named child element. Raises runtime_exc_t "There is no node with the specified name: [%1].".

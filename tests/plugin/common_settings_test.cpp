@@ -57,6 +57,12 @@ TEST_F(CommonSettings, ElementsComeBeforeAttributes) {
     }
 }
 
+TEST_F(CommonSettings, ManyFlatElementsAreNoDepth) {
+    std::string parameters = "<PluginParameters>";
+    for (int i = 0; i < 5000; ++i) parameters += "<x>1</x><y/>";
+    EXPECT_EQ(LoadParameters(parameters + "<logsDir>C:\\l</logsDir></PluginParameters>").logsDir, "C:\\l");
+}
+
 TEST_F(CommonSettings, NumbersFallBackToTheirDefaults) {
     const std::pair<const char*, int> cases[] = {{"abc", 6791},   {"7000x", 7000}, {"", 6791},
                                                  {"x7000", 6791}, {"-1", -1},      {" 12 ", 12}};
@@ -92,9 +98,11 @@ TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
                         unable + "There is no node with the specified name: [" + node + "]."});
     }
     std::string deep;
-    while (deep.size() < 300000) deep += "<a>";
+    while (deep.size() < 300000) deep += "<a x='</a>'><!--</a>-->";
     Load(deep);
-    ExpectDefaults({loading, unable + "There are more than 1000 tags."});
+    ExpectDefaults({loading, unable + "Elements are nested more than 1000 deep."});
+    Load(std::string(1024 * 1024 + 1, ' '));
+    ExpectDefaults({loading, unable + "The file is larger than 1 MiB."});
 
     std::filesystem::remove(folder_ / "tovak_common_config.xml");
     std::filesystem::create_directory(folder_ / "tovak_common_config.xml");
