@@ -14,7 +14,7 @@ public:
     explicit CConfigToolWizard(boost::shared_ptr<conf_tool::CConfigToolLibCaller> caller, int scope_edition = 0);
 
     // Asks, shows the summary, and applies, exports or cancels, until the user is done. A failure is shown and may be
-    // answered with a restart; none leaves this function but exc::term_exc_t, when the program is being ended.
+    // answered with a restart; none leaves this function.
     void StartWizard();
 
     // The steps. A failure of the answer or of the library is raised; nothing is asked twice.

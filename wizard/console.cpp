@@ -9,7 +9,7 @@
 #include "common/logging/component.h"
 #include "common/text/convert.h"
 #include "wizard/console_device.h"
-#include "wizard/echo_guard.h"
+#include "wizard/console_session.h"
 
 namespace wizard {
 

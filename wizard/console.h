@@ -9,8 +9,8 @@ namespace wizard {
 void PrintToConsole(std::wstring text);
 
 // Reads one line, without its line end; hidden input is not echoed. Logs "Read from console [%1]", with "Hidden data"
-// in place of what was hidden. Returns an empty text for an empty line and where there is no console. Raises
-// exc::term_exc_t when the read was cancelled because the program is being ended.
+// in place of what was hidden. Returns an empty text for an empty line and where there has never been a console. A read
+// that fails because the user has pressed Ctrl+C or closed the window does not return: the process ends.
 // A visible line of more than 1,024 UTF-16 units comes in several reads; of a hidden one the rest is dropped, so that
 // it cannot show up as the answer to the next question.
 std::wstring ReadFromConsole(bool hidden = false);

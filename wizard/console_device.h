@@ -10,8 +10,7 @@ public:
     virtual ~IConsoleDevice() = default;
     virtual void Write(const std::wstring& text) = 0;
 
-    // One line without its line end. For a hidden one the echo is off already. Raises exc::term_exc_t when the read was
-    // cancelled.
+    // Returns one line without its line end. For a hidden one the echo is off already.
     virtual std::wstring ReadLine(bool hidden) = 0;
 
     // False where nobody can answer: every line is empty then, and a question must not be repeated.

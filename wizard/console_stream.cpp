@@ -6,6 +6,7 @@
 
 #include <boost/algorithm/string/replace.hpp>
 
+#include "common/platform/console.h"
 #include "common/text/convert.h"
 #include "wizard/windows_console.h"
 #include "common/win32.h"
@@ -29,15 +30,10 @@ protected:
     }
 };
 
-bool OutputIsConsole() {
-    DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != FALSE;
-}
-
 }  // namespace
 
 void PrepareStandardOutput() {
-    if (OutputIsConsole()) {
+    if (platform::is_console(GetStdHandle(STD_OUTPUT_HANDLE))) {
         // Never destroyed: objects with static storage print while the process ends.
         static auto* const buffer = new CConsoleBuffer;
         std::cout.rdbuf(buffer);

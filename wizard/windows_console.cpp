@@ -2,15 +2,13 @@
 
 #include <array>
 
-#include "common/exc/raise.h"
+#include "common/platform/console.h"
 #include "common/text/wipe.h"
-#include "wizard/echo_guard.h"
+#include "wizard/console_session.h"
 #include "common/win32.h"
 
 namespace wizard {
 namespace {
-
-constexpr DWORD end_of_process_wait_ms = 10000;
 
 class CReadBuffer {
 public:
@@ -22,23 +20,11 @@ private:
     std::array<wchar_t, 1024> units_{};
 };
 
-// A cancelled read comes back as a failed one or as one of no characters at all, not even a line end, while another
-// thread is ending the process. It must never look like an empty answer.
-bool WasCancelled(BOOL succeeded, DWORD error, DWORD count) {
-    if (IsInputCancelled()) return true;
-    return succeeded ? count == 0 : error == ERROR_OPERATION_ABORTED;
-}
-
-[[noreturn]] void AwaitEndOfProcess() {
-    Sleep(end_of_process_wait_ms);
-    exc::raise<exc::term_exc_t>("Console input was cancelled");
-}
-
 // The line is built where it is returned: it may be a password, and each copy would have to be wiped.
 std::wstring ReadUnits(CReadBuffer& buffer) {
     DWORD count = 0;
     const BOOL succeeded = ReadConsoleW(GetStdHandle(STD_INPUT_HANDLE), buffer.data(), buffer.size(), &count, nullptr);
-    if (WasCancelled(succeeded, GetLastError(), count)) AwaitEndOfProcess();
+    EndProcessUnlessRead(succeeded && count > 0);  // even an empty line has its line end
     return std::wstring(buffer.data(), count);
 }
 
@@ -61,8 +47,7 @@ IConsoleDevice*& DeviceInUse() {
 }  // namespace
 
 void CWindowsConsole::Write(const std::wstring& text) {
-    DWORD written = 0;
-    WriteConsoleW(GetStdHandle(STD_OUTPUT_HANDLE), text.c_str(), static_cast<DWORD>(text.size()), &written, nullptr);
+    platform::write_console(GetStdHandle(STD_OUTPUT_HANDLE), text);
 }
 
 std::wstring CWindowsConsole::ReadLine(bool hidden) {
@@ -79,10 +64,7 @@ std::wstring CWindowsConsole::ReadLine(bool hidden) {
     return line;
 }
 
-bool CWindowsConsole::IsInteractive() const {
-    DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != FALSE;
-}
+bool CWindowsConsole::IsInteractive() const { return platform::is_console(GetStdHandle(STD_INPUT_HANDLE)); }
 
 IConsoleDevice& ConsoleDevice() { return *DeviceInUse(); }
 

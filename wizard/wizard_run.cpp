@@ -15,6 +15,7 @@
 #include "wizard/console_device.h"
 #include "wizard/output_path.h"
 #include "wizard/prompts.h"
+#include "wizard/repository_selection.h"
 
 namespace wizard {
 namespace {
@@ -79,8 +80,6 @@ void CConfigToolWizard::StartWizard() {
         try {
             RunIteration();
             return;
-        } catch (const exc::term_exc_t&) {
-            throw;  // there is nobody left to ask
         } catch (const std::exception& failure) {
             restart = AskAfterFailure(failure);
         } catch (...) {
@@ -97,7 +96,7 @@ void CConfigToolWizard::RunIteration() {
     AskPort();
     AskCredentials();
     AskRepositories();
-    AskParallelism();
+    if (scope_edition_ != standard_edition) AskParallelism();
     ShowSummary();
     AskAndSave();
     ShowResult();

@@ -64,10 +64,13 @@ TEST_F(WizardRun, DefaultsShowWhatIsConfiguredAndStillOffered) {
     host_.Scenario(
         "<Server edition='1'/><Repositories><Repository id='A' name='A'/><Repository id='REP-0004' name='B'/>"
         "</Repositories>");
-    const std::wstring transcript = Play({L"h", L"1", L"", L"", L"", L"", L"3"});
+    const std::wstring transcript = Play({L"h", L"1", L"", L"", L"", L"1"});
     EXPECT_THAT(transcript, HasSubstr(L"Enter username [\\oracle]: <>Enter password for \\oracle: <#>"));
     EXPECT_THAT(transcript,
-                HasSubstr(L"Select Tovak repository from the list by typing the repository number [2]: <>"));
+                HasSubstr(L"Select Tovak repository from the list by typing the repository number [2]: <>\r\nSummary"));
+    // In Standard Edition nothing about parallelism is asked, neither of the user nor of the library.
+    EXPECT_EQ(host_.Calls("GetParallelismRangeString") + host_.Calls("SetParallelism"), 0);
+    EXPECT_EQ(host_.Calls("Commit"), 1);
 }
 
 TEST_F(WizardRun, ExportWritesBothFilesAndReplacesOnlyOnAYes) {
@@ -241,17 +244,6 @@ TEST_F(WizardRun, NothingIsRepeatedWhereNobodyCanAnswer) {
         console.interactive = false;
         Start();
         EXPECT_THAT(console.transcript(), EndsWith(std::wstring(restart_question) + L"<>"));
-    }
-}
-
-TEST_F(WizardRun, ACancelledReadEndsTheWizardWithoutAnyAnswer) {
-    for (std::size_t given = 0; given <= 6; ++given) {
-        Answers answers = FirstTime({});
-        answers.resize(given);
-        CScriptedConsole console(answers);
-        EXPECT_THROW(Start(), exc::term_exc_t);
-        EXPECT_EQ(console.transcript().find(restart_question), std::wstring::npos);
-        EXPECT_EQ(host_.Calls("Commit") + host_.Calls("Cancel"), 0);
     }
 }
 

@@ -1,4 +1,4 @@
-#include "wizard/echo_guard.h"
+#include "wizard/console_session.h"
 
 #include <iostream>
 #include <mutex>
@@ -6,7 +6,8 @@
 #include <utility>
 
 #include "common/crash/handler_registry.h"
-#include "common/exc/raise.h"
+#include "common/logging/component.h"
+#include "common/platform/console.h"
 #include "wizard/console_stream.h"
 #include "common/win32.h"
 
@@ -18,7 +19,8 @@ struct ConsoleState {
     std::mutex mutex;
     bool cancelled = false;
     bool echo_off = false;
-    // As the console was found, until it is given back so.
+    bool had_console = false;
+    // The console's original state, until it is restored.
     std::optional<DWORD> input_mode;
     std::optional<DWORD> output_mode;
     UINT output_code_page = 0;
@@ -38,9 +40,9 @@ std::optional<DWORD> Mode(DWORD stream) {
 void SetMode(DWORD stream, DWORD mode) { SetConsoleMode(GetStdHandle(stream), mode); }
 
 void ReadLines(bool echo) {
-    const auto present = Mode(STD_INPUT_HANDLE);
-    if (!present) return;
-    const DWORD mode = *present | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT | ENABLE_ECHO_INPUT;
+    const auto current = Mode(STD_INPUT_HANDLE);
+    if (!current) return;
+    const DWORD mode = *current | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT | ENABLE_ECHO_INPUT;
     SetMode(STD_INPUT_HANDLE, echo ? mode : mode & ~DWORD{ENABLE_ECHO_INPUT});
 }
 
@@ -51,33 +53,35 @@ bool RestoreEcho(ConsoleState& state) {
     return true;
 }
 
-// What the shell prints next would else stand behind the prompt. The stream belongs to another thread.
-void EndPromptLine() {
-    DWORD written = 0;
-    WriteConsoleW(GetStdHandle(STD_OUTPUT_HANDLE), L"\r\n", 2, &written, nullptr);
-}
+// Otherwise what the shell prints next would follow the prompt on its line. std::cout belongs to another thread.
+void EndPromptLine() { platform::write_console(GetStdHandle(STD_OUTPUT_HANDLE), L"\r\n"); }
 
-void GiveBackAsFound(ConsoleState& state) {
+void RestoreConsole(ConsoleState& state) {
     if (const auto mode = std::exchange(state.input_mode, std::nullopt)) SetMode(STD_INPUT_HANDLE, *mode);
     if (const auto mode = std::exchange(state.output_mode, std::nullopt)) SetMode(STD_OUTPUT_HANDLE, *mode);
     if (const UINT code_page = std::exchange(state.output_code_page, 0)) SetConsoleOutputCP(code_page);
 }
 
-// The crashed thread may hold the mutex; it stands still, so that there is nobody to be kept out.
+// The crashed thread may hold the mutex; it does not run on, so nobody has to be kept out.
 void RestoreAfterCrash() {
     ConsoleState& state = State();
     const std::unique_lock lock(state.mutex, std::try_to_lock);
     RestoreEcho(state);
-    GiveBackAsFound(state);
+    RestoreConsole(state);
+}
+
+// Returns whether this was the first call.
+bool CancelInput() {
+    ConsoleState& state = State();
+    const std::lock_guard lock(state.mutex);
+    if (RestoreEcho(state)) EndPromptLine();
+    RestoreConsole(state);
+    return !std::exchange(state.cancelled, true);
 }
 
 // The default handler, which ends the process, runs after this one.
 BOOL WINAPI OnControlEvent(DWORD) {
-    ConsoleState& state = State();
-    const std::lock_guard lock(state.mutex);
-    state.cancelled = true;
-    if (RestoreEcho(state)) EndPromptLine();
-    GiveBackAsFound(state);
+    CancelInput();
     return FALSE;
 }
 
@@ -86,7 +90,7 @@ BOOL WINAPI OnControlEvent(DWORD) {
 CEchoGuard::CEchoGuard() {
     ConsoleState& state = State();
     const std::lock_guard lock(state.mutex);
-    if (state.cancelled) exc::raise<exc::term_exc_t>("Console input was cancelled");
+    if (state.cancelled) return;
     state.echo_off = true;
     ReadLines(false);
 }
@@ -104,7 +108,9 @@ CConsoleSession::CConsoleSession() {
     ConsoleState& state = State();
     const std::lock_guard lock(state.mutex);
     state.input_mode = Mode(STD_INPUT_HANDLE);
+    state.had_console = state.input_mode.has_value();
     state.output_mode = Mode(STD_OUTPUT_HANDLE);
+    if (state.output_mode) SetMode(STD_OUTPUT_HANDLE, *state.output_mode & ~DWORD{ENABLE_VIRTUAL_TERMINAL_PROCESSING});
     state.output_code_page = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
     PrepareStandardOutput();
@@ -116,7 +122,7 @@ CConsoleSession::~CConsoleSession() {
     SetConsoleCtrlHandler(OnControlEvent, FALSE);
     ConsoleState& state = State();
     const std::lock_guard lock(state.mutex);
-    GiveBackAsFound(state);
+    RestoreConsole(state);
 }
 
 void PrepareVisibleInput() {
@@ -125,10 +131,16 @@ void PrepareVisibleInput() {
     if (!state.cancelled) ReadLines(true);
 }
 
-bool IsInputCancelled() {
-    ConsoleState& state = State();
-    const std::lock_guard lock(state.mutex);
-    return state.cancelled;
+// The read may fail before the system reports Ctrl+C on a thread of its own, and a console that has gone may never
+// report anything: either way, what was read must not pass for an empty answer.
+void EndProcessUnlessRead(bool succeeded) {
+    {
+        ConsoleState& state = State();
+        const std::lock_guard lock(state.mutex);
+        if (!state.cancelled && (succeeded || !state.had_console)) return;
+    }
+    if (CancelInput()) logging::ormacon_tool.log(logging::level_warning, "Console input was cancelled");
+    ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
 }
 
 }  // namespace wizard
