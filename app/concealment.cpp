@@ -11,27 +11,26 @@
 namespace app {
 namespace {
 
-// Up to an adjacent value; empty for a word that is no long option.
-std::string_view LongName(std::string_view word) {
-    return word.starts_with("--") ? word.substr(2, word.find('=') - 2) : std::string_view();
-}
+constexpr std::string_view marks = "-/";
 
-// Also with too few dashes, or a slash: what follows is a password all the same.
-std::string_view BareName(std::string_view word) {
-    word.remove_prefix(std::min(word.find_first_not_of("-/"), word.size()));
+// Without its dashes and its value.
+std::string_view NameOf(std::string_view word) {
+    word.remove_prefix(std::min(word.find_first_not_of(marks), word.size()));
     return word.substr(0, word.find('='));
 }
 
-// Options may be abbreviated.
-bool IsKnown(std::string_view name, const boost::program_options::options_description& options) {
-    return !name.empty() && std::ranges::any_of(options.options(), [&](const auto& option) {
-        return option->long_name().starts_with(name);
-    });
+// An abbreviation of set-credentials with dashes or a slash, or its whole name without.
+bool IsCredentials(std::string_view word) {
+    const std::string_view name = NameOf(word);
+    const std::string_view whole = option_set_credentials;
+    return name.size() < word.size() && !name.empty() ? whole.starts_with(name) : name == whole;
 }
 
-// Abbreviations that are not unique count, too.
-bool IsCredentials(std::string_view name) {
-    return !name.empty() && std::string_view(option_set_credentials).starts_with(name);
+// Options may be abbreviated.
+bool IsKnown(std::string_view word, const boost::program_options::options_description& options) {
+    return word.starts_with("--") && std::ranges::any_of(options.options(), [&](const auto& option) {
+               return option->long_name().starts_with(NameOf(word));
+           });
 }
 
 void Replace(std::string& complaint, std::string_view word, std::string_view shown) {
@@ -52,16 +51,16 @@ void ConcealValue(std::string& complaint, std::string_view word) {
 
 std::string ConcealCredentials(std::string complaint, const boost::program_options::options_description& options,
                                int argc, const char* const* argv) {
-    const std::vector<std::string_view> words(argv + 1, argv + argc);
-    const bool has_credentials = std::ranges::any_of(words, IsCredentials, BareName);
     bool given_to_credentials = false;
-    for (const std::string_view word : words) {
-        const std::string_view name = LongName(word);
-        if (IsKnown(name, options)) {
-            given_to_credentials = IsCredentials(name);
-        } else if (given_to_credentials || (has_credentials && word.starts_with('-'))) {
+    for (const std::string_view word : std::vector<std::string_view>(argv + 1, argv + argc)) {
+        if (IsCredentials(word)) {
+            given_to_credentials = true;
+            ConcealValue(complaint, word);
+        } else if (IsKnown(word, options)) {
+            given_to_credentials = false;
+        } else if (given_to_credentials) {
             Conceal(complaint, word);
-        } else {
+        } else if (word.starts_with('-')) {
             ConcealValue(complaint, word);
         }
     }

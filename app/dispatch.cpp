@@ -1,5 +1,4 @@
-// From the command line to the one command, and its run.
-#include "app/options.h"
+#include "app/dispatch.h"
 
 #include <array>
 
@@ -7,6 +6,7 @@
 
 #include "app/concealment.h"
 #include "app/direct_commands.h"
+#include "app/options.h"
 #include "app/wizard_commands.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"

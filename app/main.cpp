@@ -4,22 +4,30 @@
 #include "app/run.h"
 #include "common/text/convert.h"
 #include "common/text/wipe.h"
+#include "common/win32.h"
+
+// The program expands no wildcards: an account such as "CORP\\ora*" is meant as it is.
+extern "C" {
+int _dowildcard = 0;  // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the runtime's name
+}
 
 namespace {
 
-std::string ToNarrow(const wchar_t* argument) {
+// Wipes the runtime's copy.
+std::string TakeNarrow(wchar_t* argument) {
     std::wstring wide(argument);
     const text::wipe_at_exit_t wipe_wide(wide);
+    SecureZeroMemory(argument, wide.size() * sizeof(wchar_t));
     return text::wide_to_utf8(wide);
 }
 
 // A password may be among the arguments.
 class CNarrowArguments {
 public:
-    CNarrowArguments(int argc, const wchar_t* const* wargv) {
+    CNarrowArguments(int argc, wchar_t** wargv) {
         arguments_.reserve(static_cast<std::size_t>(argc));  // growing would leave copies behind
         for (int i = 0; i < argc; ++i) {
-            arguments_.push_back(ToNarrow(wargv[i]));
+            arguments_.push_back(TakeNarrow(wargv[i]));
             pointers_.push_back(arguments_.back().c_str());
         }
         pointers_.push_back(nullptr);
@@ -39,7 +47,7 @@ private:
 
 }  // namespace
 
-// The outcome of a command is told on the console; the exit status is 0 wherever this function returns.
+// A command reports its outcome on the console; the exit status is 0 wherever this function returns.
 extern "C" int wmain(int argc, wchar_t** wargv) {
     const CNarrowArguments arguments(argc, wargv);
     app::Run(argc, arguments.argv());

@@ -1,9 +1,5 @@
-// The command line: its options, and which command they stand for.
+// The options of the command line.
 #pragma once
-
-#include <string>
-
-#include <boost/function.hpp>
 
 #include "app/command_context.h"
 
@@ -20,21 +16,7 @@ inline constexpr char option_set_parallelism[] = "set-parallelism";
 inline constexpr char option_map_backup[] = "map-backup";
 inline constexpr char option_uninstall[] = "uninstall";
 
-// Declares the ten options. Raises exc::runtime_exc_t that ends in "Failed to configure parser".
+// Declares the ten options. Throws exc::runtime_exc_t that ends in "Failed to configure parser".
 void BuildOptions(CommandContext& context);
-
-struct Command {
-    std::string method_name;
-    boost::function<void()> handler;  // bound to the context, which must outlive it
-};
-
-// Parses the command line into the context and chooses one command. When several options are given, the last one in
-// the order of the checks wins and the others are ignored; no option at all asks for help. Logs "Parsing incoming
-// values". Raises exc::runtime_exc_t that ends in "Failed to parse incoming parameters".
-Command ParseCommandLine(CommandContext& context, int argc, const char* const* argv);
-
-// Runs the handler inside the log scope "Executing method %1". A failure is raised as exc::runtime_exc_t that ends in
-// "Failed to execute method %1".
-void ExecuteMethod(boost::function<void()> handler, const std::string& method_name);
 
 }  // namespace app

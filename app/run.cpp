@@ -4,7 +4,8 @@
 #include <optional>
 #include <utility>
 
-#include "app/command_context.h"
+#include "app/dispatch.h"
+#include "app/hardening.h"
 #include "app/options.h"
 #include "app/start_up.h"
 #include "common/crash/crash_handler.h"
@@ -28,6 +29,7 @@ void Print(const char* message) { std::cout << (message == nullptr ? "Unknown er
 void Run(int argc, const char* const* argv) {
     std::optional<wizard::CConsoleSession> console_session;
     try {
+        HardenProcess();
         crash::install(log_folder);
         console_session.emplace();
         InitializeApplication();

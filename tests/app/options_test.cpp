@@ -1,3 +1,4 @@
+#include "app/dispatch.h"
 #include "app/options.h"
 
 #include <gmock/gmock.h>
@@ -50,13 +51,19 @@ TEST(Dispatch, ComplaintsOfTheParserGetTheirContext) {
     } cases[] = {
         {{"--set-port", "abc"}, "the argument ('abc') for option '--set-port' is invalid"},
         {{"--set-port"}, "the required argument for option '--set-port' is missing"},
-        {{"--frobnicate"}, "unrecognised option '--frobnicate'"},
+        {{"--set-port", "a=b"}, "the argument ('a=b') for option '--set-port' is invalid"},
+        {{"--set-host", "s", "--frobnicate"}, "unrecognised option '--frobnicate'"},
+        {{"-s"}, "unrecognised option '-s'"},
         {{"-verbose"}, "unrecognised option '-verbose'"},
         {{"--set-cred", "user", "-s3cret", "-verbose"}, "unrecognised option '***'"},
         {{"--set-credentials", "user", "--s3cret=x", "--set-port", "1"}, "unrecognised option '***'"},
-        {{"-s3cret", "--set-host", "h", "--set-credentials=user"}, "unrecognised option '***'"},
+        {{"--set-credentials", "user", "--wizard", "-v"}, "unrecognised option '-v'"},
         {{"set-credentials", "user", "-s3cret"}, "unrecognised option '***'"},
-        {{"--password=s3cret=", "--wizard"}, "unrecognised option '--password=***'"},
+        {{"/set-cred", "user", "-s3cret"}, "unrecognised option '***'"},
+        {{"--password=s3cret=", "--set-credentials=user"}, "unrecognised option '--password=***'"},
+        {{"--set=s3cret"},
+         "option '--set=***' is ambiguous and matches '--set-credentials', '--set-host', '--set-parallelism', "
+         "'--set-port', and '--set-repositories'"},
         {{"stray"}, "too many positional options have been specified on the command line"},
         {{"--set-host", "a", "--set-host", "b"}, "option '--set-host' cannot be specified more than once"},
         {{"--set-p", "1"}, "option '--set-p' is ambiguous and matches '--set-parallelism', and '--set-port'"},
