@@ -10,18 +10,56 @@ die() { printf '!! %s\n' "$*" >&2; exit 1; }
 
 # step TITLE COMMAND...: runs a long command with its output in a file; shows the
 # output's end when it fails, so that the failing step and the reason stand together.
+# On a terminal the step's line shows how far it is.
 step() {
-    local title=$1 log
+    local title=$1 log status=0 ticker=
     shift
     mkdir -p "$deps/logs"
     log=$deps/logs/$(printf '%s' "$title" | tr -cs 'A-Za-z0-9.\n' '-').log
-    say "$title ..."
-    # In the background, since a function called in a condition would run on after a failing line.
-    (set -e; "$@") >"$log" 2>&1 </dev/null &
-    if ! wait $!; then
+    if [ -t 2 ]; then
+        printf '== %s ...' "$title" >&2
+        show_progress "$title" "$log" &
+        ticker=$!
+    else
+        say "$title ..."
+    fi
+    set +e  # not in a condition: a function called there would run on after a failing line
+    (set -e; "$@") >"$log" 2>&1 </dev/null
+    status=$?
+    set -e
+    if [ -n "$ticker" ]; then
+        kill "$ticker" 2>/dev/null
+        wait "$ticker" 2>/dev/null || true
+        printf '\n' >&2
+    fi
+    if [ "$status" != 0 ]; then
         tail -n 25 "$log" >&2
         die "failed: $title (whole output: $log)"
     fi
+}
+
+# Writes the line of a step again and again, with the seconds that it has taken and the newest count in its output;
+# ends with this script at the latest.
+show_progress() {
+    local line columns start=$SECONDS
+    columns=$(stty size <&2 | cut -d' ' -f2)
+    while kill -0 $$ 2>/dev/null; do
+        line="== $1 ... $((SECONDS - start)) s$(newest_count "$2")"
+        printf '\r%s\033[K' "${line:0:$((${columns:-80} - 1))}" >&2
+        sleep 0.5
+    done
+}
+
+# ninja counts its own steps; of apt's packages those downloaded and those set up are counted.
+newest_count() {
+    awk '
+        match($0, /^\[[0-9]+\/[0-9]+\]/) { count = substr($0, 2, RLENGTH - 2); what = "steps" }
+        / newly installed, / { all = $3 + $1 }
+        /^Get:[0-9]+ / && all { count = ++got "/" all; what = "packages downloaded" }
+        /^Setting up / && all { count = ++done "/" all; what = "packages set up" }
+        /^\.\.\.updating [0-9]+ targets/ { all = $2 }
+        /^(gcc|common)\./ && all { count = ++done "/" all; what = "steps" }
+        END { if (count) printf ", %s %s", count, what }' "$1" 2>/dev/null
 }
 
 # Wine keeps its prefix in the build folder; nobody's own prefix is touched. Tests have one of their own.
@@ -50,14 +88,17 @@ start_wine() {
     wine64 hostname >/dev/null 2>&1 </dev/null || die "failed: starting the Windows environment"
 }
 
-# build PRESET: configures once, then builds what is out of date.
+# build PRESET: configures when the presets or the libraries have changed, then builds what is out of date.
 build() {
-    local preset=$1 dir=$root/build/$1
-    if [ ! -f "$dir/build.ninja" ]; then
-        step "configuring the $preset build" cmake --preset "$preset" -S "$root"
+    local preset=$1 dir=$root/build/$1 settings quiet=
+    settings=$(cat "$root/CMakePresets.json" "$deps"/{boost,tinyxml,googletest}/built-from | cksum)
+    if [ "$settings" != "$(cat "$dir/configured-with" 2>/dev/null)" ]; then
+        step "configuring the $preset build" cmake --fresh --preset "$preset" -S "$root"
+        printf '%s\n' "$settings" >"$dir/configured-with"
     fi
     if ! ninja -C "$dir" -n | grep -q 'no work to do'; then
         say "building ($preset) ..."
-        ninja -C "$dir" --quiet >&2 || die "failed: building ($preset)"
+        [ -t 2 ] || quiet=--quiet  # on a terminal ninja shows on one line how far it is
+        NINJA_STATUS='[%f/%t, %e s] ' ninja -C "$dir" ${quiet:+"$quiet"} >&2 || die "failed: building ($preset)"
     fi
 }

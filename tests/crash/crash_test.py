@@ -150,7 +150,7 @@ def check_backtraces(crashes):
     commands = [f"settings set target.exec-search-paths {PROGRAM.parent} {SYSTEM_MODULES}"]
     for crash in crashes:
         commands += [f"target create --core {crash.files[0]}", "bt 40"]
-    debugger = ["lldb-14", "--batch"] + [part for command in commands for part in ("-o", command)]
+    debugger = ["lldb", "--batch"] + [part for command in commands for part in ("-o", command)]
     output = subprocess.run(debugger, capture_output=True, text=True, timeout=300).stdout
     for crash in crashes:
         backtrace = output.partition(f"target create --core {crash.files[0]}\n")[2].partition("(lldb) target")[0]
@@ -158,8 +158,8 @@ def check_backtraces(crashes):
         check(crash.name, re.search(frame, backtrace, re.MULTILINE), f"no {crash.case.function} in {backtrace}")
 
 
-if shutil.which("lldb-14") is None:
-    sys.exit("lldb-14 is missing")
+if shutil.which("lldb") is None:
+    sys.exit("lldb is missing")
 with concurrent.futures.ThreadPoolExecutor(3) as executor:
     many_crashes = executor.submit(check_many_crashes)
     crashes = list(executor.map(check_case, range(len(CASES))))
