@@ -5,7 +5,7 @@
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 cd "$root"
-database=$root/build/check
+export database=$root/build/check
 
 look_with_cppcheck() {
     local sources
@@ -24,15 +24,19 @@ prepare_clang_tidy() {
     ninja -C build/test build.ninja >/dev/null
     mkdir -p "$database"
     ninja -C build/test -t compdb | sed 's/ -fno-tree-loop-distribute-patterns//' >"$database/compile_commands.json"
-    mapfile -t folders < <(x86_64-w64-mingw32-g++-posix -x c++ -v -E /dev/null 2>&1 >/dev/null |
-        sed -n '/^#include </,/^End/s/^ //p' | grep -v '/gcc/[^/]*/[^/]*/include\(-fixed\)\?$')
-    export tidy="clang-tidy -p $database --quiet --extra-arg-before=--target=x86_64-w64-mingw32 ${folders[*]/#/--extra-arg=-isystem}"
+    {
+        printf '%s\n' -p "$database" --quiet --extra-arg-before=--target=x86_64-w64-mingw32
+        x86_64-w64-mingw32-g++-posix -x c++ -v -E /dev/null 2>&1 >/dev/null |
+            sed -n '/^#include </,/^End/s/^ /--extra-arg=-isystem/p' |
+            grep -v '/gcc/[^/]*/[^/]*/include\(-fixed\)\?$'
+    } >"$database/options"
 }
 
 # One source; its name is the progress, what was found follows it.
 look_into() {
-    local found status=0
-    found=$($tidy "$1" 2>&1) || status=$?
+    local found options status=0
+    mapfile -t options <"$database/options"
+    found=$(clang-tidy "${options[@]}" "$1" 2>&1) || status=$?
     printf '   %s\n' "$1"
     [ "$status" = 0 ] || { sed '/warnings\( and [0-9]* errors\?\)\? generated\.$/d' <<<"$found"; return 1; }
 }
