@@ -11,7 +11,7 @@ namespace test_support {
 
 class CLibraryBeside {
 public:
-    CLibraryBeside() { Place(FileText(DEMO_LIBRARY)); }
+    CLibraryBeside() { Place(DemoLibrary()); }
     ~CLibraryBeside() { Remove(); }
     CLibraryBeside(const CLibraryBeside&) = delete;
     CLibraryBeside& operator=(const CLibraryBeside&) = delete;
@@ -29,7 +29,7 @@ public:
 
     // The demonstration library with one export under a name that sorts where the right one did.
     void PlaceWithout(const std::string& name) {
-        std::string content = FileText(DEMO_LIBRARY);
+        std::string content = DemoLibrary();
         const std::string stored = '\0' + name + '\0';
         for (std::size_t at = content.find(stored); at != std::string::npos; at = content.find(stored, at + 1)) {
             --content[at + name.size()];
@@ -51,7 +51,9 @@ public:
     static bool IsLoaded() { return GetModuleHandleW(L"OrmaconLib.dll") != nullptr; }
 
 private:
-    std::filesystem::path path_ = std::filesystem::path(platform::program_path()).parent_path() / "OrmaconLib.dll";
+    static std::string DemoLibrary() { return FileText(BesideProgram(L"..\\OrmaconLib.dll")); }
+
+    std::filesystem::path path_ = BesideProgram(L"OrmaconLib.dll");
 };
 
 }  // namespace test_support

@@ -32,7 +32,7 @@ TEST_F(demo_library_test, wrong_scenario_is_reported_by_every_call) {
 }
 
 TEST_F(demo_library_test, sample_scenario_is_valid) {
-    SetEnvironmentVariableW(L"ORMACON_DEMO_SCENARIO", SAMPLE_SCENARIO);
+    SetEnvironmentVariableW(L"ORMACON_DEMO_SCENARIO", test_support::BesideProgram(L"scenario.sample.xml").c_str());
     EXPECT_EQ(answer([&] { wizard.Commit(); }), L"The backup server does not answer.");
     std::vector<RepositoryEntry> offered;
     wizard.GetTBRRepositories(offered);

@@ -24,11 +24,14 @@ inline void WriteFileText(const std::filesystem::path& path, const std::string& 
     std::ofstream(path, std::ios::binary) << text;
 }
 
+inline std::filesystem::path BesideProgram(const wchar_t* name) {
+    return std::filesystem::path(platform::program_path()).parent_path() / name;
+}
+
 // An empty folder for the running test, below the test program's.
 inline std::filesystem::path FreshFolder() {
     const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    const auto folder = std::filesystem::path(platform::program_path()).parent_path() / "test_folders" /
-                        test->test_suite_name() / test->name();
+    const auto folder = BesideProgram(L"test_folders") / test->test_suite_name() / test->name();
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
     return folder;
