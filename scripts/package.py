@@ -1,14 +1,19 @@
 #!/usr/bin/env python3
-"""Packs the release build, as it stands in build/bin, for an administrator.
+"""Packs what has been built.
 
-    package.py ZIP_FILE
+    package.py ZIP_FILE                     the release build in build/bin, for an administrator
+    package.py --tests VERSION ZIP_FILE     also the tests in build/test/bin, for whoever has Windows
 
-The notices of what is linked into the program are taken from the machine that built it.
+The same files give the same archive: entries are sorted, and their time is that of the last commit. The notices of what
+is linked into the program are taken from the machine that built it.
 """
+import glob
 import os
 import re
+import subprocess
 import sys
 import textwrap
+import time
 import zipfile
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
@@ -16,9 +21,21 @@ INSTALLED = "/usr/share/doc/%s/copyright"
 RULE = "=" * 78
 
 
-def read(path):
-    with open(os.path.join(ROOT, path), encoding="utf-8") as file:
+def read_bytes(path):
+    with open(os.path.join(ROOT, path), "rb") as file:
         return file.read()
+
+
+def read(path):
+    return read_bytes(path).decode("utf-8")
+
+
+def output_of(*command):
+    return subprocess.run(command, cwd=ROOT, check=True, capture_output=True, text=True).stdout.strip()
+
+
+def version_of(package):
+    return output_of("dpkg-query", "-W", "-f", "${Version}", package)
 
 
 def part(text, begin, end, what):
@@ -45,16 +62,19 @@ def compiler_exception(path):
 
 
 def notices():
+    boost = read(".deps/src/boost.version").strip()
+    boost_tools = "libboost%s-tools-dev" % re.match(r"\d+\.\d+", boost)[0]
+    zlib, gcc, mingw = "libz-mingw-w64-dev", "gcc-mingw-w64-x86-64-posix-runtime", "mingw-w64-x86-64-dev"
     chapters = [
-        ("Boost", licence(INSTALLED % "libboost1.81-tools-dev", "BSL-1.0")),
-        ("zlib", licence(INSTALLED % "libz-mingw-w64-dev", "Zlib")),
-        ("TinyXML", licence(".deps/src/tinyxml/tree/debian/copyright", "ZLIB")),
-        ("libstdc++ and libgcc, the runtime libraries of GCC",
-         compiler_exception(INSTALLED % "gcc-mingw-w64-x86-64-posix-runtime")),
-        ("The runtime of MinGW-w64 with winpthreads", read(INSTALLED % "mingw-w64-x86-64-dev")),
+        ("Boost", boost, licence(INSTALLED % boost_tools, "BSL-1.0")),
+        ("zlib", version_of(zlib), licence(INSTALLED % zlib, "Zlib")),
+        ("TinyXML", read(".deps/src/tinyxml.version").strip(),
+         licence(".deps/src/tinyxml/tree/debian/copyright", "ZLIB")),
+        ("libstdc++ and libgcc, the runtime libraries of GCC", version_of(gcc), compiler_exception(INSTALLED % gcc)),
+        ("The runtime of MinGW-w64 with winpthreads", version_of(mingw), read(INSTALLED % mingw)),
     ]
-    head = "Ormacon.exe contains parts of the following works, linked statically.\n"
-    return head + "".join(f"\n{RULE}\n{title}\n{RULE}\n\n{text}" for title, text in chapters)
+    head = "Ormacon.exe contains parts of the following works, linked statically, in these package versions.\n"
+    return head + "".join(f"\n{RULE}\n{title}, {version}\n{RULE}\n\n{text}" for title, version, text in chapters)
 
 
 def row_as_text(row):
@@ -77,14 +97,45 @@ def for_windows(text):
     return text.replace("\n", "\r\n").encode("utf-8-sig")
 
 
-def main(target):
+def for_administrator():
+    return {
+        "Administrator.txt": for_windows(without_tables(read("docs/administrator.md"))),
+        "Changes.txt": for_windows(read("CHANGELOG.md")),
+        "Notices.txt": for_windows(notices()),
+        "Ormacon.debug": read_bytes("build/bin/Ormacon.debug"),
+        "Ormacon.exe": read_bytes("build/bin/Ormacon.exe"),
+    }
+
+
+def for_testing(version):
+    """The GoogleTest programs: those among the tests that need Windows alone."""
+    built = os.path.join(ROOT, "build/test/bin")
+    programs = [os.path.relpath(path, built) for path in glob.glob(f"{built}/**/*_test.exe", recursive=True)]
+    if not programs:
+        sys.exit(f"!! no test programs in {built}")
+    script = read("scripts/run-tests.cmd").replace("@VERSION@", version)
+    script = script.replace("@COMMIT@", output_of("git", "describe", "--always", "--dirty=-changed"))
+    script = script.replace("@PROGRAMS@", " ".join(sorted(programs)).replace("/", "\\"))
+    files = {f"tests/{name}": read_bytes(f"build/test/bin/{name}")
+             for name in [*programs, "OrmaconLib.dll", "scenario.sample.xml"]}
+    files["run-tests.cmd"] = script.replace("\n", "\r\n").encode("ascii")
+    for name in ("Ormacon.exe", "OrmaconLib.dll"):
+        files[name] = read_bytes(f"build/bin/{name}")
+    return files
+
+
+def write_archive(target, files):
+    moment = int(os.environ.get("SOURCE_DATE_EPOCH") or output_of("git", "log", "-1", "--format=%ct"))
     with zipfile.ZipFile(target, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
-        for program in ("Ormacon.exe", "Ormacon.debug"):
-            archive.write(os.path.join(ROOT, "build/bin", program), program)
-        archive.writestr("Administrator.txt", for_windows(without_tables(read("docs/administrator.md"))))
-        archive.writestr("Changes.txt", for_windows(read("CHANGELOG.md")))
-        archive.writestr("Notices.txt", for_windows(notices()))
+        for name in sorted(files):
+            entry = zipfile.ZipInfo(name, time.gmtime(moment)[:6])
+            entry.compress_type = zipfile.ZIP_DEFLATED
+            entry.external_attr = 0o100755 << 16 if name.endswith((".exe", ".dll")) else 0o100644 << 16
+            archive.writestr(entry, files[name])
 
 
 if __name__ == "__main__":
-    main(*sys.argv[1:])
+    if sys.argv[1] == "--tests":
+        write_archive(sys.argv[3], for_testing(sys.argv[2]))
+    else:
+        write_archive(sys.argv[1], for_administrator())
