@@ -1,5 +1,9 @@
 #include "app/hardening.h"
 
+#include <exception>
+
+#include "common/platform/module.h"
+#include "common/platform/path.h"
 #include "common/win32.h"
 
 namespace app {
@@ -18,10 +22,18 @@ void RefuseForeignJunctions() noexcept {
     if (set_policy != nullptr) set_policy(redirection_trust_policy, &policy, sizeof policy);
 }
 
+// Any folder that is named here takes the current folder's place in the search. The program's own is searched before it
+// anyway. An empty text would do as well on Windows, but Wine ignores it.
+void LeaveCurrentFolderOut() noexcept try {
+    SetDllDirectoryW(platform::parent_of(platform::program_path()).c_str());
+} catch (const std::exception&) {
+    SetDllDirectoryW(L"");
+}
+
 }  // namespace
 
 void HardenProcess() noexcept {
-    SetDllDirectoryW(L"");
+    LeaveCurrentFolderOut();
     RefuseForeignJunctions();
 }
 

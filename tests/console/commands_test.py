@@ -95,6 +95,12 @@ class Commands(ConsoleTest):
                 self.assertRegex(self.run_program(option), f"^{failure}\nFailed to execute method {method}$")
                 self.assertEqual([f"Executing method {method}", LOADING % mode, "ERR |" + LOADING % mode + " Failed.",
                                   f"ERR |Executing method {method} Failed."], self.log()[-4:])
+        # Not even the current folder is searched.
+        os.mkdir(self.path("current"))
+        with open(self.path("current", "OrmaconLib.dll"), "wb") as file:
+            file.write(whole)
+        terminal = self.terminal("wine64", self.path("Ormacon.exe"), "--show-config", cwd=self.path("current"))
+        self.assertRegex(self.ending(terminal), not_loaded % "0000007e")
 
     def test_map_backup(self):
         for code, printed in ((0, ["2 mapped\n"]), (-3, ["Error has occurred\n", "2 mapped\n"])):

@@ -14,8 +14,8 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 sys.path.insert(0, os.path.join(ROOT, "scripts"))
 from terminal import Terminal  # noqa: E402
 
-BIN = os.environ.get("CONSOLE_TEST_BIN", os.path.join(ROOT, "build/test/bin"))
-WORK = os.path.realpath(os.environ.get("CONSOLE_TEST_WORK", os.path.join(ROOT, "build/test/tests/console")))
+BIN = os.environ.get("TEST_BIN", os.path.join(ROOT, "build/test/bin"))
+WORK = os.path.realpath(os.environ.get("TEST_WORK", os.path.join(ROOT, "build/test/tests/console")))
 HELPERS = os.path.join(BIN, "console_test")
 LINE_START = re.compile(r"\[\d\d\.\d\d\.\d{4} \d\d:\d\d:\d\d\] <[ \d]{6}> ")
 SECONDS = 60  # for what takes a moment, on a machine that has other work to do
@@ -82,8 +82,8 @@ class ConsoleTest(unittest.TestCase):
         with open(self.path(*names), encoding="utf-8", newline="") as file:
             return file.read()
 
-    def terminal(self, *command, columns=500):
-        terminal = Terminal(command, columns=columns, rows=60, cwd=self.folder)
+    def terminal(self, *command, cwd=None):
+        terminal = Terminal(command, columns=500, rows=60, cwd=cwd or self.folder)
         self.addCleanup(terminal.close)
         return terminal
 
