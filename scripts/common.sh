@@ -81,9 +81,25 @@ wineboot_once() {
     wineserver -w
 }
 
+# Ends every program of this Wine prefix except the calling script and its ancestors: what an interrupted run has left
+# behind would hold files and take the next run's place.
+end_leftovers() {
+    local pid=$$ own=" " environ
+    while [ "$pid" -gt 1 ]; do
+        own+="$pid "
+        pid=$(awk '/^PPid:/ { print $2 }' "/proc/$pid/status")
+    done
+    wineserver -k >/dev/null 2>&1 || true  # fails when there is none
+    for environ in $(grep -lszxF "WINEPREFIX=$WINEPREFIX" /proc/[0-9]*/environ); do
+        pid=$(basename "$(dirname "$environ")")
+        [[ $own == *" $pid "* ]] || kill -KILL "$pid" 2>/dev/null || true
+    done
+}
+
 # One wineserver for a whole run: starting it anew for each program would take seconds. The first program also starts
 # Windows' services, which must neither hold a test's output open nor start while something is measured.
 start_wine() {
+    end_leftovers
     wineserver -p600 >/dev/null 2>&1 || true  # refused when there is one already
     wine64 hostname >/dev/null 2>&1 </dev/null || die "failed: starting the Windows environment"
 }

@@ -1,4 +1,4 @@
-"""Ctrl+C and Ctrl+Break: the program is gone at once, the console echoes again, and nothing was changed."""
+"""Ctrl+C, Ctrl+Break and a closed window: the program is gone at once, the console echoes, and nothing was changed."""
 import os
 import time
 import unittest
@@ -6,7 +6,9 @@ import unittest
 from console_kit import HELPERS, ConsoleTest
 from wizard_test import FIRST
 
-RUNS = 30
+COUNT = os.environ.get("ORMACON_INTERRUPTS")  # for scripts/soak.sh
+RUNS = int(COUNT or 30)
+CLOSED_WINDOWS = int(COUNT or 3)
 PROMPT = r"Enter password for CORP\oracle:"
 ALL_ECHO = [f"run {run}: ended, echo on" for run in range(1, RUNS + 1)]
 
@@ -48,12 +50,13 @@ class Interrupts(ConsoleTest):
         self.check_console_afterwards(terminal)
 
     def test_closed_window_at_the_password_prompt(self):
-        terminal = self.start("--set-credentials", "user")
-        self.wait_for(terminal, "Enter password for user:")
-        terminal.type("secret")
-        terminal.close()
-        self.assert_gone()
-        self.assertFalse(os.path.exists(self.path("report.txt")), "the library was called")
+        for run in range(1, CLOSED_WINDOWS + 1):
+            terminal = self.start("--set-credentials", "user")
+            self.wait_for(terminal, "Enter password for user:")
+            terminal.type("secret"[:run % 4])
+            terminal.close()
+            self.assert_gone()
+            self.assertFalse(os.path.exists(self.path("report.txt")), "the library was called")
         self.assertNotIn("Read from console [Hidden data]", self.log())
 
     def test_ctrl_c_in_the_wizard(self):
