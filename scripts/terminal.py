@@ -3,8 +3,8 @@
 
 As a program:  terminal.py COMMAND...  < answers.txt
 types the lines of its standard input, each when the program asks for one, and prints the dialogue as a person would
-have seen it. Ends by itself: when the program ends, when it asks and the input has ended, when nothing happens any
-more, or after ANSWER_LIMIT answers.
+see it. It ends when the program ends, when the program asks for more than the input has, when nothing happens for a
+while, or after ANSWER_LIMIT answers.
 """
 import os
 import queue
@@ -19,8 +19,8 @@ ANSWER_LIMIT = 1000
 LINE_LIMIT = 16384      # characters of one answer
 WAIT_LIMIT = 600        # seconds to wait for the next prompt, and for the next line of the input
 COLUMNS = 500           # wide, so that the printed dialogue has no line breaks of the terminal's own
-QUIET_LIMIT = 120       # seconds without a change after which a program that does not ask is given up
-SETTLE_TIME = 0.15      # seconds for which a prompt must stand still
+QUIET_LIMIT = 120       # seconds without a change before a program that does not ask is given up
+SETTLE_TIME = 0.15      # seconds for which a prompt must not change
 LAST_SETTLE_TIME = 1.0  # the same when the input has ended: the last answer may still be on its way
 POLL_TIME = 0.03
 
@@ -49,13 +49,13 @@ class Terminal:
     def _require(self, *arguments, input_text=None):
         result = self._run(*arguments, input_text=input_text)
         if result.returncode != 0:
-            raise RuntimeError(f"the terminal failed: {result.stderr.strip()}")
+            raise RuntimeError(f"tmux failed: {result.stderr.strip()}")
 
     def _state(self, what):
         return self._tmux("display-message", "-p", "#{%s}" % what).strip()
 
     def screen(self):
-        """Everything shown since the start, without the blank rest of the screen."""
+        """Everything shown since the start, without the empty rest of the screen."""
         lines = self._tmux("capture-pane", "-p", "-S", "-").split("\n")
         while lines and not lines[-1].strip():
             lines.pop()
@@ -65,22 +65,22 @@ class Terminal:
         return self._state("pane_dead") != "0"
 
     def exit_status(self):
-        """Of a program that has ended. Not asked of tmux, which loses one status in four."""
+        """Of a program that has ended. Not from tmux, which loses one status in four."""
         with open(self._status.name, encoding="ascii") as status:
             return int(status.read() or -1)
 
     def at_prompt(self):
-        """A prompt leaves the cursor behind its text; a program that works leaves it at the start of a line."""
+        """A prompt leaves the cursor after its text; a program that works leaves it at the start of a line."""
         return not self.ended() and self._state("cursor_x") not in ("0", "")
 
     def cursor_line(self):
-        """The text before the cursor, with the blanks between them that no screen shows."""
+        """The text before the cursor, with trailing spaces."""
         x, y = int(self._state("cursor_x")), self._state("cursor_y")
         line = self._tmux("capture-pane", "-p", "-S", y, "-E", y).rstrip("\n")
         return line[:x].ljust(x) if len(line) <= x else line
 
     def type(self, text):
-        # By way of a buffer: arguments are seen by others, and tmux takes a semicolon at their end for its own.
+        # Through a buffer: other users can see arguments, and tmux takes a semicolon at their end as its own.
         text = text.replace("\0", "")
         for start in range(0, len(text), 500):
             self._require("load-buffer", "-b", "typed", "-", input_text=text[start:start + 500])
@@ -94,7 +94,7 @@ class Terminal:
         self.press("Enter")
 
     def wait(self, condition, seconds):
-        """True as soon as the condition holds, False when it did not within that time."""
+        """True as soon as the condition is met, False if it is not met in time."""
         end = time.monotonic() + seconds
         while not condition():
             if time.monotonic() > end:
@@ -103,7 +103,7 @@ class Terminal:
         return True
 
     def wait_for_prompt_or_end(self, settle_time=SETTLE_TIME, quiet_limit=QUIET_LIMIT):
-        """True when the program asks, False when it has ended or stands still for too long without asking."""
+        """True when the program asks, False when it has ended or does nothing for too long."""
         shown, since = None, time.monotonic()
         end = since + WAIT_LIMIT
         while not self.ended() and time.monotonic() < end:
@@ -130,7 +130,7 @@ class Terminal:
 
 
 def lines_of(stream):
-    """Lines as they come, then None; read aside, so that an input that says nothing stops nobody."""
+    """Lines as they come, then None. Read by a thread, so that a silent input does not block."""
     lines = queue.Queue()
 
     def read():
@@ -158,7 +158,7 @@ def answers(stream, terminal):
 
 
 def play(terminal, lines):
-    """Returns what is to be said about the end, nothing when the program ended by itself."""
+    """Returns a complaint, or None if the program ended by itself."""
     settle_time = SETTLE_TIME
     while terminal.wait_for_prompt_or_end(settle_time):
         line = next(lines, None)
@@ -167,8 +167,8 @@ def play(terminal, lines):
         elif settle_time == SETTLE_TIME:
             settle_time = LAST_SETTLE_TIME
         else:
-            return "the program asked for more than the input holds; its terminal was closed"
-    return None if terminal.ended() else "the program stood still; its terminal was closed"
+            return "the program asked for more lines than the input has; its terminal was closed"
+    return None if terminal.ended() else "the program stopped responding; its terminal was closed"
 
 
 def main():

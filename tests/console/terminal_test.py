@@ -6,7 +6,7 @@ import unittest
 
 from console_kit import ROOT, SECONDS, ConsoleTest
 
-MORE = "!! the program asked for more than the input holds; its terminal was closed\n"
+MORE = "!! the program asked for more lines than the input has; its terminal was closed\n"
 HOST = "Enter backup server name or IP address :"
 RESTART = "Some errors occurred while applying the configuration. Restart the wizard? (y/n):"
 REFUSED = "it is neither a host name nor an IP address."
