@@ -27,6 +27,7 @@ table { border-collapse: collapse; width: 100%; }
 th, td { border: 1px solid #c8c8c8; padding: .4em .6em; text-align: left; vertical-align: top; }
 th { background: #f1f3f5; }
 td code { background: none; padding: 0; }
+td:first-child { min-width: 11em; }
 @media (max-width: 40em) {
   body { padding: .5em .8em 2em; }
   ol, ul { padding-left: 1.4em; }
@@ -40,6 +41,7 @@ td code { background: none; padding: 0; }
   pre { white-space: pre-wrap; overflow: visible; border: 1px solid #c8c8c8; }
   .table { overflow: visible; }
   table { font-size: 9pt; }
+  td:last-child code { overflow-wrap: anywhere; }
 }
 """
 
