@@ -28,7 +28,7 @@ CommandContext::~CommandContext() {
 
 void CommandContext::ReleaseCaller() {
     boost::shared_ptr<conf_tool::CConfigToolLibCaller> last;
-    last.swap(caller);  // what follows is tried once, also when it fails
+    last.swap(caller);  // unloading is tried only once, even if it fails
     if (last && last.unique()) last->Unload();
 }
 

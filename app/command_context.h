@@ -1,4 +1,4 @@
-// What one run of the program works with.
+// The state of one run of the program.
 #pragma once
 
 #include <boost/program_options.hpp>
@@ -8,15 +8,15 @@
 
 namespace app {
 
-// Owned by the entry point for the whole run. Its members go in reverse order: the configuration library is unloaded
-// first. What was typed as a password is wiped at the end.
+// The entry point owns it for the whole run. The destructor first unloads the configuration library, then wipes the
+// password that was given on the command line.
 struct CommandContext {
     CommandContext() = default;
     ~CommandContext();
     CommandContext(const CommandContext&) = delete;
     CommandContext& operator=(const CommandContext&) = delete;
 
-    // Releases the caller. As its last owner it unloads the library and raises what unloading raises.
+    // Releases the caller. If this is its last owner, unloads the library; throws what unloading throws.
     void ReleaseCaller();
 
     boost::program_options::options_description options;

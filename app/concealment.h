@@ -1,4 +1,4 @@
-// The parser's complaints repeat words of the command line; a password must not be among them.
+// The parser's complaints quote the command line, which may contain a password.
 #pragma once
 
 #include <string>

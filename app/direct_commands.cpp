@@ -47,7 +47,7 @@ std::wstring AskPassword(const std::wstring& account) {
     return wizard::ReadFromConsole(true);
 }
 
-// The second word, or what the user types; further words count for nothing.
+// The second word, or what the user types. Further words are ignored.
 std::wstring PasswordFor(const std::wstring& account, const std::vector<std::string>& words) {
     return words.size() >= 2 ? text::utf8_to_wide(words[1]) : AskPassword(account);
 }
@@ -64,7 +64,7 @@ void ShowHelp(CommandContext& context) {
     for (const auto& option : context.options.options()) {
         if (option->long_name() != option_uninstall) shown.add(option);
     }
-    // Composed first: to a console each of the formatter's characters would be a write of its own.
+    // Composed first: the formatter would write each character to a console by itself.
     std::ostringstream page;
     page << shown;
     std::cout << page.str() << std::endl;
@@ -104,7 +104,7 @@ void SetBackupServer(CommandContext& context) {
 void SetBackupServerPort(CommandContext& context) {
     EnsureDirectCaller(context);
     const int port = ValueOf<int>(context, option_set_port);
-    // The line has always named the command so; people search logs for it.
+    // The line has always used this name; people search logs for it.
     ormacon_tool.info(format_message("Executing SetNetworkPort command, port = [%1]", std::to_string(port)));
     Caller(context).SetPort(port);
 }

@@ -38,7 +38,8 @@ constexpr std::array checks{
     Check{option_uninstall, "Uninstall", Uninstall},
 };
 
-// The parser's result holds copies of every word, a password among them; those that it drops itself are out of reach.
+// The parser's result has copies of every word, possibly a password. The copies that the parser itself drops are out of
+// reach.
 void WipeWords(po::parsed_options& parsed) {
     for (auto& option : parsed.options) {
         for (std::string& word : option.value) text::wipe(word);
@@ -46,7 +47,7 @@ void WipeWords(po::parsed_options& parsed) {
     }
 }
 
-// The default style. A stray word is an error only for a parser that knows that there are to be none.
+// The default style. A parser rejects a stray word only if it knows that there are no positional arguments.
 po::parsed_options Parse(const CommandContext& context, int argc, const char* const* argv) {
     const po::positional_options_description none;
     return po::command_line_parser(argc, argv).options(context.options).positional(none).run();

@@ -9,8 +9,7 @@ namespace po = boost::program_options;
 
 void Declare(po::options_description& options) {
     using words_t = std::vector<std::string>;
-    // The texts are the established ones; the parenthesis of set-credentials has never been closed.
-    // A table, one option a line:
+    // These texts are established; the parenthesis of set-credentials has never been closed. One option per line:
     // clang-format off
     options.add_options()
         (option_help, "Show this help page")

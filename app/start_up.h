@@ -2,11 +2,12 @@
 
 namespace app {
 
-// Below the base log directory; holds the log and the crash dumps.
+// The folder of the log and the crash dumps, below the base log directory.
 inline constexpr wchar_t log_folder[] = L"RmanPluginLogs";
 
-// COM, the place of the common settings, the log with its header and separator line, the common settings: in this
-// order. Raises exc::runtime_exc_t when COM or the log cannot be had; everything else falls back and is logged.
+// Initialises COM, then finds the common settings, opens the log with its header and separator line, and loads the
+// common settings. Throws exc::runtime_exc_t if COM or the log fails; any other failure is logged and replaced by
+// defaults.
 void InitializeApplication();
 
 }  // namespace app

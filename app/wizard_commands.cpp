@@ -8,7 +8,7 @@
 namespace app {
 namespace {
 
-// Not asked of the library here; the limit of Standard Edition does not hold for this command.
+// This command does not ask the library for the edition; the limit of Standard Edition does not apply to it.
 constexpr int unlimited_edition = 2;
 
 }  // namespace
