@@ -1,14 +1,15 @@
-// From what the user typed to values.
+// Turns what the user typed into values.
 #pragma once
 
 #include <string>
 
 namespace wizard {
 
-// A whole decimal number of 32 bits with an optional sign and nothing else. Raises std::bad_cast.
+// Returns the number of a text that is a decimal 32-bit integer with an optional sign, and nothing else. Throws
+// std::bad_cast.
 int ParseInt(const std::wstring& text);
 
-// ParseInt with the failure that the user is shown: exc::runtime_exc_t "Cannot convert value [%1] from string".
+// The same, but throws the failure that the user sees: exc::runtime_exc_t "Cannot convert value [%1] from string".
 int ConvertAnswer(const std::wstring& answer);
 
 struct Account {
@@ -16,8 +17,8 @@ struct Account {
     std::wstring user_name;
 };
 
-// "domain\user", or "user" with an empty domain ("user@domain" is such a user). Raises exc::runtime_exc_t
-// "Failed to parse domain and username" for a text with more than one backslash.
+// Splits "domain\user". A text without a backslash, such as "user@domain", is a user name with an empty domain. Throws
+// exc::runtime_exc_t "Failed to parse domain and username" if the text has more than one backslash.
 Account SplitAccount(const std::wstring& text);
 
 }  // namespace wizard

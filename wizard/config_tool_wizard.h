@@ -9,15 +9,15 @@ namespace wizard {
 
 class CConfigToolWizard {
 public:
-    // The edition and the previous configuration are read from the library by StartWizard. A step that is run on its
-    // own works with the edition given here, and with no previous configuration.
+    // StartWizard reads the edition and the previous configuration from the library. A step that runs alone uses the
+    // given edition and no previous configuration.
     explicit CConfigToolWizard(boost::shared_ptr<conf_tool::CConfigToolLibCaller> caller, int scope_edition = 0);
 
-    // Asks, shows the summary, and applies, exports or cancels, until the user is done. A failure is shown and may be
-    // answered with a restart; none leaves this function.
+    // Asks, shows the summary, and applies, exports or cancels, until the user is done. Shows a failure and offers a
+    // restart. Throws only exc::term_exc_t, when the program is being ended.
     void StartWizard();
 
-    // The steps. A failure of the answer or of the library is raised; nothing is asked twice.
+    // The steps. They throw if the answer or the library fails; nothing is asked twice.
     void AskHost();
     void AskPort();
     void AskCredentials();

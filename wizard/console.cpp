@@ -13,7 +13,7 @@
 
 namespace wizard {
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): the caller gives its text away
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the caller moves its text
 void PrintToConsole(std::wstring text) {
     ConsoleDevice().Write(text);
     logging::ormacon_tool.info(exc::format_message("Print to console [%1]", text::wide_to_utf8(text)));

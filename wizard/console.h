@@ -1,25 +1,25 @@
-// Everything that the user sees and types goes through here.
+// The whole dialogue goes through here.
 #pragma once
 
 #include <string>
 
 namespace wizard {
 
-// Writes the text as it stands to the console and logs "Print to console [%1]".
+// Writes the text unchanged to the console and logs "Print to console [%1]".
 void PrintToConsole(std::wstring text);
 
-// Reads one line, without its line end; hidden input is not echoed. Logs "Read from console [%1]", with "Hidden data"
-// in place of what was hidden. Returns an empty text for an empty line and where there has never been a console. A read
-// that fails because the user has pressed Ctrl+C or closed the window does not return: the process ends.
-// A visible line of more than 1,024 UTF-16 units comes in several reads; of a hidden one the rest is dropped, so that
-// it cannot show up as the answer to the next question.
+// Blocks until a line is entered; returns it without its line end. Hidden input is not echoed. Logs "Read from console
+// [%1]", with "Hidden data" in place of hidden input. Returns an empty text for an empty line, and if there has never
+// been a console. Throws exc::term_exc_t if the read is cancelled because the program is being ended.
+// A visible line of more than 1,024 UTF-16 units is returned by several reads. The rest of a hidden line is dropped, so
+// that it cannot become the answer to the next question.
 std::wstring ReadFromConsole(bool hidden = false);
 
-// Before a question is asked again: raises exc::runtime_exc_t "There is no console to read an answer from" where the
-// answer would be empty for ever.
+// Call this before asking a question again. Throws exc::runtime_exc_t "There is no console to read an answer from" if
+// every answer would be empty.
 void RequireInteractiveConsole();
 
-// A copy in lower case, for comparing yes/no answers.
+// Returns a copy in lower case, for comparing yes/no answers.
 std::wstring ToLowerText(const std::wstring& text);
 
 }  // namespace wizard

@@ -1,4 +1,4 @@
-// What the console functions write to and read from: the Windows console, or a stand-in that plays a dialogue.
+// What the console functions write to and read from: the Windows console, or a test's stand-in.
 #pragma once
 
 #include <string>
@@ -13,14 +13,15 @@ public:
     // Returns one line without its line end. For a hidden one the echo is off already.
     virtual std::wstring ReadLine(bool hidden) = 0;
 
-    // False where nobody can answer: every line is empty then, and a question must not be repeated.
+    // Returns false if nobody can answer: every line is then empty, and no question may be repeated.
     virtual bool IsInteractive() const = 0;
 };
 
-// The device in use; the Windows console unless another one was put in its place.
+// Returns the device in use: the Windows console, unless UseConsoleDevice() has replaced it.
 IConsoleDevice& ConsoleDevice();
 
-// Puts the device in place, null for the Windows console. The caller keeps it and takes it out before it ends.
+// Replaces the device; null restores the Windows console. The caller keeps ownership and must restore before destroying
+// its device.
 void UseConsoleDevice(IConsoleDevice* device);
 
 }  // namespace wizard

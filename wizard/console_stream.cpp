@@ -14,7 +14,7 @@
 namespace wizard {
 namespace {
 
-// Keeps nothing back: what the log echoes to the console between two texts stands between them.
+// Buffers nothing, so that the log's echo appears in the right place between two texts.
 class CConsoleBuffer : public std::streambuf {
 protected:
     std::streamsize xsputn(const char* text, std::streamsize size) override {
@@ -34,11 +34,11 @@ protected:
 
 void PrepareStandardOutput() {
     if (platform::is_console(GetStdHandle(STD_OUTPUT_HANDLE))) {
-        // Never destroyed: objects with static storage print while the process ends.
+        // Never destroyed: static objects print while the process ends.
         static auto* const buffer = new CConsoleBuffer;
         std::cout.rdbuf(buffer);
     } else {
-        // Left alone, the C runtime writes to NUL character by character.
+        // Without a buffer, the C runtime writes to NUL character by character.
         std::setvbuf(stdout, nullptr, _IOFBF, 4096);
     }
 }

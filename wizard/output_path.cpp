@@ -36,7 +36,7 @@ std::string WithPath(const char* sentence, const fs::path& path) {
 
 void RemoveExisting(const fs::path& path) {
     boost::system::error_code failure;
-    // An empty folder would go without a word.
+    // remove() would delete an empty folder.
     if (fs::is_directory(path, failure)) exc::raise(WithPath("Cannot replace [%1]: it is a folder", path));
     fs::remove(path, failure);
     if (failure)

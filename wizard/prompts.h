@@ -6,13 +6,13 @@
 
 namespace wizard {
 
-// The positional formatter for what the user sees.
+// The positional formatter for prompts.
 std::wstring FormatPrompt(std::string_view format, std::initializer_list<std::wstring> arguments);
 
-// " [value]", or nothing for an empty value.
+// Returns " [value]", or an empty text for an empty value.
 std::wstring BracketedDefault(const std::wstring& value);
 
-// Shows the prompt and reads the answer; an empty answer is the default.
+// Shows the prompt and returns the answer, or the default if the answer is empty.
 std::wstring Ask(const std::wstring& prompt, const std::wstring& default_answer);
 
 }  // namespace wizard

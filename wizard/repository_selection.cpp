@@ -18,7 +18,7 @@ using exc::format_message;
 
 struct TypedNumber {
     int number;
-    std::wstring token;  // as it was typed
+    std::wstring token;  // as typed
 };
 
 std::vector<TypedNumber> ReadNumbers(const std::wstring& answer) {

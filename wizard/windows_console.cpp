@@ -20,7 +20,7 @@ private:
     std::array<wchar_t, 1024> units_{};
 };
 
-// The line is built where it is returned: it may be a password, and each copy would have to be wiped.
+// The line is built in the returned object: it may be a password, and each copy would have to be wiped.
 std::wstring ReadUnits(CReadBuffer& buffer) {
     DWORD count = 0;
     const BOOL succeeded = ReadConsoleW(GetStdHandle(STD_INPUT_HANDLE), buffer.data(), buffer.size(), &count, nullptr);
@@ -28,7 +28,7 @@ std::wstring ReadUnits(CReadBuffer& buffer) {
     return std::wstring(buffer.data(), count);
 }
 
-// What is left of a hidden line must not become the answer to a visible question.
+// The rest of a hidden line must not become the answer to a visible question.
 void DropRestOfLine(CReadBuffer& buffer) {
     for (bool ended = false; !ended;) {
         std::wstring rest = ReadUnits(buffer);

@@ -4,8 +4,8 @@
 
 namespace wizard {
 
-// The console that the process is attached to, through its wide-character interface. Failing console calls are not
-// reported: without a console nothing is written and every answer is empty.
+// The console of the process, through its wide-character interface. Failures to write are not reported. If there has
+// never been a console, every answer is empty.
 class CWindowsConsole : public IConsoleDevice {
 public:
     void Write(const std::wstring& text) override;

@@ -46,7 +46,7 @@ std::string MessageOf(const std::exception& failure) {
     return message == nullptr || *message == '\0' ? "Unknown error" : message;
 }
 
-// Whatever is not clearly a no means yes, where somebody can answer.
+// Any answer except a clear no means yes, if somebody can answer.
 bool WantsRestart() {
     PrintToConsole(L"Some errors occurred while applying the configuration. Restart the wizard? (y/n): ");
     const std::wstring answer = ReadFromConsole();

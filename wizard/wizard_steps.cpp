@@ -1,4 +1,4 @@
-// The questions, each of which asks, converts and tells the library.
+// The questions. Each one asks, converts the answer, and passes it to the library.
 #include "wizard/config_tool_wizard.h"
 
 #include <boost/make_shared.hpp>
@@ -21,7 +21,7 @@ using conf_tool::RepositoryEntry;
 using exc::format_message;
 using logging::ormacon_tool;
 
-// Ports and parallelism are unsigned to the user and signed to the library.
+// Ports and parallelism are unsigned for the user and signed for the library.
 std::wstring UnsignedText(int value) { return std::to_wstring(static_cast<unsigned>(value)); }
 
 int AskNumber(const std::wstring& prompt, int previous) {
@@ -29,7 +29,7 @@ int AskNumber(const std::wstring& prompt, int previous) {
     return answer.empty() ? previous : ConvertAnswer(answer);
 }
 
-// An empty domain still shows its backslash when there is a user name.
+// An empty domain still shows its backslash if there is a user name.
 std::wstring AccountText(const ConfigurationSnapshot& config) {
     const std::wstring account = config.domain + L"\\" + config.user_name;
     return account == L"\\" ? L"" : account;
