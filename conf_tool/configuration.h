@@ -1,4 +1,4 @@
-// The tool's own values of what the configuration library keeps.
+// The tool's own copies of what the configuration library stores.
 #pragma once
 
 #include <string>
@@ -14,10 +14,10 @@ struct RepositoryEntry {
     bool encryptionEnabled = false;
 };
 
-// A size in bytes as it stands in the log.
+// Returns a size in bytes as the log shows it.
 std::string SizeText(double bytes);
 
-// Everything that GetConfig returns. Holds the password: not copied, wiped at its end.
+// Everything that GetConfig returns. It contains the password, so it cannot be copied, and the destructor wipes it.
 struct ConfigurationSnapshot {
     ConfigurationSnapshot() = default;
     ~ConfigurationSnapshot();

@@ -7,7 +7,7 @@ namespace {
 
 template <class Function>
 void StoreIn(Function& slot, FARPROC function) {
-    // By way of the type that GCC accepts as a stand-in for any function.
+    // Through the type that GCC accepts in place of any function type.
     slot = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(function));
 }
 

@@ -1,4 +1,4 @@
-// Which functions of the configuration library each mode needs, as data.
+// The functions of the configuration library that each mode needs, as data.
 #pragma once
 
 #include <span>
@@ -9,7 +9,7 @@
 namespace conf_tool {
 
 enum class CallerMode : int {
-    Wizard = 0,  // settings are kept pending until Commit
+    Wizard = 0,  // settings are pending until Commit
     Direct = 1,  // each call takes effect at once
 };
 
@@ -44,7 +44,7 @@ struct RequiredExport {
     void (*store)(FunctionTable& table, FARPROC function);
 };
 
-// In the order in which they are resolved. The mode must be one of the two.
+// Returns them in the order in which they are resolved. The mode must be one of the two.
 std::span<const RequiredExport> RequiredExports(CallerMode mode);
 
 }  // namespace conf_tool

@@ -23,7 +23,7 @@ void LogReceived(const RepositoryEntry& entry) {
 
 }  // namespace
 
-// The frame of every call: scope, error pointer, translation of a failure, and only then the results.
+// The frame of every call: log scope, error pointer, translation of a failure, and only then the results.
 template <class Invoke, class TakeResults>
 void CConfigToolLibCaller::Call(const char* name, const char* failure_name, Invoke invoke, TakeResults take_results) {
     logging::method_scope_t scope(logging::ormacon_tool, exc::format_message("Calling %1 function", name),
@@ -106,7 +106,7 @@ void CConfigToolLibCaller::GetConfig(ConfigurationSnapshot& into) {
         const std::int32_t size = owned_repositories.Count();
         for (std::int32_t i = 0; i < size; ++i) into.repositories.push_back(owned_repositories.Entry(i));
     };
-    // The failure line of this operation has a spelling of its own, which people search logs for.
+    // The failure line of this operation has its own spelling; people search logs for it.
     Call("GetConfig", "CallGetConfig", invoke, take_results);
 }
 

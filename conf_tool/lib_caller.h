@@ -1,4 +1,4 @@
-// The one gateway to the configuration library.
+// The only gateway to the configuration library.
 #pragma once
 
 #include <string>
@@ -9,25 +9,25 @@
 
 namespace conf_tool {
 
-// Used from the thread that created it. Each call operation logs "Calling <name> function", then the same with " ok."
-// or "Failed to call <name> function". A failure that the library reports is raised as exc::runtime_exc_t with the
-// library's error text as its whole message, or "Configuration library returned an unknown error". All memory of the
-// library has gone back to it when an operation ends, however it ends.
+// Use it only from the thread that created it. Each call operation blocks until the library returns. It logs "Calling
+// <name> function", then the same with " ok." or "Failed to call <name> function". If the library fails, it throws
+// exc::runtime_exc_t with the library's error text as its whole message, or "Configuration library returned an unknown
+// error". When an operation ends, in whatever way, it has returned all of the library's memory.
 class CConfigToolLibCaller {
 public:
-    // Loads OrmaconLib.dll and resolves every export of the mode. Raises exc::runtime_exc_t for an unknown mode and for
-    // a missing export (the library then stays loaded), exc::win_sys_exc_t when the library cannot be loaded.
+    // Loads OrmaconLib.dll and resolves every export of the mode. Throws exc::runtime_exc_t for an unknown mode or a
+    // missing export (the library then stays loaded), exc::win_sys_exc_t if the library cannot be loaded.
     explicit CConfigToolLibCaller(CallerMode mode);
 
-    // Unloads unless Unload() did. A failure is raised as Unload() raises it, but only logged while another exception
-    // is on its way.
+    // Unloads, unless Unload() did. Throws what Unload() throws, but only logs it while another exception is being
+    // handled.
     ~CConfigToolLibCaller() noexcept(false);
 
     CConfigToolLibCaller(const CConfigToolLibCaller&) = delete;
     CConfigToolLibCaller& operator=(const CConfigToolLibCaller&) = delete;
 
-    // For an owner that wants to see the failure of unloading, exc::win_sys_exc_t. Nothing may be called after it; a
-    // second time does nothing.
+    // Unloads the library. Throws exc::win_sys_exc_t if that fails. Call no other operation afterwards; a second call
+    // does nothing.
     void Unload();
 
     void InitializeWizard();
@@ -37,7 +37,7 @@ public:
     void SetRepositories(const std::vector<RepositoryEntry>& repositories);
     void SetParallelism(int parallelism);
 
-    // Repositories are appended. Port and parallelism are written by the library itself, also in a failing call.
+    // Appends the repositories. The library itself writes port and parallelism, even in a failing call.
     void GetConfig(ConfigurationSnapshot& into);
 
     // Appends.
@@ -48,7 +48,7 @@ public:
     std::wstring GetResult();
     MapBackupResult MapBackup();
 
-    // 1 is Oracle Standard Edition.
+    // Returns 1 for Oracle Standard Edition.
     int GetScopeEdition();
 
     void ExportTovakConfig(const std::wstring& path);

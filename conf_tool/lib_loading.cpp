@@ -1,4 +1,4 @@
-// Loading, resolving and unloading; the calls stand in lib_caller.cpp.
+// Loading, resolving and unloading. The calls are in lib_caller.cpp.
 #include "conf_tool/lib_caller.h"
 
 #include <exception>

@@ -1,11 +1,11 @@
 // The binary interface of the configuration library: its record and the signatures of its functions.
 //
-// Texts are UTF-16, null-terminated. Input texts belong to the caller and are valid during the call only. Texts and
-// arrays that a function gives out belong to the library and go back through FreeString and FreeRepositories.
+// Texts are UTF-16, null-terminated. Input texts belong to the caller and are valid only during the call. Texts and
+// arrays that a function returns belong to the library; the caller returns them through FreeString and
+// FreeRepositories.
 //
-// Every function but the three free functions returns a status, 0 for success, and takes as its last argument where
-// to put an error text on failure; the caller sets that to null before, and a null left there means that there is no
-// text.
+// Every function except the three free functions returns a status, 0 for success. Its last argument is the place for an
+// error text. The caller sets it to null before the call; if it is still null after a failure, there is no text.
 #pragma once
 
 #include <cstddef>
@@ -61,7 +61,7 @@ using PlainFn = Status (*)(LibraryError* error);  // InitializeWizard, Commit, C
 
 using FreeStringFn = void (*)(wchar_t* text);
 using FreeRepositoriesFn = void (*)(LibraryRecords records, std::int32_t count);
-using FreeArrayStringFn = void (*)();  // required to be there, never called
+using FreeArrayStringFn = void (*)();  // required, but never called
 
 }  // extern "C"
 

@@ -8,7 +8,7 @@
 namespace conf_tool {
 namespace {
 
-// More than any backup server has: a count that was never set, and memory that is not there.
+// More than any backup server has. A larger count was never set, and its memory does not exist.
 constexpr std::int32_t most_repositories = 1'000'000;
 
 std::wstring CopyOrEmpty(const wchar_t* text) { return text == nullptr ? std::wstring() : std::wstring(text); }
