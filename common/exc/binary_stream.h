@@ -7,8 +7,8 @@
 
 namespace exc {
 
-// The readers raise runtime_exc_t "Serialised exception is cut off." when the stream ends early. A length that the
-// stream does not hold costs no more memory than the stream has bytes.
+// The readers throw runtime_exc_t "Serialised exception is cut off." if the stream ends early. They allocate no more
+// memory than the stream has bytes, whatever length it announces.
 std::uint32_t read_u32(std::istream& source);
 std::string read_text(std::istream& source);
 bool read_flag(std::istream& source);

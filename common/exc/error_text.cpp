@@ -25,7 +25,7 @@ constexpr DWORD english = 0x409;
 
 void trim_line_breaks(std::string& text) { text.erase(text.find_last_not_of("\r\n") + 1); }
 
-// Empty when there is no such text, or when it cannot be converted: raising here would ask for an error text again.
+// Empty if there is no such text, or if it cannot be converted: throwing here would ask for an error text again.
 std::string system_text(DWORD flags, HMODULE module, std::uint32_t code, DWORD language) {
     wchar_t* allocated = nullptr;
     FormatMessageW(flags, module, code, language, reinterpret_cast<wchar_t*>(&allocated), 0, nullptr);

@@ -5,8 +5,8 @@
 
 namespace exc {
 
-// The English text for a Win32 or WinINet error code, in UTF-8, without trailing line breaks. Never empty and never
-// raises for a code: one that nobody knows gets the generic text of the error category.
+// Returns the English text for a Win32 or WinINet error code, in UTF-8, without trailing line breaks. Never empty, and
+// throws for no code: an unknown one gets the generic text of the error category.
 std::string get_error_text(std::uint32_t code);
 
 }  // namespace exc

@@ -1,7 +1,7 @@
 // The exception family of the program.
 //
-// An exception carries an ordered list of message parts instead of one string: a catcher on the way out appends its
-// sentence, and technical detail stays apart from what is meant for the user.
+// An exception has an ordered list of message parts instead of one string: a catcher appends its sentence, and
+// technical detail is separate from what the user should read.
 #pragma once
 
 #include <cstdint>
@@ -27,17 +27,17 @@ public:
     exc_base_t();
     ~exc_base_t() override = default;
 
-    // All parts joined with "\n", each trace part preceded by "--tr:". Valid while this object is unchanged.
+    // Returns all parts joined with "\n", each trace part preceded by "--tr:". Valid until this object changes.
     const char* what() const noexcept override { return composed_.c_str(); }
 
-    // A heap copy of the dynamic type, for handing the failure to another thread.
+    // Returns a heap copy of the dynamic type, for passing the failure to another thread.
     virtual boost::shared_ptr<exc_base_t> clone() const = 0;
 
     // Throws a copy of the dynamic type.
     [[noreturn]] virtual void rethrow() const = 0;
 
-    // Appends the parts of a serialised exception to the present ones and takes over its thread id and trace
-    // records. Raises runtime_exc_t for a cut-off form and for an unknown trace event, and then changes nothing.
+    // Appends the parts of a serialised exception to the current ones, and takes over its thread id and trace records.
+    // Throws runtime_exc_t for a cut-off form or an unknown trace event, and then changes nothing.
     virtual void read(std::istream& source);
 
     // Writes parts, thread id and trace records, little-endian: 32-bit counts, texts as a 32-bit byte length and
@@ -53,12 +53,12 @@ public:
     // Rebuilds both composed messages from the parts.
     void compose_messages();
 
-    // All parts joined with "\n", without marks.
+    // Returns all parts joined with "\n", without marks.
     const std::string& plain_message() const { return plain_; }
 
     const std::vector<message_part_t>& parts() const { return parts_; }
 
-    // The Win32 id of the thread that constructed this exception.
+    // Returns the Win32 id of the thread that constructed this exception.
     std::uint32_t thrower_thread_id() const { return thrower_thread_id_; }
 
     // Filled only by read().
@@ -95,14 +95,14 @@ public:
     std::uint32_t error_code;
 };
 
-// A file that another process holds locked.
+// A file that another process has locked.
 class file_locked_exc_t : public exc_base_t {
 public:
     boost::shared_ptr<exc_base_t> clone() const override;
     [[noreturn]] void rethrow() const override;
 };
 
-// Work that was ended from outside while it ran, such as a read of the console that was cancelled.
+// Work that was ended from outside, such as a cancelled read of the console.
 class term_exc_t : public exc_base_t {
 public:
     boost::shared_ptr<exc_base_t> clone() const override;

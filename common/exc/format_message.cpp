@@ -12,7 +12,7 @@ constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 struct number_t {
     std::uint32_t value = 0;
-    std::size_t length = 0;  // characters read; 0 when there are no digits
+    std::size_t length = 0;  // characters read; 0 if there are no digits
 };
 
 // strtoul in base 10 for a text that need not end in a null; unsigned long has 32 bits on this system.
@@ -42,7 +42,7 @@ std::string format_with(std::string_view format, std::span<const Text> arguments
     for (std::size_t at = 0; at < format.size();) {
         const char c = format[at++];
         if (c != '%') {
-            // One by one: the pieces are short, and the calls that find and copy each cost more than the loop.
+            // One by one: the pieces are short, and calls to find and copy each one cost more than this loop.
             result.push_back(c);
             continue;
         }

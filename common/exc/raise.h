@@ -1,4 +1,4 @@
-// How failures are raised and how a catcher adds its sentence.
+// Throwing failures, and adding a catcher's sentence.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace exc {
 
-// Throws Exception with the message as its one part.
+// Throws Exception with the message as its only part.
 template <class Exception = runtime_exc_t>
 [[noreturn]] void raise(std::string_view message) {
     Exception failure;
@@ -24,11 +24,11 @@ void add_win_error(exc_base_t& failure, std::uint32_t code, std::string_view mes
 // system.
 [[noreturn]] void raise_win_error(std::uint32_t code, std::string_view message);
 
-// Throws the cause again, its type and error code kept, with the context appended as a plain part. An exception that
-// is not of this family becomes a runtime_exc_t with its what() as the first part.
+// Throws the cause again, with its type and error code, and with the context appended as a plain part. An exception
+// outside this family becomes a runtime_exc_t with its what() as the first part.
 [[noreturn]] void rethrow_with_context(const std::exception& cause, std::string_view context);
 
-// The same parts as a runtime_exc_t, whatever the cause was.
+// The same, but always throws a runtime_exc_t.
 [[noreturn]] void rethrow_as_runtime_error(const std::exception& cause, std::string_view context);
 
 }  // namespace exc

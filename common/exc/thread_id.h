@@ -4,7 +4,7 @@
 
 namespace exc {
 
-// The Win32 id of the calling thread.
+// Returns the Win32 id of the calling thread.
 std::uint32_t current_thread_id() noexcept;
 
 }  // namespace exc

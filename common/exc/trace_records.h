@@ -1,4 +1,4 @@
-// What happened to an exception before it was serialised; known only for one that was read back.
+// What happened to an exception before it was serialised. Only an exception that was read back has such records.
 #pragma once
 
 #include <compare>
@@ -23,14 +23,14 @@ struct trace_record_t {
 
 class trace_records_t {
 public:
-    // A 32-bit count, then for each record its event number and its info text. Raises runtime_exc_t
-    // "Unexpected trace event: [%1]. Info: %2." for an event that is none of the above.
+    // Reads a 32-bit count, then for each record its event number and its info text. Throws runtime_exc_t "Unexpected
+    // trace event: [%1]. Info: %2." for any other event.
     void read(std::istream& source);
     void write(std::ostream& target) const;
 
     const std::vector<trace_record_t>& list() const { return list_; }
 
-    // How often this very record occurs.
+    // Returns how often this record occurs.
     std::size_t count(const trace_record_t& record) const;
 
 private:

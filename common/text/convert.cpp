@@ -10,7 +10,7 @@
 namespace text {
 namespace {
 
-// The length that the system is given counts the terminating null, which is converted too.
+// The length passed to the system includes the terminating null, which is also converted.
 template <class Char>
 int length_with_null(const std::basic_string<Char>& source) {
     return source.size() < INT_MAX ? static_cast<int>(source.size()) + 1 : 0;

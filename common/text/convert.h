@@ -1,7 +1,7 @@
-// The conversions between UTF-16 and narrow text; no other place of the program converts encodings.
+// The conversions between UTF-16 and narrow text. The program converts encodings only here.
 //
-// A source with an embedded null is cut there. An empty source gives an empty result without asking the system. A
-// failure raises exc::win_sys_exc_t: the system's text, the sentence named at the function, the error code.
+// A source with an embedded null is cut there. An empty source gives an empty result. On failure they throw
+// exc::win_sys_exc_t with the system's text, the sentence given above the function, and the error code.
 #pragma once
 
 #include <string>
@@ -21,7 +21,7 @@ std::string wide_to_utf8(const std::wstring& source);
 // "Multibyte UTF8 string cannot be converted to unicode string. Source string: [%1]."
 std::wstring utf8_to_wide(const std::string& source);
 
-// For the error texts of the system alone: never raises, a text that cannot be converted gives an empty one.
+// Only for the system's error texts: never throws; returns an empty text if the source cannot be converted.
 std::string wide_to_utf8_or_empty(const wchar_t* source) noexcept;
 
 }  // namespace text

@@ -1,4 +1,4 @@
-// Searching long texts for one character, sixteen bytes at a time: not every run-time library's search does that.
+// Searches long texts for one character, sixteen bytes at a time. Not every runtime library does that.
 #pragma once
 
 #include <emmintrin.h>
@@ -9,7 +9,7 @@
 
 namespace text {
 
-// The place of the first such unit, the size of the text when there is none. Char has one byte or two.
+// Returns the index of the first such unit, or the size of the text if there is none. Char has one byte or two.
 template <class Char>
 std::size_t find_unit(std::basic_string_view<Char> text, Char wanted) {
     static_assert(sizeof(Char) <= 2);

@@ -1,4 +1,4 @@
-// Buffers that held a password are overwritten before their memory goes back.
+// Overwriting buffers that held a password, before their memory is released.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@ void wipe(std::basic_string<Char>& secret) noexcept {
     secret.clear();
 }
 
-// Wipes a text that outlives this object, on every way out of the scope.
+// Wipes a text at the end of the scope, however it ends. The text must outlive this object.
 template <class Char>
 class wipe_at_exit_t {
 public:
