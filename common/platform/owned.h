@@ -7,7 +7,7 @@
 
 namespace platform {
 
-// Holder gives type, invalid() and close(type).
+// Holder has type, invalid() and close(type).
 template <class Holder>
 class unique_t {
 public:
@@ -26,7 +26,7 @@ public:
     explicit operator bool() const noexcept { return value_ != Holder::invalid(); }
     type release() noexcept { return std::exchange(value_, Holder::invalid()); }
 
-    // Closes what is held; the thread's last error stays as it is.
+    // Closes the resource. Keeps the thread's last error.
     void reset(type value = Holder::invalid()) noexcept {
         const type old = std::exchange(value_, value);
         if (old == Holder::invalid()) return;
@@ -35,7 +35,7 @@ public:
         SetLastError(last_error);
     }
 
-    // For calls that give a value out. What was held is closed first.
+    // Closes the resource and returns the place for a new one, for calls with an out-parameter.
     type* put() noexcept {
         reset();
         return &value_;

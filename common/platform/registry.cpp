@@ -27,7 +27,7 @@ std::optional<Number> number_of(const std::vector<unsigned char>& data) {
 
 std::optional<std::wstring> registry_value_t::text() const {
     if (type_ != REG_SZ && type_ != REG_EXPAND_SZ) return std::nullopt;
-    // The system stores whatever was written: an odd length or a missing null are possible.
+    // The system stores whatever was written: the length may be odd, and the null may be missing.
     std::wstring value(data_.size() / sizeof(wchar_t), L'\0');
     if (!value.empty()) std::memcpy(value.data(), data_.data(), value.size() * sizeof(wchar_t));
     value.resize(std::wcslen(value.c_str()));

@@ -9,8 +9,7 @@ struct version_resource_t {
     std::string comments;      // UTF-8
 };
 
-// The version resource of a program file; members that it does not have are empty, as they all are when it has no
-// version resource.
+// Returns the version resource of a program file. Members that it does not have are empty.
 version_resource_t read_version_resource(const std::wstring& path);
 
 }  // namespace platform

@@ -6,8 +6,9 @@
 
 namespace plugin {
 
-// The common settings from "tovak_common_config.xml" in the directory, or their defaults where the file or a value is
-// missing or malformed; either way the values in force are logged. Never ends the caller's work.
+// Returns the common settings from "tovak_common_config.xml" in the directory. Values that are missing or malformed, or
+// all of them if there is no such file, have their defaults. Logs the values in either case. Failures are logged,
+// not thrown.
 common_settings_t load_common_settings(const std::wstring& directory);
 
 }  // namespace plugin

@@ -7,11 +7,11 @@
 
 namespace plugin {
 
-// The path of the settings file in a directory. Raises runtime_exc_t "Cannot find plug-in manager configuration file"
-// with "Failed to read plug-in manager configuration file" when there is no such file.
+// Returns the path of the settings file in a directory. Throws runtime_exc_t "Cannot find plug-in manager configuration
+// file" with "Failed to read plug-in manager configuration file" if the file does not exist.
 std::wstring find_settings_file(const std::wstring& directory);
 
-// Reads the file. What cannot be read keeps its default and is logged.
+// Reads the file. Values that cannot be read keep their defaults; the failure is logged.
 common_settings_t read_settings_file(const std::wstring& path);
 
 }  // namespace plugin

@@ -62,10 +62,10 @@ void refuse_deep_text(std::string_view text) {
     }
 }
 
-// False when the text is no XML, which is logged.
+// Returns false, and logs it, if the text is not XML.
 bool parse(const std::string& text, TiXmlDocument& document) {
     refuse_deep_text(text);
-    // The parser steps over the end of a text that is cut off within a character. Each step finds an end here.
+    // The parser reads past the end of a text that is cut off within a character. This gives each such step an end.
     const std::string with_ends = text + std::string(4, '\0');
     document.Parse(with_ends.c_str());
     if (!document.Error()) {
@@ -79,7 +79,7 @@ bool parse(const std::string& text, TiXmlDocument& document) {
     return false;
 }
 
-// Values may stand as child elements with text or as attributes; the element is looked at first.
+// Values may be child elements with text, or attributes. The element is looked at first.
 std::string value_of(const TiXmlElement& parameters, const char* name) {
     if (const TiXmlElement* child = parameters.FirstChildElement(name)) {
         const char* value = child->GetText();
@@ -91,7 +91,7 @@ std::string value_of(const TiXmlElement& parameters, const char* name) {
 
 std::int32_t number_of(const TiXmlElement& parameters, const char* name, std::int32_t fallback) {
     int number = 0;
-    // NOLINTNEXTLINE(cert-err34-c): a number has always been read so, also one with something behind it
+    // NOLINTNEXTLINE(cert-err34-c): numbers have always been read like this, even with something after them
     return std::sscanf(value_of(parameters, name).c_str(), "%d", &number) == 1 ? number : fallback;
 }
 

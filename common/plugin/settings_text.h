@@ -1,4 +1,4 @@
-// What stands in the settings file that the plug-in's programs share.
+// The content of the settings file that the plug-in's programs share.
 #pragma once
 
 #include <cstdint>
@@ -9,11 +9,11 @@ class TiXmlNode;
 
 namespace plugin {
 
-// The names are those of the file, the misspelt one included.
+// The names are those of the file, including the misspelt one.
 struct common_settings_t {
     std::int32_t minPluginManagerPort = 6791;
     std::int32_t managerConnectionAttempsCount = 30;
-    std::string managerLockDir;  // UTF-8; empty when the file names none
+    std::string managerLockDir;  // UTF-8; empty if the file has none
     std::string logsDir;         // likewise
 };
 
@@ -21,7 +21,7 @@ struct common_settings_t {
 // Throws what find_child_node() throws, and runtime_exc_t "Elements are nested more than 1000 deep.".
 common_settings_t parse_settings(const std::string& text);
 
-// The named child element. Raises runtime_exc_t "There is no node with the specified name: [%1].".
+// Returns the named child element. Throws runtime_exc_t "There is no node with the specified name: [%1].".
 const TiXmlElement& find_child_node(const TiXmlNode& parent, const std::string& name);
 
 }  // namespace plugin
