@@ -26,6 +26,7 @@ pre code { padding: 0; background: none; font-size: 1em; word-wrap: normal; }
 table { border-collapse: collapse; width: 100%; }
 th, td { border: 1px solid #c8c8c8; padding: .4em .6em; text-align: left; vertical-align: top; }
 th { background: #f1f3f5; }
+.option { white-space: nowrap; }
 td code { background: none; padding: 0; }
 td:first-child { min-width: 11em; }
 @media (max-width: 40em) {
@@ -71,6 +72,7 @@ def check_links(body):
 def html_page(text):
     """The page as a string. Its title is the first heading."""
     body = markdown.markdown(text, extensions=["fenced_code", "sane_lists", "tables", "toc"], output_format="html")
+    body = re.sub(r"<code>(--[a-z-]+)</code>", r'<code class="option">\1</code>', body)  # not broken at its hyphens
     body = body.replace("<table>", '<div class="table"><table>').replace("</table>", "</table></div>")
     check_links(body)
     title = re.sub(r"<[^>]*>", "", re.search(r"<h1[^>]*>(.*?)</h1>", body)[1])
