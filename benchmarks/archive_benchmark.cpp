@@ -1,4 +1,4 @@
-// Archiving a log, against one pass of zlib's deflate at the same level over the same bytes in memory.
+// Archiving a log. Baseline: one pass of zlib's deflate at the same level over the same bytes in memory.
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t mebibyte = 1024 * 1024;
 
-// Lines as a run of the program leaves them, with values that change from line to line.
+// Lines like those of a real run, with values that change from line to line.
 std::string log_text(std::size_t size) {
     std::string text;
     unsigned random = 1;

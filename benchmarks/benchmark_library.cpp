@@ -1,6 +1,6 @@
-// A configuration library that answers at once, so that the tool's own time shows: as many repositories as the
-// environment variable ORMACON_BENCHMARK_REPOSITORIES says, every tenth of them configured. Nothing is kept, and what
-// it gives out is its own and comes back for nothing.
+// A configuration library that answers at once, so that only the tool's own time is measured. The environment variable
+// ORMACON_BENCHMARK_REPOSITORIES sets the number of repositories; every tenth of them is configured. The library stores
+// nothing; its memory is static, so freeing it costs nothing.
 #include <cstdlib>
 #include <memory>
 #include <string>

@@ -1,5 +1,5 @@
-// The conversions between UTF-8 and UTF-16, against one call of the system into a buffer that is large enough, and
-// against the floor: the two calls and the one piece of memory that a conversion cannot do without.
+// The conversions between UTF-8 and UTF-16. Baselines: one system call into a buffer that is large enough, and the
+// floor, which is the two calls and the memory that every conversion needs.
 #include <memory>
 #include <string>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-// As the log's texts are: mostly ASCII, with names in other languages now and then.
+// Like the log's texts: mostly ASCII, with names in other languages now and then.
 std::wstring wide_text(std::size_t size) {
     const std::wstring sample =
         L"Repository [Z\u00fcrich \u6771\u4eac \u0434\u0438\u0441\u043a] of the backup server, path ";

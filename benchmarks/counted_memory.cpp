@@ -6,7 +6,7 @@
 
 namespace {
 
-// One thread alone allocates here.
+// Only one thread allocates here.
 std::size_t in_use = 0;
 std::size_t in_use_at_restart = 0;
 std::size_t peak = 0;

@@ -1,15 +1,15 @@
-// Counts what the program takes from the heap. The functions of counted_memory.cpp stand in for the run-time library's
-// by the linker's --wrap, so that the libraries linked are counted too.
+// Counts the heap memory of the program. The linker's --wrap replaces the runtime library's functions with those of
+// counted_memory.cpp, so memory of linked libraries counts, too.
 #pragma once
 
 #include <cstddef>
 
 namespace benchmarks {
 
-// From here on the peak is counted anew.
+// Starts counting the peak anew.
 void restart_peak() noexcept;
 
-// The most bytes at a time since restart_peak(), beyond those that were in use then.
+// Returns the most bytes in use at once since restart_peak(), in addition to those that were in use then.
 std::size_t peak_growth() noexcept;
 
 }  // namespace benchmarks

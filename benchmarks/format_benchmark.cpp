@@ -1,5 +1,5 @@
-// format_message with two arguments, against the formatters of fmt and Boost with the format known at run time, and
-// against the floor: the pieces of the text, known beforehand, put together in memory of the right size.
+// format_message with two arguments. Baselines: fmt and Boost with a format known only at run time, and the floor,
+// which joins the known pieces of the text in memory of the right size.
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-// One sentence of the log, in pieces and in the three notations.
+// One log sentence, in pieces and in the three notations.
 struct sentence_t {
     std::string before;
     std::string first;

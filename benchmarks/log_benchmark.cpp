@@ -1,6 +1,5 @@
-// One information record of 80 characters into the log file, in the hands of the operating system when the call
-// returns: the log, a bare WriteFile of the same line as the floor, and spdlog with the same layout. And the log alone,
-// all of it but that the line goes nowhere.
+// One information record of 80 characters, which the operating system has when the call returns. Baselines: a bare
+// WriteFile of the same line, and spdlog with the same layout. Also measures composing the line without writing it.
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -40,7 +39,7 @@ std::string last_line(const std::wstring& path) {
 
 std::wstring open_product() {
     const std::wstring path = benchmarks::fresh_work_file(L"Product.log");
-    // The limit is looked at for each record and never reached.
+    // The limit is checked for each record and never reached.
     logging::open_log(logging::ormacon_tool,
                       {.path = path, .limits = {.log_size = 1ULL << 40, .archive_count = 10}, .switches = {}});
     return path;
@@ -138,7 +137,7 @@ int main(int argc, char** argv) {
     constexpr std::size_t time_stamp_size = 22;
     benchmark::Initialize(&argc, argv);
     floor_line = product_line();
-    // What is compared must be the same line but for the time.
+    // The lines must differ only in the time.
     if (floor_line.substr(time_stamp_size) != peer_line().substr(time_stamp_size)) {
         std::cerr << "The layouts differ:\n" << floor_line << peer_line();
         return 1;

@@ -1,5 +1,5 @@
-// What no program with the same duties can leave out, and nothing else: COM, four registry values, the folder of the
-// log, one log file, a text on standard output; with --show-config also the library and one call.
+// The least that a program with the same duties must do: COM, four registry values, the folder of the log, one log
+// file, a text on standard output. With --show-config also the library and one call.
 #include <array>
 #include <cstdint>
 #include <string>

@@ -1,4 +1,4 @@
-// --help and --show-config as whole processes, from CreateProcess to the end of the process, against the minimal
+// --help and --show-config as whole processes, from CreateProcess to the end of the process. Baseline: the minimal
 // program.
 #include <string>
 

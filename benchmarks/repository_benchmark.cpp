@@ -1,5 +1,5 @@
-// The wizard's repository step, whole: from the answer before it to the question after it, with everything that it
-// asks of the library, logs and prints. And the part of it that matches numbers and repositories, alone.
+// The wizard's whole repository step, from the answer before it to the question after it, with its library calls, log
+// records and output. Also measures only the part that matches numbers and repositories.
 #include <chrono>
 #include <string>
 #include <vector>
@@ -19,7 +19,7 @@ namespace {
 using clock_type = std::chrono::steady_clock;
 using conf_tool::RepositoryEntry;
 
-// A user who keeps every setting and in the end saves nothing, with a watch in the hand.
+// A user who keeps every setting, saves nothing, and measures the time.
 class CTimedUser : public wizard::IConsoleDevice {
 public:
     CTimedUser() { wizard::UseConsoleDevice(this); }
@@ -45,7 +45,7 @@ private:
     bool saving_ = false;
 };
 
-// Without a limit for the log: archiving is measured on its own.
+// The log has no size limit: another benchmark measures archiving.
 class CLog {
 public:
     CLog() {

@@ -1,4 +1,4 @@
-// Where the benchmarks put their files.
+// The folder for the benchmarks' files.
 #pragma once
 
 #include <filesystem>
@@ -8,7 +8,7 @@
 
 namespace benchmarks {
 
-// A path in the folder "benchmark_files" beside the program, where no file of this name is left.
+// Returns a path in the folder "benchmark_files" beside the program. Deletes an earlier file of this name.
 inline std::wstring fresh_work_file(const std::wstring& name) {
     const auto folder = std::filesystem::path(platform::program_path()).parent_path() / "benchmark_files";
     std::filesystem::create_directories(folder);
