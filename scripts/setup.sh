@@ -10,7 +10,7 @@ packages=(
     wine64                                          # runs the programs built
     libz-mingw-w64-dev                              # zlib for the target; Boost's tools: see oldest_boost
     googletest dpkg-dev patch xz-utils              # sources, and what unpacks them
-    tmux python3 clang-format lldb                  # console tests, format check, dump reader
+    tmux python3 python3-markdown clang-format lldb # console tests, HTML page, format check, dump reader
     ca-certificates git
 )
 oldest_boost=81  # Boost 1.81; the newest that is installed is taken, or the newest that the archive has
