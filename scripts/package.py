@@ -2,19 +2,21 @@
 """Packs what has been built.
 
     package.py ZIP_FILE                     the release build in build/bin, for an administrator
-    package.py --tests VERSION ZIP_FILE     also the tests in build/test/bin, for whoever has Windows
+    package.py --tests VERSION ZIP_FILE     the release build and the tests in build/test/bin, for someone with Windows
 
-The same files give the same archive: entries are sorted, and their time is that of the last commit. The notices of what
-is linked into the program are taken from the machine that built it.
+The same files give the same archive: entries are sorted, and their time is that of the last commit. The notices of the
+linked libraries come from the machine that builds. Run it with Debian's own /usr/bin/python3, which has the library for
+html_page.
 """
 import glob
 import os
 import re
 import subprocess
 import sys
-import textwrap
 import time
 import zipfile
+
+from html_page import html_page
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 INSTALLED = "/usr/share/doc/%s/copyright"
@@ -39,19 +41,19 @@ def version_of(package):
 
 
 def part(text, begin, end, what):
-    """From the first line that begins with the one pattern to the line before the one that matches the other."""
+    """The text from the first line that matches begin to the line before the next one that matches end."""
     found = re.search(f"^{begin}.*?(?=^{end}|\\Z)", text, re.MULTILINE | re.DOTALL)
     if not found:
-        sys.exit(f"!! no {what} among the notices of this machine")
+        sys.exit(f"!! cannot find the {what}: the file of Debian's package has another form; adapt notices()")
     return found[0].rstrip() + "\n"
 
 
 def licence(path, name):
-    """Who holds the rights, and the text of the one licence, from a file in Debian's format."""
+    """The copyright and the text of this licence, from a file in Debian's format."""
     text = read(path)
     both = (part(text, r"Files: \*\n", r"\n", f"copyright in {path}") + "\n" +
             part(text, rf"License: {name}\n(?= \S)", r"\S", f"licence {name} in {path}"))
-    return re.sub(r"^ \.$", "", both, flags=re.MULTILINE)  # the format's mark for an empty line
+    return re.sub(r"^ \.$", "", both, flags=re.MULTILINE)  # an empty line in Debian's format
 
 
 def compiler_exception(path):
@@ -77,29 +79,14 @@ def notices():
     return head + "".join(f"\n{RULE}\n{title}, {version}\n{RULE}\n\n{text}" for title, version, text in chapters)
 
 
-def row_as_text(row):
-    first, *others = (cell.strip() for cell in re.split(r"(?<!\\)\|", row.strip().strip("|")))
-    wrap = textwrap.TextWrapper(100, initial_indent="    ", subsequent_indent="    ",
-                                break_long_words=False, break_on_hyphens=False)
-    first = first.replace("`, `", "`,\n`")  # one message a line
-    return "\n".join([first, *(wrap.fill(cell) for cell in others if cell), ""])
-
-
-def without_tables(page):
-    """For an editor that shows the page as it is: the first cell of each row, and the others below it."""
-    page = re.sub(r"^ *\|.*\n *\|[-|]+$", "", page, flags=re.MULTILINE)  # headers
-    lines = (row_as_text(line) if line.lstrip().startswith("|") else line for line in page.split("\n"))
-    return re.sub("\n{3,}", "\n\n", "\n".join(lines))
-
-
 def for_windows(text):
-    """The byte order mark tells older editors that it is UTF-8."""
+    """With a byte order mark, by which older editors recognise UTF-8."""
     return text.replace("\n", "\r\n").encode("utf-8-sig")
 
 
 def for_administrator():
     return {
-        "Administrator.txt": for_windows(without_tables(read("docs/administrator.md"))),
+        "Administrator.html": for_windows(html_page(read("docs/administrator.md"))),
         "Changes.txt": for_windows(read("CHANGELOG.md")),
         "Notices.txt": for_windows(notices()),
         "Ormacon.debug": read_bytes("build/bin/Ormacon.debug"),
@@ -108,11 +95,11 @@ def for_administrator():
 
 
 def for_testing(version):
-    """The GoogleTest programs: those among the tests that need Windows alone."""
+    """The GoogleTest programs, which are the tests that need only Windows."""
     built = os.path.join(ROOT, "build/test/bin")
     programs = [os.path.relpath(path, built) for path in glob.glob(f"{built}/**/*_test.exe", recursive=True)]
     if not programs:
-        sys.exit(f"!! no test programs in {built}")
+        sys.exit(f"!! there are no test programs in {built}: run ./package --tests, which builds them")
     script = read("scripts/run-tests.cmd").replace("@VERSION@", version)
     script = script.replace("@COMMIT@", output_of("git", "describe", "--always", "--dirty=-changed"))
     script = script.replace("@PROGRAMS@", " ".join(sorted(programs)).replace("/", "\\"))
