@@ -1,4 +1,4 @@
-// From the command line to the one command, and its run.
+// Chooses and runs the one command.
 #pragma once
 
 #include <string>
@@ -14,13 +14,13 @@ struct Command {
     boost::function<void()> handler;  // bound to the context, which must outlive it
 };
 
-// Parses the command line into the context and chooses one command. When several options are given, the last one in
-// the order of the checks wins and the others are ignored; no option at all asks for help. Logs "Parsing incoming
+// Parses the command line into the context and chooses one command. If several options are given, the last one in the
+// order of the checks wins and the others are ignored; without an option the command is help. Logs "Parsing incoming
 // values". Throws exc::runtime_exc_t that ends in "Failed to parse incoming parameters".
 Command ParseCommandLine(CommandContext& context, int argc, const char* const* argv);
 
-// Runs the handler inside the log scope "Executing method %1". Throws a failure as exc::runtime_exc_t that ends in
-// "Failed to execute method %1".
+// Runs the handler inside the log scope "Executing method %1". If the handler throws, throws exc::runtime_exc_t that
+// ends in "Failed to execute method %1".
 void ExecuteMethod(boost::function<void()> handler, const std::string& method_name);
 
 }  // namespace app

@@ -1,5 +1,5 @@
-// Owners of what the configuration library allocated. Each returns its memory to the library exactly once. Making an
-// owner never fails, so that several can be made one after another without losing what the next one is to own.
+// Owners of memory that the configuration library allocated. Each returns it to the library exactly once. Constructing
+// an owner never fails, so several can be constructed one after another without losing memory.
 #pragma once
 
 #include <memory>
@@ -15,8 +15,8 @@ class CLibraryText {
 public:
     CLibraryText(LibraryText text, FreeStringFn free_string) noexcept : owner_(text, free_string) {}
 
-    // The text, valid during the lifetime of this object. A null one breaks the library's contract and throws
-    // exc::runtime_exc_t "Configuration library returned no text".
+    // Returns the text, valid during the lifetime of this object. If it is null, which breaks the library's contract,
+    // throws exc::runtime_exc_t "Configuration library returned no text".
     const wchar_t* Get() const;
 
     explicit operator bool() const { return owner_ != nullptr; }
@@ -34,12 +34,12 @@ public:
     CLibraryRepositories(const CLibraryRepositories&) = delete;
     CLibraryRepositories& operator=(const CLibraryRepositories&) = delete;
 
-    // The number of records. A negative count of the library's is 0. Throws exc::runtime_exc_t "Configuration library
-    // returned no repositories" for a null array with a count above 0, and "Configuration library returned an
+    // Returns the number of records; a negative count of the library's is 0. Throws exc::runtime_exc_t "Configuration
+    // library returned no repositories" for a null array with a count above 0, and "Configuration library returned an
     // impossible number of repositories: [%1]" for a count above a million.
     std::int32_t Count() const;
 
-    // A copy of one of the Count() records. A null record and a null text count as empty.
+    // Returns a copy of one of the Count() records. A null record and a null text count as empty.
     RepositoryEntry Entry(std::int32_t index) const;
 
 private:
@@ -48,7 +48,8 @@ private:
     FreeRepositoriesFn free_repositories_;
 };
 
-// The contiguous records that the library takes. They point to the texts of the entries, which must outlive them.
+// Returns the contiguous records that the library takes. They point to the texts of the entries, which must outlive
+// them.
 std::vector<plug_common::SRepositoryCType> ToLibraryRecords(const std::vector<RepositoryEntry>& entries);
 
 }  // namespace conf_tool

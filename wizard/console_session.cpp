@@ -46,7 +46,7 @@ void ReadLines(bool echo) {
     SetMode(STD_INPUT_HANDLE, echo ? mode : mode & ~DWORD{ENABLE_ECHO_INPUT});
 }
 
-// False when there was nothing to restore.
+// Returns false if there was nothing to restore.
 bool RestoreEcho(ConsoleState& state) {
     if (!std::exchange(state.echo_off, false)) return false;
     ReadLines(true);
@@ -62,7 +62,7 @@ void RestoreConsole(ConsoleState& state) {
     if (const UINT code_page = std::exchange(state.output_code_page, 0)) SetConsoleOutputCP(code_page);
 }
 
-// The crashed thread may hold the mutex; it does not run on, so nobody has to be kept out.
+// The crashed thread may own the mutex. Nobody else changes the state any more, so no lock is needed.
 void RestoreAfterCrash() {
     ConsoleState& state = State();
     const std::unique_lock lock(state.mutex, std::try_to_lock);

@@ -16,14 +16,14 @@ namespace {
 using exc::format_message;
 using logging::plugin_common;
 
-// Moves behind the next occurrence of the mark, or to the end.
+// Moves to the end of the next occurrence of the mark, or to the end of the text.
 void skip_past(std::string_view& text, std::string_view mark) {
     text.remove_prefix(std::min(text.find(mark), text.size()));
     text.remove_prefix(std::min(mark.size(), text.size()));
 }
 
-// Moves behind the tag that the text begins with; a ">" in a quoted value does not end it. Returns whether the element
-// has no end tag of its own.
+// Moves to the end of the tag at the beginning of the text; a ">" in a quoted value does not end it. Returns whether
+// the element has no end tag.
 bool skip_tag(std::string_view& text) {
     char quote = 0;
     char last = 0;

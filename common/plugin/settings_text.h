@@ -14,11 +14,11 @@ struct common_settings_t {
     std::int32_t minPluginManagerPort = 6791;
     std::int32_t managerConnectionAttempsCount = 30;
     std::string managerLockDir;  // UTF-8; empty if the file has none
-    std::string logsDir;         // likewise
+    std::string logsDir;         // the same
 };
 
-// A value that is missing or malformed keeps its default, and so do all of a text that is no XML, which is logged.
-// Throws what find_child_node() throws, and runtime_exc_t "Elements are nested more than 1000 deep.".
+// Returns the settings. A value that is missing or malformed has its default; if the text is not XML, which is logged,
+// all of them have. Throws what find_child_node() throws, and runtime_exc_t "Elements are nested more than 1000 deep.".
 common_settings_t parse_settings(const std::string& text);
 
 // Returns the named child element. Throws runtime_exc_t "There is no node with the specified name: [%1].".
