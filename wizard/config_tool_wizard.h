@@ -14,7 +14,7 @@ public:
     explicit CConfigToolWizard(boost::shared_ptr<conf_tool::CConfigToolLibCaller> caller, int scope_edition = 0);
 
     // Asks, shows the summary, and applies, exports or cancels, until the user is done. Shows a failure and offers a
-    // restart. Throws only exc::term_exc_t, when the program is being ended.
+    // restart; failures do not leave this function.
     void StartWizard();
 
     // The steps. They throw if the answer or the library fails; nothing is asked twice.

@@ -10,7 +10,7 @@ void PrintToConsole(std::wstring text);
 
 // Blocks until a line is entered; returns it without its line end. Hidden input is not echoed. Logs "Read from console
 // [%1]", with "Hidden data" in place of hidden input. Returns an empty text for an empty line, and if there has never
-// been a console. Throws exc::term_exc_t if the read is cancelled because the program is being ended.
+// been a console. If the read fails because the user has pressed Ctrl+C or closed the window, the process ends.
 // A visible line of more than 1,024 UTF-16 units is returned by several reads. The rest of a hidden line is dropped, so
 // that it cannot become the answer to the next question.
 std::wstring ReadFromConsole(bool hidden = false);

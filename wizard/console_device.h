@@ -10,7 +10,7 @@ public:
     virtual ~IConsoleDevice() = default;
     virtual void Write(const std::wstring& text) = 0;
 
-    // Returns one line without its line end. For a hidden one the echo is off already.
+    // Blocks until a line is entered; returns it without its line end. For hidden input, the echo is already off.
     virtual std::wstring ReadLine(bool hidden) = 0;
 
     // Returns false if nobody can answer: every line is then empty, and no question may be repeated.
