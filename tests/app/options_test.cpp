@@ -12,7 +12,7 @@ namespace {
 using namespace app;
 using testing::ElementsAre;
 
-// The method name that the words stand for, or the failure.
+// Returns the method name that the words choose, or the failure.
 std::string MethodFor(std::vector<const char*> words) {
     words.insert(words.begin(), "Ormacon.exe");
     CommandContext context;

@@ -12,8 +12,8 @@ namespace {
 
 using namespace text;
 
-// The n-th conversion call of the system from now on fails, once, with ERROR_NO_UNICODE_TRANSLATION; the system itself
-// refuses no text that a test could build.
+// Makes the n-th conversion call from now on fail once, with ERROR_NO_UNICODE_TRANSLATION: the system itself accepts
+// every text that a test could build.
 int calls_until_failure = 0;
 
 bool Fails() {
@@ -78,7 +78,7 @@ TEST(Convert, FailuresNameTheConversionAndTheSourceOfNarrowText) {
     };
     const std::string cause = exc::get_error_text(ERROR_NO_UNICODE_TRANSLATION) + "\n";
     for (const auto& c : cases) {
-        for (const int call : {1, 2}) {  // the size query, the conversion itself
+        for (const int call : {1, 2}) {  // the size query, then the conversion itself
             calls_until_failure = call;
             EXPECT_THAT(c.convert, testing::ThrowsMessage<exc::win_sys_exc_t>(cause + c.sentence +
                                                                               "\n--tr:Error code: 0x00000459"));
@@ -95,10 +95,10 @@ TEST(Wipe, OverwritesShortAndLongTexts) {
     for (const std::size_t size : {3U, 100U}) {
         std::wstring secret(size, L's');
         const wchar_t* memory = secret.data();
-        secret.resize(1);  // what stood behind it still stands there
+        secret.resize(1);  // the rest of the text is still in memory
         { const wipe_at_exit_t wipe(secret); }
         EXPECT_TRUE(secret.empty());
-        // cppcheck-suppress invalidContainer ; a shorter text stays where it is
+        // cppcheck-suppress invalidContainer ; a shorter text keeps its memory
         EXPECT_EQ(std::wstring(memory, size), std::wstring(size, L'\0'));
     }
 }

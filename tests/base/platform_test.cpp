@@ -97,7 +97,7 @@ TEST(Owned, ClosesOnceAndKeepsTheLastError) {
     DWORD flags = 0;
     EXPECT_FALSE(GetHandleInformation(event, &flags));
     SetLastError(42);
-    { const unique_handle closed_again(event); }  // in vain
+    { const unique_handle closed_again(event); }  // fails
     EXPECT_EQ(GetLastError(), 42U);
     EXPECT_FALSE(unique_file(INVALID_HANDLE_VALUE));
     EXPECT_FALSE(unique_file());

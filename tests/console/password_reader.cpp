@@ -1,5 +1,5 @@
-// Prints the password that the configuration library beside it holds, unit by unit in hexadecimal: no road of the
-// product shows it.
+// Prints the password that the configuration library beside it stores, unit by unit in hexadecimal. The product never
+// shows it.
 #include <cstdio>
 
 #include "conf_tool/library_interface.h"

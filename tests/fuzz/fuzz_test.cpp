@@ -22,7 +22,7 @@ std::string random_input(const fuzz::unit_t& unit, unsigned seed) {
     return input;
 }
 
-// For what ends the program: a failed assertion, the trap of undefined behaviour, a wild pointer.
+// Catches what ends the program: a failed assertion, the trap of undefined behaviour, a wild pointer.
 void name_the_input(int) {
     std::fputs(what_runs.c_str(), stderr);
     std::_Exit(1);

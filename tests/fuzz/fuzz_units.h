@@ -1,5 +1,5 @@
-// Fuzzing: for each unit a check that takes any bytes and raises std::logic_error when something does not hold. The
-// test program feeds them from a seeded generator, the programs of the fuzz build from libFuzzer.
+// Fuzzing: for each unit a check that takes any bytes and throws std::logic_error if a property is violated. The test
+// program feeds the checks from a seeded generator, the programs of the fuzz build from libFuzzer.
 #pragma once
 
 #include <stdexcept>
@@ -20,7 +20,7 @@ struct unit_t {
 };
 const std::vector<unit_t>& units();
 
-// The text between the separators; at least so many pieces.
+// Returns the texts between the separators, at least this many.
 std::vector<std::string> pieces(const std::string& text, char separator, std::size_t least = 0);
 
 inline void require(bool holds, const char* property) {

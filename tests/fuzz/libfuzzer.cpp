@@ -1,4 +1,4 @@
-// One unit as a libFuzzer program. What the units ask of Windows is answered in the simplest way.
+// One unit as a libFuzzer program. Windows functions that the units call are replaced in the simplest way.
 #include <algorithm>
 #include <random>
 
@@ -15,7 +15,7 @@ static const fuzz::unit_t& unit = *std::ranges::find(fuzz::units(), std::string(
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t max_size);
 
-// Now and then a word of the unit at any place, otherwise what libFuzzer makes of the bytes.
+// Inserts a word of the unit now and then; otherwise leaves the bytes to libFuzzer.
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t max_size,
                                                unsigned seed) {
     std::minstd_rand engine(seed);

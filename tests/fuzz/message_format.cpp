@@ -4,7 +4,7 @@
 
 #include "tests/fuzz/fuzz_units.h"
 
-// Character by character, with the run-time library's own reader of numbers.
+// Character by character, with the runtime library's own reader of numbers.
 static std::string plain_format(const std::string& format, const std::vector<std::string>& arguments) {
     std::string result;
     for (const char* at = format.c_str(); at < format.c_str() + format.size();) {

@@ -7,7 +7,7 @@ static std::vector<std::string> values_of(const plugin::common_settings_t& setti
             settings.managerLockDir, settings.logsDir};
 }
 
-// The input as the whole text, and as what stands in the element with the values.
+// The input is once the whole text, and once the content of the element with the values.
 void fuzz::check_settings(const std::string& input) {
     const char* const names[] = {"minPluginManagerPort", "managerConnectionAttempsCount", "managerLockDir", "logsDir"};
     const std::vector<std::string> defaults = values_of({});

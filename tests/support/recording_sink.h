@@ -1,4 +1,4 @@
-// Collects what is logged while it lives, the lines of each record: the marker where there is one, then the text.
+// Collects the lines of each record that is logged during its lifetime: the marker if there is one, then the text.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// A machine key of the test's own: HKEY_LOCAL_MACHINE of this process is empty while this object lives.
+// A registry for one test: HKEY_LOCAL_MACHINE of this process is empty during the lifetime of this object.
 #pragma once
 
 #include <string>

@@ -17,7 +17,7 @@ std::vector<RepositoryEntry> Offered(std::size_t count) {
     return offered;
 }
 
-// The identifiers of the selection joined with commas, or the failure.
+// Returns the identifiers of the selection joined with commas, or the failure.
 std::string Select(const std::wstring& answer, std::size_t count = 5, int edition = 2) {
     try {
         std::string ids;

@@ -1,4 +1,4 @@
-// A user who has all answers ready. The transcript shows them in angle brackets, hidden ones with a "#".
+// A user with prepared answers. The transcript shows them in angle brackets, hidden ones with a "#".
 #pragma once
 
 #include <deque>
@@ -20,7 +20,7 @@ public:
 
     void Write(const std::wstring& text) override { transcript_ += text; }
 
-    // Runs out as a user does who presses Ctrl+C.
+    // Without further answers, behaves like a user who presses Ctrl+C.
     std::wstring ReadLine(bool hidden) override {
         if (at_first_answer) std::exchange(at_first_answer, nullptr)();
         if (answers_.empty()) exc::raise<exc::term_exc_t>("no more answers");

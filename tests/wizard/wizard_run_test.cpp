@@ -26,7 +26,7 @@ constexpr wchar_t menu[] =
 constexpr wchar_t restart_question[] =
     L"Some errors occurred while applying the configuration. Restart the wizard? (y/n): ";
 
-// Answers to all questions on a host without a configuration.
+// Answers all questions on a host without a configuration.
 Answers FirstTime(Answers then) {
     Answers answers{L"backup.example.org", L"10006", L"CORP\\oracle", L"secret", L"1 3", L"8"};
     answers.insert(answers.end(), then.begin(), then.end());
@@ -39,7 +39,7 @@ protected:
         wizard::CConfigToolWizard(boost::make_shared<CConfigToolLibCaller>(CallerMode::Wizard)).StartWizard();
     }
 
-    // The whole dialogue of one run of the program; every answer must have been asked for.
+    // Returns the whole dialogue of one run of the program, and checks that every answer was asked for.
     std::wstring Play(Answers answers) {
         CScriptedConsole console(std::move(answers));
         Start();
@@ -74,7 +74,7 @@ TEST_F(WizardRun, DefaultsShowWhatIsConfiguredAndStillOffered) {
 }
 
 TEST_F(WizardRun, ExportWritesBothFilesAndReplacesOnlyOnAYes) {
-    test_support::CTestRegistry registry;  // the system cannot protect passwords in it, so nothing could be applied
+    test_support::CTestRegistry registry;  // it is empty, so passwords cannot be protected and Apply fails
     registry.SetText(L"SOFTWARE\\Tovak\\Tovak RMAN Plugin", L"LinkTargetPath", host_.folder());
     const std::wstring xml = host_.folder().wstring() + L"\\export/tovak_config.xml";
     const std::wstring txt = host_.folder().wstring() + L"\\export/rman_config.txt";
