@@ -4,6 +4,7 @@
 
 #include "demo_library/failure.h"
 #include "demo_library/text.h"
+#include "demo_library/xml_depth.h"
 
 #include <windows.h>
 
@@ -15,9 +16,9 @@ namespace {
 }
 
 void parse(TiXmlDocument& document, const std::string& content) {
-    // The parser steps over the end of a text that is cut off within a character. Each step finds an end here.
-    const std::string with_ends = content + std::string(4, '\0');
-    document.Parse(with_ends.c_str(), nullptr, TIXML_ENCODING_UTF8);
+    to_wide(content);  // throws for broken UTF-8, in which the parser would step over markup and over the end
+    require_flat(content);
+    document.Parse(content.c_str(), nullptr, TIXML_ENCODING_UTF8);
     if (!document.Error()) return;
     throw failure_t(to_wide(document.ErrorDesc()) + L" (line " + std::to_wstring(document.ErrorRow()) + L")");
 }

@@ -31,6 +31,31 @@ TEST_F(demo_library_test, wrong_scenario_is_reported_by_every_call) {
     EXPECT_EQ(cancelling(), L"There is no scenario file " + (folder / "scenario.xml").wstring());
 }
 
+TEST_F(demo_library_test, scenario_may_be_long_but_not_deep) {
+    const auto repeated = [](int times, const std::string& text) {
+        std::string all;
+        while (times-- > 0) all += text;
+        return all;
+    };
+    const std::string flat =
+        "<Repository name='a > b'/><Repository name=\"'\"></Repository><!-- <a> --><![CDATA[<a>]]>";
+    host.Scenario("<Repositories>" + repeated(3000, flat) + "</Repositories><Server>" + repeated(30, "<a>") +
+                  repeated(30, "</a>") + "</Server>");
+    std::vector<RepositoryEntry> offered;
+    wizard.GetTBRRepositories(offered);
+    EXPECT_EQ(offered.size(), 6000u);
+
+    const auto outcome_with = [&](const char* element) {
+        host.Scenario("<Server>\n" + repeated(100000, element));
+        return answer([&] { wizard.Cancel(); });
+    };
+    const std::wstring start = L"The file " + (folder / "scenario.xml").wstring() + L" cannot be used: ";
+    for (const char* level : {"<a>", "<a b='/>'>", "<a><!--</a>-->", "<a><![CDATA[</a>]]>", "<a><?b?><!c>"})
+        EXPECT_EQ(outcome_with(level), start + L"its elements are nested more than 32 levels deep (line 2)") << level;
+    EXPECT_EQ(outcome_with("<a b='</a>'>"), start + L"there is a [<] within a tag (line 2)");
+    EXPECT_THAT(outcome_with("<a>\xF0</a>"), testing::StartsWith(start + L"The text is not valid UTF-8: "));
+}
+
 TEST_F(demo_library_test, sample_scenario_is_valid) {
     SetEnvironmentVariableW(L"ORMACON_DEMO_SCENARIO", test_support::BesideProgram(L"scenario.sample.xml").c_str());
     EXPECT_EQ(answer([&] { wizard.Commit(); }), L"The backup server does not answer.");
