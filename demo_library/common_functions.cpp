@@ -4,6 +4,7 @@
 #include "demo_library/answer.h"
 #include "demo_library/failure.h"
 #include "demo_library/ledger.h"
+#include "demo_library/protection.h"
 #include "demo_library/state.h"
 
 using namespace conf_tool;
@@ -35,7 +36,7 @@ Status GetConfig(LibraryText* user_name, LibraryText* domain, LibraryText* passw
         const configuration_t configuration = load_state();
         auto out_user_name = outgoing(configuration.user_name);
         auto out_domain = outgoing(configuration.domain);
-        auto out_password = outgoing(configuration.password.view());
+        auto out_password = outgoing(unprotect(configuration.protected_password).view());
         auto out_host = outgoing(configuration.host);
         *records = hand_out(configuration.repositories);  // the last step that can fail
         *count = static_cast<std::int32_t>(configuration.repositories.size());

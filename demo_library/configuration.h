@@ -1,4 +1,4 @@
-// The values that the library keeps for the plug-in.
+// The values that the library stores for the plug-in.
 #pragma once
 
 #include <cstdint>
@@ -6,11 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "demo_library/secret.h"
-
 namespace demo_library {
 
-// A repository as the backup server describes it. A text that the server left out is handed out as null.
+// A repository as the backup server describes it. A text that the server left out is returned as null.
 struct repository_t {
     std::optional<std::wstring> id;
     std::optional<std::wstring> name;
@@ -19,13 +17,13 @@ struct repository_t {
     bool encrypted = false;
 };
 
-// What a fresh one holds is what a host that was never configured shows.
+// The initial values are those of a host that was never configured.
 struct configuration_t {
     std::wstring host;
     std::int32_t port = 0;
     std::wstring domain;
     std::wstring user_name;
-    secret_t password;
+    std::string protected_password;          // see protection.h; never in clear text, so an unreadable one is kept, too
     std::vector<repository_t> repositories;  // one for each backup copy, in the order of the copies
     std::int32_t parallelism = 1;
 };

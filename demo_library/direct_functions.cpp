@@ -1,4 +1,4 @@
-// The exported functions of direct mode: each change is judged and stored at once.
+// The exported functions of direct mode: each change is validated and stored at once.
 #include "demo_library/answer.h"
 #include "demo_library/failure.h"
 #include "demo_library/ledger.h"
@@ -11,13 +11,11 @@ using plug_common::SRepositoryCType;
 
 namespace {
 
-// change(configuration, server) on the stored configuration.
+// Calls change(configuration, server) with the stored configuration, and saves it.
 template <class Change>
-Status change_state(const char* function, LibraryError* error, Change change) {
+Status answer_with_change(const char* function, LibraryError* error, Change change) {
     return answer(function, error, [&](const scenario_t& server) {
-        configuration_t configuration = load_state();
-        change(configuration, server);
-        save_state(configuration);
+        change_state([&](configuration_t& configuration) { change(configuration, server); });
     });
 }
 
@@ -27,29 +25,29 @@ extern "C" {
 
 Status SetCredentialsDirect(const wchar_t* domain, const wchar_t* user_name, const wchar_t* password,
                             LibraryError* error) {
-    return change_state(__func__, error, [&](configuration_t& configuration, const scenario_t&) {
+    return answer_with_change(__func__, error, [&](configuration_t& configuration, const scenario_t&) {
         set_credentials(configuration, domain, user_name, password);
     });
 }
 
 Status SetHostDirect(const wchar_t* host, LibraryError* error) {
-    return change_state(__func__, error,
-                        [&](configuration_t& configuration, const scenario_t&) { set_host(configuration, host); });
+    return answer_with_change(
+        __func__, error, [&](configuration_t& configuration, const scenario_t&) { set_host(configuration, host); });
 }
 
 Status SetPortDirect(std::int32_t port, LibraryError* error) {
-    return change_state(__func__, error,
-                        [&](configuration_t& configuration, const scenario_t&) { set_port(configuration, port); });
+    return answer_with_change(
+        __func__, error, [&](configuration_t& configuration, const scenario_t&) { set_port(configuration, port); });
 }
 
 Status SetRepositoriesDirect(const SRepositoryCType* records, std::int32_t count, LibraryError* error) {
-    return change_state(__func__, error, [&](configuration_t& configuration, const scenario_t& server) {
+    return answer_with_change(__func__, error, [&](configuration_t& configuration, const scenario_t& server) {
         set_repositories(configuration, records, count, server, most_repositories);
     });
 }
 
 Status SetParallelismDirect(std::int32_t parallelism, LibraryError* error) {
-    return change_state(__func__, error, [&](configuration_t& configuration, const scenario_t& server) {
+    return answer_with_change(__func__, error, [&](configuration_t& configuration, const scenario_t& server) {
         set_parallelism(configuration, parallelism, server);
     });
 }

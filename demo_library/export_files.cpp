@@ -1,6 +1,7 @@
 #include "demo_library/export_files.h"
 
 #include "demo_library/files.h"
+#include "demo_library/paths.h"
 #include "demo_library/repository_xml.h"
 #include "demo_library/text.h"
 #include "demo_library/xml.h"

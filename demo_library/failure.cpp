@@ -18,7 +18,7 @@ std::wstring system_text(std::uint32_t code) {
 
 }  // namespace
 
-void raise_system_failure(std::uint32_t code, const std::wstring& sentence) {
+void throw_system_failure(std::uint32_t code, const std::wstring& sentence) {
     throw failure_t(sentence + L": " + system_text(code));
 }
 

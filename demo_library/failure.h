@@ -1,4 +1,4 @@
-// How the library's own code fails. Nothing of this leaves the library: answer.h turns it into a status and a text.
+// The exceptions of the library. They never leave it: answer.h turns them into a status and an error text.
 #pragma once
 
 #include <cstdint>
@@ -18,14 +18,14 @@ private:
     std::wstring text_;
 };
 
-// A failure that gives no text.
+// A failure without a text.
 class silent_failure_t : public std::exception {};
 
-// Raises failure_t: the sentence, ": " and the system's text for the code. Take GetLastError() before building the
-// sentence.
-[[noreturn]] void raise_system_failure(std::uint32_t code, const std::wstring& sentence);
+// Throws failure_t: the sentence, ": " and the system's text for the code. Store GetLastError() before the sentence is
+// built: allocating its memory may change the last error.
+[[noreturn]] void throw_system_failure(std::uint32_t code, const std::wstring& sentence);
 
-// Raises failure_t for an out-argument that is null.
+// Throws failure_t for an out-argument that is null.
 void require_place(const void* out);
 
 }  // namespace demo_library

@@ -1,8 +1,9 @@
 #include "demo_library/files.h"
 
-#include <memory>
+#include <random>
 
 #include "demo_library/failure.h"
+#include "demo_library/paths.h"
 
 #include <windows.h>
 #include <sddl.h>
@@ -10,15 +11,14 @@
 namespace demo_library {
 namespace {
 
-struct close_handle_t {
-    void operator()(HANDLE handle) const noexcept { CloseHandle(handle); }
-};
-using handle_t = std::unique_ptr<void, close_handle_t>;
+constexpr ULONGLONG lock_patience = 5000;  // milliseconds
+
+bool means_missing(DWORD code) { return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND; }
 
 // Null on failure, with the last error as the call left it.
-handle_t open_file(const std::wstring& path, DWORD access, DWORD disposition, SECURITY_ATTRIBUTES* security = nullptr) {
-    const HANDLE file = CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_DELETE, security, disposition,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+handle_t open_file(const std::wstring& path, DWORD access, DWORD share, DWORD disposition,
+                   SECURITY_ATTRIBUTES* security = nullptr, DWORD flags = FILE_ATTRIBUTE_NORMAL) {
+    const HANDLE file = CreateFileW(path.c_str(), access, share, security, disposition, flags, nullptr);
     return handle_t(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
@@ -26,10 +26,12 @@ handle_t open_file(const std::wstring& path, DWORD access, DWORD disposition, SE
 class administrators_only_t {
 public:
     administrators_only_t() {
-        if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;SY)(A;;FA;;;BA)(A;;FA;;;S-1-3-4)",
-                                                                  SDDL_REVISION_1, &attributes_.lpSecurityDescriptor,
-                                                                  nullptr))
-            raise_system_failure(GetLastError(), L"Cannot prepare the access rights of a file");
+        if (ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;SY)(A;;FA;;;BA)(A;;FA;;;S-1-3-4)",
+                                                                 SDDL_REVISION_1, &attributes_.lpSecurityDescriptor,
+                                                                 nullptr))
+            return;
+        const DWORD code = GetLastError();
+        throw_system_failure(code, L"Cannot prepare the access rights of a file");
     }
     ~administrators_only_t() { LocalFree(attributes_.lpSecurityDescriptor); }
     administrators_only_t(const administrators_only_t&) = delete;
@@ -40,19 +42,28 @@ private:
     SECURITY_ATTRIBUTES attributes_{sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
 };
 
-handle_t create_file(const std::wstring& path, readers_t readers) {
-    if (readers == readers_t::everyone) return open_file(path, GENERIC_WRITE, CREATE_ALWAYS);
-    DeleteFileW(path.c_str());  // an existing file would keep its own access rights
-    administrators_only_t security;
-    return open_file(path, GENERIC_WRITE, CREATE_NEW, security.get());
+// "<path>.1a2b3c4d.tmp", with random digits: nobody can plant a file under a name that is not known beforehand.
+std::wstring temporary_name(const std::wstring& path) {
+    wchar_t end[16];
+    swprintf(end, std::size(end), L".%08x.tmp", std::random_device()());
+    return path + end;
 }
 
-// The code of the failing call, like the functions below.
-DWORD create_folders(const std::wstring& folder) {
+// Whether the name is one that temporary_name() makes for the file. It ends in ".tmp".
+bool is_temporary_name(const std::wstring& name, const std::wstring& file) {
+    constexpr std::size_t digits = 8;
+    const int size = static_cast<int>(file.size());
+    return name.size() == file.size() + 1 + digits + 4 &&
+           CompareStringOrdinal(name.c_str(), size, file.c_str(), size, TRUE) == CSTR_EQUAL &&
+           name.substr(file.size() + 1, digits).find_first_not_of(L"0123456789abcdef") == std::wstring::npos;
+}
+
+// This function and the next two return the code of the call that failed.
+DWORD try_create_folders(const std::wstring& folder) {
     if (GetFileAttributesW(folder.c_str()) != INVALID_FILE_ATTRIBUTES) return ERROR_SUCCESS;
     const std::size_t separator = folder.find_last_of(L'\\');
     if (separator != std::wstring::npos && separator > 0) {
-        const DWORD code = create_folders(folder.substr(0, separator));
+        const DWORD code = try_create_folders(folder.substr(0, separator));
         if (code != ERROR_SUCCESS) return code;
     }
     if (CreateDirectoryW(folder.c_str(), nullptr)) return ERROR_SUCCESS;
@@ -62,83 +73,95 @@ DWORD create_folders(const std::wstring& folder) {
 
 DWORD write_all(HANDLE file, std::string_view content) {
     DWORD written = 0;
-    const bool good = WriteFile(file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr) &&
-                      FlushFileBuffers(file);
-    return good ? ERROR_SUCCESS : GetLastError();
+    if (!WriteFile(file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr)) return GetLastError();
+    if (written != content.size()) return ERROR_WRITE_FAULT;
+    return FlushFileBuffers(file) ? ERROR_SUCCESS : GetLastError();
 }
 
-DWORD replace_content(const std::wstring& path, const std::wstring& temporary, std::string_view content,
-                      readers_t readers) {
-    handle_t file = create_file(temporary, readers);
-    if (!file) return GetLastError();
-    const DWORD code = write_all(file.get(), content);
+DWORD replace(const std::wstring& path, std::string_view content, SECURITY_ATTRIBUTES* security) {
+    const std::wstring temporary = temporary_name(path);
+    handle_t file = open_file(temporary, GENERIC_WRITE, 0, CREATE_NEW, security);
+    if (!file) return GetLastError();  // whatever has that name is not ours to remove
+    DWORD code = write_all(file.get(), content);
     file.reset();
-    if (code != ERROR_SUCCESS) return code;
-    if (MoveFileExW(temporary.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-        return ERROR_SUCCESS;
-    return GetLastError();
+    if (code == ERROR_SUCCESS &&
+        !MoveFileExW(temporary.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        code = GetLastError();
+    if (code != ERROR_SUCCESS) DeleteFileW(temporary.c_str());
+    return code;
 }
 
 }  // namespace
 
+void close_handle_t::operator()(void* handle) const noexcept { CloseHandle(handle); }
+
+bool exists(const std::wstring& path) {
+    if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) return true;
+    const DWORD code = GetLastError();
+    if (!means_missing(code)) throw_system_failure(code, L"Cannot access " + path);
+    return false;
+}
+
 std::optional<std::string> read_file(const std::wstring& path) {
-    const handle_t file = open_file(path, GENERIC_READ, OPEN_EXISTING);
-    const DWORD code = file ? ERROR_SUCCESS : GetLastError();
-    if (code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND) return std::nullopt;
+    const handle_t file = open_file(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, OPEN_EXISTING);
+    DWORD code = file ? ERROR_SUCCESS : GetLastError();
+    if (means_missing(code)) return std::nullopt;
     LARGE_INTEGER size{};
-    if (code != ERROR_SUCCESS || !GetFileSizeEx(file.get(), &size))
-        raise_system_failure(code != ERROR_SUCCESS ? code : GetLastError(), L"Cannot read the file " + path);
+    if (file && !GetFileSizeEx(file.get(), &size)) code = GetLastError();
     std::string content(static_cast<std::size_t>(size.QuadPart), '\0');
     DWORD received = 0;
-    if (!ReadFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &received, nullptr))
-        raise_system_failure(GetLastError(), L"Cannot read the file " + path);
-    content.resize(received);
+    if (code == ERROR_SUCCESS &&
+        !ReadFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &received, nullptr))
+        code = GetLastError();
+    if (code == ERROR_SUCCESS && received != content.size()) code = ERROR_HANDLE_EOF;
+    if (code != ERROR_SUCCESS) throw_system_failure(code, L"Cannot read the file " + path);
     return content;
 }
 
 void write_file(const std::wstring& path, std::string_view content, readers_t readers) {
-    const std::wstring full = absolute_path(path);
-    const std::wstring temporary = full + L".tmp";
-    DWORD code = create_folders(full.substr(0, full.find_last_of(L'\\')));
-    if (code == ERROR_SUCCESS) code = replace_content(full, temporary, content, readers);
-    if (code == ERROR_SUCCESS) return;
-    DeleteFileW(temporary.c_str());
-    raise_system_failure(code, L"Cannot write the file " + full);
+    administrators_only_t security;
+    DWORD code = try_create_folders(folder_of(path));
+    if (code == ERROR_SUCCESS)
+        code = replace(path, content, readers == readers_t::administrators ? security.get() : nullptr);
+    if (code != ERROR_SUCCESS) throw_system_failure(code, L"Cannot write the file " + path);
 }
 
 void remove_file(const std::wstring& path) {
     if (DeleteFileW(path.c_str())) return;
     const DWORD code = GetLastError();
-    if (code != ERROR_FILE_NOT_FOUND && code != ERROR_PATH_NOT_FOUND)
-        raise_system_failure(code, L"Cannot remove the file " + path);
+    if (!means_missing(code)) throw_system_failure(code, L"Cannot remove the file " + path);
 }
 
-std::wstring absolute_path(const std::wstring& path) {
-    if (path.empty()) throw failure_t(L"The path of a file is empty");
-    std::wstring full(path.size() + MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD size = GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
-        if (size == 0) raise_system_failure(GetLastError(), L"The path [" + path + L"] cannot be used");
-        const bool fits = size < full.size();
-        full.resize(size);
-        if (fits) return full;
+void remove_temporary_files(const std::wstring& path) {
+    const std::wstring folder = folder_of(path) + L"\\", file = path.substr(folder.size());
+    WIN32_FIND_DATAW entry;
+    const HANDLE search = FindFirstFileW((path + L".*.tmp").c_str(), &entry);
+    const DWORD code = GetLastError();
+    if (search == INVALID_HANDLE_VALUE && means_missing(code)) return;
+    if (search == INVALID_HANDLE_VALUE) throw_system_failure(code, L"Cannot read the folder " + folder);
+    const std::unique_ptr<void, decltype(&FindClose)> closing(search, &FindClose);
+    do {
+        if (is_temporary_name(entry.cFileName, file)) remove_file(folder + entry.cFileName);
+    } while (FindNextFileW(search, &entry));
+}
+
+void create_folders(const std::wstring& folder) {
+    const DWORD code = try_create_folders(folder);
+    if (code != ERROR_SUCCESS) throw_system_failure(code, L"Cannot create the folder " + folder);
+}
+
+handle_t lock_file(const std::wstring& path, lock_end_t end) {
+    // A link in the file's place is opened itself: following it would create or remove a file elsewhere.
+    const DWORD flags = FILE_FLAG_OPEN_REPARSE_POINT | (end == lock_end_t::remove_file ? FILE_FLAG_DELETE_ON_CLOSE : 0);
+    administrators_only_t security;  // others could keep the file open for ever
+    for (const ULONGLONG start = GetTickCount64();; Sleep(1)) {
+        handle_t file = open_file(path, GENERIC_READ, 0, OPEN_ALWAYS, security.get(), flags);
+        if (file) return file;
+        const DWORD code = GetLastError();
+        if (code != ERROR_SHARING_VIOLATION) throw_system_failure(code, L"Cannot lock the file " + path);
+        if (GetTickCount64() - start > lock_patience)
+            throw_system_failure(code, L"Another program has kept the file " + path + L" locked for five seconds");
     }
-}
-
-std::wstring library_folder() {
-    HMODULE library = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<const wchar_t*>(&library_folder), &library);
-    std::wstring path(32768, L'\0');  // the longest path there is
-    path.resize(GetModuleFileNameW(library, path.data(), static_cast<DWORD>(path.size())));
-    return path.substr(0, path.find_last_of(L'\\'));
-}
-
-std::wstring environment_text(const wchar_t* name) {
-    const DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
-    std::wstring value(size, L'\0');
-    value.resize(GetEnvironmentVariableW(name, value.data(), size));
-    return value;
 }
 
 }  // namespace demo_library

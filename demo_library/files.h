@@ -1,6 +1,8 @@
-// Reading and replacing of whole files, and where the library's files are.
+// Whole files: reading, replacing, removing and locking them. Paths are absolute. Every function throws failure_t with
+// the path and the system's reason.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,24 +10,33 @@
 namespace demo_library {
 
 enum class readers_t { everyone, administrators };  // administrators: also the system and the file's owner
+enum class lock_end_t { keep_file, remove_file };
 
-// The content, nothing when there is no such file. Raises failure_t with the path and the system's reason.
+struct close_handle_t {
+    void operator()(void* handle) const noexcept;
+};
+using handle_t = std::unique_ptr<void, close_handle_t>;
+
+bool exists(const std::wstring& path);
+
+// The content, nothing when there is no such file.
 std::optional<std::string> read_file(const std::wstring& path);
 
-// Writes a temporary file beside the path and renames it over: a reader sees the old content or the new one. Creates
-// missing folders. Raises failure_t with the path and the system's reason, and leaves the old file then.
+// Writes a temporary file with a name of its own beside the path, then renames it: a reader sees the old content or
+// the new one. Creates missing folders. On failure the old file is unchanged and the temporary one is removed.
 void write_file(const std::wstring& path, std::string_view content, readers_t readers = readers_t::everyone);
 
-// Raises failure_t; a file that is not there is no failure.
+// Does nothing when there is no such file.
 void remove_file(const std::wstring& path);
 
-// Raises failure_t with the system's reason, also for an empty path.
-std::wstring absolute_path(const std::wstring& path);
+// Removes the temporary files that processes killed in write_file() left beside the path. Call it only while no other
+// process can be writing that file.
+void remove_temporary_files(const std::wstring& path);
 
-// The folder that this library was loaded from.
-std::wstring library_folder();
+void create_folders(const std::wstring& folder);
 
-// The value of an environment variable, empty when it is not set.
-std::wstring environment_text(const wchar_t* name);
+// Opens the file so that nobody else can; creates it, for administrators only, when it is missing. The lock lasts until
+// the handle is closed or the process ends. Blocks while another process has the file open, for five seconds at most.
+[[nodiscard]] handle_t lock_file(const std::wstring& path, lock_end_t end);
 
 }  // namespace demo_library

@@ -7,7 +7,8 @@
 #include <unordered_map>
 
 #include "demo_library/failure.h"
-#include "demo_library/files.h"
+#include "demo_library/paths.h"
+#include "demo_library/secret.h"
 
 #include <windows.h>
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr DWORD flags = CRYPTPROTECT_UI_FORBIDDEN | CRYPTPROTECT_LOCAL_MACHINE;
 
-// What the system gives out; it may be clear text.
+// Memory that the system allocated; it may hold clear text.
 class system_blob_t : public DATA_BLOB {
 public:
     system_blob_t() : DATA_BLOB{} {}
@@ -50,13 +50,14 @@ std::vector<BYTE> from_digits(const std::string& text) {
 
 }  // namespace
 
-std::string protect(const secret_t& text) {
-    if (text.empty()) return {};
-    DATA_BLOB clear = blob(text.view().data(), text.view().size() * sizeof(wchar_t));
+std::string protect(std::wstring_view password) {
+    if (password.empty()) return {};
+    DATA_BLOB clear = blob(password.data(), password.size() * sizeof(wchar_t));
     system_blob_t hidden;
-    if (!CryptProtectData(&clear, L"Tovak account password", nullptr, nullptr, nullptr, flags, &hidden))
-        raise_system_failure(GetLastError(), L"Cannot protect the password");
-    return to_digits(hidden);
+    if (CryptProtectData(&clear, L"Tovak account password", nullptr, nullptr, nullptr, flags, &hidden))
+        return to_digits(hidden);
+    const DWORD code = GetLastError();
+    throw_system_failure(code, L"Cannot protect the password");
 }
 
 secret_t unprotect(const std::string& digits) {
@@ -64,10 +65,12 @@ secret_t unprotect(const std::string& digits) {
     const std::vector<BYTE> bytes = from_digits(digits);
     DATA_BLOB hidden = blob(bytes.data(), bytes.size());
     system_blob_t clear;
-    if (bytes.empty()) throw failure_t(L"The stored password is damaged");
-    if (!CryptUnprotectData(&hidden, nullptr, nullptr, nullptr, nullptr, flags, &clear))
-        raise_system_failure(GetLastError(), L"The stored password is damaged or was protected on another host");
-    return secret_t({reinterpret_cast<const wchar_t*>(clear.pbData), clear.cbData / sizeof(wchar_t)});
+    if (!bytes.empty() && CryptUnprotectData(&hidden, nullptr, nullptr, nullptr, nullptr, flags, &clear))
+        return secret_t({reinterpret_cast<const wchar_t*>(clear.pbData), clear.cbData / sizeof(wchar_t)});
+    const DWORD code = bytes.empty() ? ERROR_INVALID_DATA : GetLastError();
+    throw_system_failure(code,
+                         L"The stored password cannot be read: it is damaged or was protected on another host. "
+                         L"Set it again with Ormacon.exe --set-credentials. The system says");
 }
 
 }  // namespace demo_library

@@ -5,6 +5,7 @@
 
 #include "demo_library/failure.h"
 #include "demo_library/host_form.h"
+#include "demo_library/protection.h"
 #include "demo_library/xml.h"
 
 namespace demo_library {
@@ -109,7 +110,7 @@ void set_credentials(configuration_t& configuration, const wchar_t* domain, cons
     std::wstring new_user_name = line(user_name, L"user name");
     if (!password) throw failure_t(L"No password is given: the text is null.");
     judge_user_name(new_user_name);
-    configuration.password = secret_t(password);
+    configuration.protected_password = protect(password);
     configuration.domain = std::move(new_domain);
     configuration.user_name = std::move(new_user_name);
 }

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "demo_library/failure.h"
-#include "demo_library/files.h"
+#include "demo_library/paths.h"
 #include "demo_library/repository_xml.h"
 #include "demo_library/text.h"
 #include "demo_library/xml.h"

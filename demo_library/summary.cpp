@@ -9,7 +9,8 @@ std::wstring summary(const configuration_t& configuration) {
     text += L"  Backup server: " + configuration.host + L"\r\n";
     text += L"  Port: " + std::to_wstring(configuration.port) + L"\r\n";
     text += L"  User name: " + account + L"\r\n";
-    text += std::wstring(L"  Password: ") + (configuration.password.empty() ? L"(none)" : L"(hidden)") + L"\r\n";
+    text +=
+        std::wstring(L"  Password: ") + (configuration.protected_password.empty() ? L"(none)" : L"(hidden)") + L"\r\n";
     text += L"  Parallelism: " + std::to_wstring(configuration.parallelism) + L"\r\n";
     std::size_t copy = 0;
     for (const repository_t& repository : configuration.repositories)

@@ -1,4 +1,4 @@
-// Conversions between UTF-16, which crosses the binary interface, and UTF-8, which files hold.
+// Conversions between UTF-16, which the binary interface uses, and UTF-8, which the files use.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace demo_library {
 
-// Both raise failure_t for a text that is not valid in its encoding.
+// Both throw failure_t when the text is not valid in its encoding.
 std::string to_utf8(std::wstring_view text);
 std::wstring to_wide(std::string_view text);
 

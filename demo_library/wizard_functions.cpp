@@ -1,4 +1,4 @@
-// The exported functions of wizard mode: changes are judged at once and wait for Commit.
+// The exported functions of wizard mode: changes are validated at once and wait for Commit.
 #include "demo_library/answer.h"
 #include "demo_library/failure.h"
 #include "demo_library/ledger.h"

@@ -2,7 +2,7 @@
 
 #include "demo_library/export_files.h"
 #include "demo_library/failure.h"
-#include "demo_library/files.h"
+#include "demo_library/paths.h"
 #include "demo_library/rules.h"
 #include "demo_library/state.h"
 
@@ -20,7 +20,7 @@ configuration_t& wizard_session_t::pending() {
 
 void wizard_session_t::commit(const scenario_t& server) {
     require_complete(pending(), server);
-    save_state(pending());
+    change_state([&](configuration_t& stored) { stored = pending(); });
     pending_.reset();
     outcome_ = L"The demonstration library has applied the configuration and keeps it in " + state_path() + L".\r\n";
 }
@@ -32,14 +32,16 @@ void wizard_session_t::cancel() {
 
 void wizard_session_t::export_settings(const std::wstring& path, const scenario_t& server) {
     require_complete(pending(), server);
-    write_settings(path, pending());
-    exported_.push_back(L"The Tovak configuration was exported to " + absolute_path(path) + L".\r\n");
+    const std::wstring full = absolute_path(path);
+    write_settings(full, pending());
+    exported_.push_back(L"The Tovak configuration was exported to " + full + L".\r\n");
 }
 
 void wizard_session_t::export_rman_script(const std::wstring& path, const scenario_t& server) {
     require_complete(pending(), server);
-    write_rman_script(path, pending());
-    exported_.push_back(L"The RMAN configuration was exported to " + absolute_path(path) + L".\r\n");
+    const std::wstring full = absolute_path(path);
+    write_rman_script(full, pending());
+    exported_.push_back(L"The RMAN configuration was exported to " + full + L".\r\n");
 }
 
 std::wstring wizard_session_t::result() const {

@@ -11,7 +11,7 @@
 namespace demo_library::xml {
 namespace {
 
-[[noreturn]] void raise_file_failure(const std::wstring& path, const std::wstring& reason) {
+[[noreturn]] void throw_file_failure(const std::wstring& path, const std::wstring& reason) {
     throw failure_t(L"The file " + path + L" cannot be used: " + reason);
 }
 
@@ -52,7 +52,7 @@ bool read(const std::wstring& path, const char* root_name, const std::function<v
         if (!root) throw failure_t(L"there is no element " + to_wide(root_name));
         reader(*root);
     } catch (const failure_t& failure) {
-        raise_file_failure(path, failure.text());
+        throw_file_failure(path, failure.text());
     }
     return true;
 }
@@ -88,7 +88,7 @@ bool can_hold(std::wstring_view text) {
 
 void set(TiXmlElement& element, const char* name, std::wstring_view value) {
     if (!can_hold(value))
-        throw failure_t(L"The value of " + to_wide(name) + L" holds a character that cannot be stored");
+        throw failure_t(L"The value of " + to_wide(name) + L" contains a character that cannot be stored");
     element.SetAttribute(name, to_utf8(value));
 }
 

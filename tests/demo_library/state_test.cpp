@@ -56,14 +56,18 @@ TEST_F(demo_library_test, every_value_survives_in_the_file_and_uninstall_removes
          {std::string("Tiger"), utf16, std::string("54696765"), std::string("5400690067006500")})
         EXPECT_THAT(FileText(state), Not(HasSubstr(form)));
 
+    const auto beside = [&](const wchar_t* end) { return std::filesystem::path(state.wstring() + end); };
+    const auto left_by_a_killed_process = beside(L".0a1b2c3d.tmp"), users_own = beside(L".tmp");
+    for (const auto& path : {left_by_a_killed_process, users_own}) test_support::WriteFileText(path, "x");
     for (int i = 0; i < 2; ++i) direct.Uninstall();
+    EXPECT_TRUE(std::filesystem::remove(users_own));
     EXPECT_TRUE(std::filesystem::is_empty(folder / L"new folder"));
 }
 
 TEST_F(demo_library_test, state_file_is_closed_to_ordinary_accounts) {
-    for (int i = 0; i < 2; ++i) {  // created, then replaced
+    for (const char* name : {"state.xml", "state.xml", "state.xml.lock"}) {  // created, then replaced
         direct.SetPort(1);
-        const std::wstring list = access_list(folder / "state.xml");
+        const std::wstring list = access_list(folder / name);
         EXPECT_THAT(list, HasSubstr(L"(A;;FA;;;SY)"));
         for (const wchar_t* group : {L";WD)", L";BU)", L";AU)"}) EXPECT_THAT(list, Not(HasSubstr(group)));
     }
@@ -79,7 +83,35 @@ TEST_F(demo_library_test, damaged_state_file_is_named_and_kept) {
     EXPECT_THAT(outcome_with("<OrmaconDemoState>"), testing::StartsWith(start));
     EXPECT_EQ(outcome_with("<OrmaconDemoState><Server port='80x'/></OrmaconDemoState>"),
               start + L"the value [80x] of port is not a number (line 1)");
-    EXPECT_EQ(outcome_with("<OrmaconDemoState><Server/><Account protectedPassword='0'/></OrmaconDemoState>"),
-              start + L"The stored password is damaged");
-    EXPECT_THAT(FileText(path), HasSubstr("protectedPassword='0'"));
+    EXPECT_THAT(FileText(path), HasSubstr("'80x'"));
+}
+
+TEST_F(demo_library_test, unreadable_password_is_kept_until_it_is_set_again) {
+    for (const std::string digits : {"0", "00ff"}) {  // damaged, and as from another host
+        test_support::WriteFileText(folder / "state.xml",
+                                    "<OrmaconDemoState><Server host='a' port='1'/><Account userName='u' "
+                                    "protectedPassword='" +
+                                        digits + "'/><Repositories/><Channels/></OrmaconDemoState>");
+        direct.SetPort(2);
+        EXPECT_THAT(FileText(folder / "state.xml"), HasSubstr("protectedPassword=\"" + digits + "\""));
+        wizard.InitializeWizard();
+        ConfigurationSnapshot stored;
+        for (CConfigToolLibCaller* caller : {&direct, &wizard})
+            EXPECT_THAT(answer([&] { caller->GetConfig(stored); }),
+                        HasSubstr(L"Set it again with Ormacon.exe --set-credentials."));
+        direct.SetCredentials(L"", L"u", L"new");
+        direct.GetConfig(stored);
+        EXPECT_EQ(stored.password + std::to_wstring(stored.port), L"new2");
+    }
+}
+
+TEST_F(demo_library_test, lock_that_is_never_released_ends_the_call) {
+    direct.SetPort(1);
+    const std::wstring path = (folder / "state.xml.lock").wstring();
+    const HANDLE lock = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+    EXPECT_THAT(answer([&] { direct.SetPort(2); }),
+                testing::StartsWith(L"Another program has kept the file " + path + L" locked for five seconds: "));
+    CloseHandle(lock);
+    EXPECT_EQ(answer([&] { direct.SetPort(3); }), L"ok");
 }

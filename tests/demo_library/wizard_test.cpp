@@ -78,6 +78,17 @@ TEST_F(demo_wizard_test, exports_the_pending_values_into_new_folders) {
                                       "CONFIGURE ARCHIVELOG BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO 2;\r"));
 }
 
+TEST_F(demo_wizard_test, export_leaves_other_files_alone) {
+    fill_in();
+    std::filesystem::create_directories(folder / "export" / "folder.xml");
+    test_support::WriteFileText(folder / "export" / "a.xml.tmp", "the user's own");
+    wizard.ExportTovakConfig((folder / "export" / "a.xml").wstring());
+    EXPECT_THAT(answer([&] { wizard.ExportTovakConfig((folder / "export" / "folder.xml").wstring()); }),
+                testing::StartsWith(L"Cannot write the file "));
+    EXPECT_EQ(FileText(folder / "export" / "a.xml.tmp"), "the user's own");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "export"), {}), 3);
+}
+
 TEST_F(demo_wizard_test, export_that_cannot_be_written_names_path_and_reason) {
     fill_in();
     const std::wstring blocked = (folder / "file" / "a" / "b.xml").wstring();
