@@ -10,29 +10,29 @@ namespace demo_library {
 namespace {
 
 void write_to_nowhere() {
-    volatile std::uintptr_t nowhere = 64;  // in the page that is never mapped; read back, so nobody knows the value
+    volatile std::uintptr_t nowhere = 64;  // in the page that is never mapped; volatile, so the compiler cannot know it
     *reinterpret_cast<volatile int*>(nowhere) = 1;
 }
 
-void strike(const fault_t& fault) {
+void simulate(const fault_t& fault) {
     if (fault.console_mode) SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), *fault.console_mode);
     Sleep(fault.delay);
     if (fault.crash == crash_t::access_violation) write_to_nowhere();
-    if (fault.crash == crash_t::exception) throw wanted_exception_t();
+    if (fault.crash == crash_t::exception) throw escaping_exception_t();
     if (fault.silent) throw silent_failure_t();
     if (fault.text) throw failure_t(*fault.text);
 }
 
-// The text that goes out for the exception in flight, null when it has none.
+// The text of the current exception, owned by the caller; null when it has none.
 wchar_t* error_text() {
     try {
         throw;
     } catch (const failure_t& failure) {
-        return hand_out(failure.text());
+        return allocate(failure.text());
     } catch (const silent_failure_t&) {
         return nullptr;
     } catch (const std::exception& exception) {
-        return hand_out(L"The demonstration library failed: " + to_wide(exception.what()));
+        return allocate(L"The demonstration library failed: " + to_wide(exception.what()));
     }
 }
 
@@ -42,7 +42,7 @@ scenario_t enter(const char* function) {
     const std::uint32_t call = count_call(function);
     scenario_t scenario = load_scenario();
     const auto fault = scenario.faults.find(function);
-    if (fault != scenario.faults.end() && call <= fault->second.first.value_or(call)) strike(fault->second);
+    if (fault != scenario.faults.end() && call <= fault->second.first.value_or(call)) simulate(fault->second);
     return scenario;
 }
 

@@ -1,5 +1,5 @@
 // The boundary: every exported function with a status does its work in answer(), the one place where the library's
-// exceptions become a status and an error text, and where the faults of the scenario strike.
+// exceptions become a status and an error text, and where the faults of the scenario are simulated.
 #pragma once
 
 #include <stdexcept>
@@ -9,27 +9,27 @@
 
 namespace demo_library {
 
-// Leaves the library, as the scenario wants it.
-class wanted_exception_t : public std::runtime_error {
+// Thrown out of the library on purpose, when the scenario asks for it.
+class escaping_exception_t : public std::runtime_error {
 public:
-    wanted_exception_t() : std::runtime_error("An exception left the demonstration library") {}
+    escaping_exception_t() : std::runtime_error("An exception left the demonstration library") {}
 };
 
-// Counts the call and does what the scenario wants of the function: waits, fails or crashes. Returns the scenario.
-// Raises failure_t, silent_failure_t, wanted_exception_t.
+// Counts the call and simulates the function's fault in the scenario: waits, fails or crashes. Returns the scenario.
+// Throws failure_t, silent_failure_t, escaping_exception_t.
 scenario_t enter(const char* function);
 
-// To be called in a handler: puts the text of the exception in flight into *error, which stays as it is when there is
-// no text, and returns the status. error may be null.
+// Call it in a handler. Returns the status and sets *error to the text of the current exception, or leaves it unchanged
+// when there is no memory for the text. error may be null.
 conf_tool::Status failed(conf_tool::LibraryError* error) noexcept;
 
-// The work is called with the scenario.
+// Calls work with the scenario.
 template <class Work>
 conf_tool::Status answer(const char* function, conf_tool::LibraryError* error, Work work) {
     try {
         work(enter(function));
         return 0;
-    } catch (const wanted_exception_t&) {
+    } catch (const escaping_exception_t&) {
         throw;
     } catch (...) {
         return failed(error);

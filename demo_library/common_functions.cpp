@@ -12,13 +12,13 @@ using namespace demo_library;
 
 namespace {
 
-// A text on its way out comes back when a later step fails.
-struct take_back_t {
-    void operator()(wchar_t* text) const noexcept { take_back(text); }
+// Releases a text that was not returned, because a later step failed.
+struct release_t {
+    void operator()(wchar_t* text) const noexcept { release(text); }
 };
 
-std::unique_ptr<wchar_t, take_back_t> outgoing(std::wstring_view text) {
-    return std::unique_ptr<wchar_t, take_back_t>(hand_out(text));
+std::unique_ptr<wchar_t, release_t> outgoing(std::wstring_view text) {
+    return std::unique_ptr<wchar_t, release_t>(allocate(text));
 }
 
 }  // namespace
@@ -30,15 +30,15 @@ Status GetConfig(LibraryText* user_name, LibraryText* domain, LibraryText* passw
                  std::int32_t* port, std::int32_t* parallelism, LibraryRecords* records, std::int32_t* count,
                  LibraryError* error) {
     return answer(__func__, error, [&](const scenario_t&) {
-        for (const void* place :
+        for (const void* out :
              std::initializer_list<const void*>{user_name, domain, password, host, port, parallelism, records, count})
-            require_place(place);
+            require_out(out);
         const configuration_t configuration = load_state();
         auto out_user_name = outgoing(configuration.user_name);
         auto out_domain = outgoing(configuration.domain);
         auto out_password = outgoing(unprotect(configuration.protected_password).view());
         auto out_host = outgoing(configuration.host);
-        *records = hand_out(configuration.repositories);  // the last step that can fail
+        *records = allocate(configuration.repositories);  // the last step that can fail
         *count = static_cast<std::int32_t>(configuration.repositories.size());
         *user_name = out_user_name.release();
         *domain = out_domain.release();
@@ -51,15 +51,15 @@ Status GetConfig(LibraryText* user_name, LibraryText* domain, LibraryText* passw
 
 void FreeString(wchar_t* text) {
     count_call(__func__);
-    take_back(text);
+    release(text);
 }
 
 void FreeRepositories(LibraryRecords records, std::int32_t count) {
     count_call(__func__);
-    take_back(records, count);
+    release(records, count);
 }
 
-// Has to be there, and has nothing to free: no function gives out an array of texts.
+// Required by the tool, but there is nothing to free: no function returns an array of texts.
 void FreeArrayString() { count_call(__func__); }
 
 }  // extern "C"

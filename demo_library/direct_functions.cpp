@@ -53,13 +53,13 @@ Status SetParallelismDirect(std::int32_t parallelism, LibraryError* error) {
 }
 
 Status GetTBRRepositoriesDirect(LibraryRecords* records, std::int32_t* count, LibraryError* error) {
-    return answer(__func__, error, [&](const scenario_t& server) { hand_out(server.repositories, records, count); });
+    return answer(__func__, error, [&](const scenario_t& server) { return_copy(server.repositories, records, count); });
 }
 
 Status MapBackupDirect(std::int32_t* result_code, LibraryText* text, LibraryError* error) {
     return answer(__func__, error, [&](const scenario_t& server) {
-        require_place(result_code);
-        hand_out(server.map_text, text);
+        require_out(result_code);
+        return_copy(server.map_text, text);
         *result_code = server.map_code;
     });
 }

@@ -1,5 +1,5 @@
-// The two files with which an administrator sets the plug-in up by hand. Folders that are missing are created; both
-// raise failure_t with the path and the system's reason.
+// The two files with which an administrator sets the plug-in up by hand. Paths are absolute; missing folders are
+// created. Both functions throw failure_t with the path and the system's reason.
 #pragma once
 
 #include <string>

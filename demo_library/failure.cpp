@@ -22,7 +22,7 @@ void throw_system_failure(std::uint32_t code, const std::wstring& sentence) {
     throw failure_t(sentence + L": " + system_text(code));
 }
 
-void require_place(const void* out) {
+void require_out(const void* out) {
     if (!out) throw failure_t(L"An argument that takes a result is null.");
 }
 

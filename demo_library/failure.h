@@ -26,6 +26,6 @@ class silent_failure_t : public std::exception {};
 [[noreturn]] void throw_system_failure(std::uint32_t code, const std::wstring& sentence);
 
 // Throws failure_t for an out-argument that is null.
-void require_place(const void* out);
+void require_out(const void* out);
 
 }  // namespace demo_library

@@ -1,4 +1,4 @@
-// Configuration and repositories as XML elements, the same in the state file, the exported settings and the scenario.
+// Configuration and repositories as XML elements: the state file, the exported settings and the scenario share them.
 #pragma once
 
 #include "demo_library/configuration.h"
@@ -9,10 +9,10 @@ namespace demo_library {
 void write_repository(TiXmlElement& element, const repository_t& repository);
 repository_t read_repository(const TiXmlElement& element);
 
-// Everything but the password. Returns the element of the account.
+// Writes everything except the password. Returns the element of the account.
 TiXmlElement& write_configuration(TiXmlElement& root, const configuration_t& configuration);
 
-// All children named Repository, in their order.
+// Returns all children named Repository, in their order.
 std::vector<repository_t> read_repositories(const TiXmlElement& parent);
 
 }  // namespace demo_library

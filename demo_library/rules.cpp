@@ -11,40 +11,40 @@
 namespace demo_library {
 namespace {
 
-// An argument as a text on one line.
+// Returns the argument, which must be a text on one line.
 std::wstring line(const wchar_t* text, const std::wstring& what) {
     if (!text) throw failure_t(L"No " + what + L" is given: the text is null.");
     std::wstring result = text;
     const bool has_control = std::any_of(result.begin(), result.end(), [](wchar_t c) { return c < L' '; });
     if (has_control || !xml::can_hold(result))
-        throw failure_t(L"The " + what + L" is not allowed: it holds a character that cannot be stored.");
+        throw failure_t(L"The " + what + L" is not allowed: it contains a character that cannot be stored.");
     return result;
 }
 
-void judge_host(const std::wstring& host) {
+void check_host(const std::wstring& host) {
     if (host.empty()) throw failure_t(L"The backup server is empty: a host name or an IP address is needed.");
     if (!is_plausible_host(host))
         throw failure_t(L"The backup server [" + host +
                         L"] is not allowed: it is neither a host name nor an IP address.");
 }
 
-void judge_port(std::int32_t port) {
+void check_port(std::int32_t port) {
     if (port < 1 || port > 65535)
         throw failure_t(L"The port " + std::to_wstring(port) + L" is not allowed: ports are 1 to 65535.");
 }
 
-void judge_user_name(const std::wstring& user_name) {
+void check_user_name(const std::wstring& user_name) {
     if (user_name.empty()) throw failure_t(L"The user name is empty: an account of the backup server is needed.");
 }
 
-void judge_parallelism(std::int32_t parallelism, const scenario_t& server) {
+void check_parallelism(std::int32_t parallelism, const scenario_t& server) {
     if (parallelism < server.lowest_parallelism || parallelism > server.highest_parallelism)
         throw failure_t(L"The parallelism " + std::to_wstring(parallelism) + L" is not allowed: it is " +
                         std::to_wstring(server.lowest_parallelism) + L" to " +
                         std::to_wstring(server.highest_parallelism) + L".");
 }
 
-void judge_count(std::size_t count, std::size_t most) {
+void check_count(std::size_t count, std::size_t most) {
     if (count == 0) throw failure_t(L"No repository is selected: at least one is needed.");
     if (count <= most) return;
     const std::wstring sentence = std::to_wstring(count) + L" repositories are not allowed: ";
@@ -72,7 +72,7 @@ const repository_t& known_repository(const std::wstring& id, const scenario_t& s
 
 std::vector<repository_t> known_repositories(const std::vector<std::wstring>& ids, const scenario_t& server,
                                              std::size_t most) {
-    judge_count(ids.size(), most);
+    check_count(ids.size(), most);
     std::vector<repository_t> result;
     for (std::size_t i = 0; i < ids.size(); ++i) {
         if (std::find(ids.begin(), ids.begin() + static_cast<std::ptrdiff_t>(i), ids[i]) !=
@@ -95,12 +95,12 @@ std::wstring id_of(const plug_common::SRepositoryCType& record) {
 
 void set_host(configuration_t& configuration, const wchar_t* host) {
     std::wstring value = line(host, L"backup server");
-    judge_host(value);
+    check_host(value);
     configuration.host = std::move(value);
 }
 
 void set_port(configuration_t& configuration, std::int32_t port) {
-    judge_port(port);
+    check_port(port);
     configuration.port = port;
 }
 
@@ -109,14 +109,14 @@ void set_credentials(configuration_t& configuration, const wchar_t* domain, cons
     std::wstring new_domain = line(domain, L"domain name");
     std::wstring new_user_name = line(user_name, L"user name");
     if (!password) throw failure_t(L"No password is given: the text is null.");
-    judge_user_name(new_user_name);
+    check_user_name(new_user_name);
     configuration.protected_password = protect(password);
     configuration.domain = std::move(new_domain);
     configuration.user_name = std::move(new_user_name);
 }
 
 void set_parallelism(configuration_t& configuration, std::int32_t parallelism, const scenario_t& server) {
-    judge_parallelism(parallelism, server);
+    check_parallelism(parallelism, server);
     configuration.parallelism = parallelism;
 }
 
@@ -131,10 +131,10 @@ void set_repositories(configuration_t& configuration, const plug_common::SReposi
 std::size_t most_repositories_in(const scenario_t& server) { return server.edition == 1 ? 1 : most_repositories; }
 
 void require_complete(const configuration_t& configuration, const scenario_t& server) {
-    judge_host(configuration.host);
-    judge_port(configuration.port);
-    judge_user_name(configuration.user_name);
-    judge_parallelism(configuration.parallelism, server);
+    check_host(configuration.host);
+    check_port(configuration.port);
+    check_user_name(configuration.user_name);
+    check_parallelism(configuration.parallelism, server);
     std::vector<std::wstring> ids;
     for (const repository_t& repository : configuration.repositories) ids.push_back(repository.id.value_or(L""));
     known_repositories(ids, server, most_repositories_in(server));

@@ -1,5 +1,5 @@
-// The rules of the simulated server: each function judges a value and takes it over. A refusal is a failure_t that says
-// what is wrong and what is allowed; the configuration is unchanged then.
+// The rules of the simulated server. Each set function validates a value and then stores it in the configuration. For a
+// value that is not allowed it throws failure_t, which says what is wrong and what is allowed, and changes nothing.
 #pragma once
 
 #include <cstdint>
@@ -18,15 +18,15 @@ void set_credentials(configuration_t& configuration, const wchar_t* domain, cons
                      const wchar_t* password);
 void set_parallelism(configuration_t& configuration, std::int32_t parallelism, const scenario_t& server);
 
-// Takes over what the server says about the repositories of these identifiers; of the records the identifiers alone
-// count. The most that is allowed depends on who asks: a wizard knows the edition, a direct command does not.
+// Stores what the server says about the repositories with these identifiers; only the identifiers of the records
+// count. The allowed number depends on the caller: a wizard knows the edition, a direct command does not.
 void set_repositories(configuration_t& configuration, const plug_common::SRepositoryCType* records, std::int32_t count,
                       const scenario_t& server, std::size_t most);
 
-// What a wizard may select at most.
+// How many repositories a wizard may select.
 std::size_t most_repositories_in(const scenario_t& server);
 
-// Judges a whole configuration before it is applied or exported.
+// Throws failure_t unless the configuration may be applied or exported.
 void require_complete(const configuration_t& configuration, const scenario_t& server);
 
 // "1-64"

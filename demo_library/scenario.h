@@ -1,4 +1,4 @@
-// The simulated backup server and the faults it shows: built-in values, or the file that the environment variable
+// The simulated backup server and its faults: built-in values, or the file that the environment variable
 // ORMACON_DEMO_SCENARIO names (scenario.sample.xml describes it).
 #pragma once
 
@@ -21,7 +21,7 @@ struct fault_t {
     crash_t crash = crash_t::none;
     std::uint32_t delay = 0;                    // milliseconds before it does anything
     std::optional<std::uint32_t> console_mode;  // it leaves the console's input in this mode
-    std::optional<std::uint32_t> first;         // only the first calls, this many, misbehave
+    std::optional<std::uint32_t> first;         // only this many calls misbehave, the first ones
 };
 
 struct scenario_t {
@@ -34,8 +34,8 @@ struct scenario_t {
     std::map<std::string, fault_t, std::less<>> faults;  // by the name of the exported function
 };
 
-// Read anew at every call, so that a demonstration can change the server while the tool runs. Raises failure_t when
-// the file is missing or wrong.
+// Reads the file at every call, so that a demonstration can change the server while the tool runs. Throws failure_t
+// when the file is missing or wrong.
 scenario_t load_scenario();
 
 }  // namespace demo_library

@@ -1,4 +1,4 @@
-// A null-terminated text that is overwritten before its memory goes back.
+// A null-terminated text that is overwritten before its memory is freed.
 #pragma once
 
 #include <algorithm>
@@ -16,7 +16,7 @@ public:
         std::copy(text.begin(), text.end(), chars_.begin());
     }
     secret_t(const secret_t&) = default;
-    secret_t(secret_t&&) noexcept = default;  // takes the memory over, so that no copy stays behind
+    secret_t(secret_t&&) noexcept = default;  // moves the memory, so that no copy remains
     secret_t& operator=(secret_t other) noexcept {
         chars_.swap(other.chars_);
         return *this;

@@ -6,7 +6,7 @@
 
 namespace demo_library {
 
-// The values for the administrator to read, without the password; lines end in "\r\n".
+// Returns the values for the administrator to read, without the password. Lines end in "\r\n".
 std::wstring summary(const configuration_t& configuration);
 
 }  // namespace demo_library

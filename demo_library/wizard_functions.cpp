@@ -51,28 +51,28 @@ Status SetParallelism(std::int32_t parallelism, LibraryError* error) {
 }
 
 Status GetParallelismRangeString(LibraryText* text, LibraryError* error) {
-    return answer(__func__, error, [&](const scenario_t& server) { hand_out(parallelism_range(server), text); });
+    return answer(__func__, error, [&](const scenario_t& server) { return_copy(parallelism_range(server), text); });
 }
 
 Status GetTBRRepositories(LibraryRecords* records, std::int32_t* count, LibraryError* error) {
-    return answer(__func__, error, [&](const scenario_t& server) { hand_out(server.repositories, records, count); });
+    return answer(__func__, error, [&](const scenario_t& server) { return_copy(server.repositories, records, count); });
 }
 
 Status GetSummary(LibraryText* text, LibraryError* error) {
-    return answer(__func__, error, [&](const scenario_t&) { hand_out(summary(wizard_session().pending()), text); });
+    return answer(__func__, error, [&](const scenario_t&) { return_copy(summary(wizard_session().pending()), text); });
 }
 
 Status GetScopeEdition(std::int32_t* edition, LibraryError* error) {
     return answer(__func__, error, [&](const scenario_t& server) {
-        require_place(edition);
+        require_out(edition);
         *edition = server.edition;
     });
 }
 
 Status GetResult(LibraryText* text, std::int32_t* code, LibraryError* error) {
     return answer(__func__, error, [&](const scenario_t&) {
-        require_place(code);
-        hand_out(wizard_session().result(), text);
+        require_out(code);
+        return_copy(wizard_session().result(), text);
         *code = 0;
     });
 }

@@ -14,7 +14,7 @@ void wizard_session_t::begin() {
 }
 
 configuration_t& wizard_session_t::pending() {
-    if (!pending_) throw failure_t(L"The wizard is not initialised: InitializeWizard has to be called first.");
+    if (!pending_) throw failure_t(L"The wizard is not initialised: InitializeWizard must be called first.");
     return *pending_;
 }
 

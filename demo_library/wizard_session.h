@@ -1,4 +1,4 @@
-// The run of a wizard: values that wait for Commit, and what has become of them.
+// One run of the wizard: values that wait for Commit, and its result.
 #pragma once
 
 #include <optional>
@@ -12,17 +12,19 @@ namespace demo_library {
 
 class wizard_session_t {
 public:
-    // Begins anew with the stored configuration. What was pending is dropped, what GetResult tells is forgotten.
+    // Starts again with the stored configuration. Drops the pending values and the result.
     void begin();
 
-    // Raises failure_t before begin() and after commit() and cancel().
+    // Throws failure_t before begin() and after commit() and cancel().
     configuration_t& pending();
 
-    // Stores the pending values. Raises failure_t when they are not complete or cannot be stored; they stay then.
+    // Replaces the whole stored configuration by the pending values, also what another process has changed since
+    // begin(). Throws failure_t when they are not complete or cannot be stored, and keeps them.
     void commit(const scenario_t& server);
     void cancel();
 
-    // Remembers the path for the result.
+    // Both remember the path for the result. They throw failure_t when the values are not complete or cannot be
+    // written.
     void export_settings(const std::wstring& path, const scenario_t& server);
     void export_rman_script(const std::wstring& path, const scenario_t& server);
 
@@ -34,7 +36,7 @@ private:
     std::wstring outcome_;
 };
 
-// The one of this process.
+// The one session of this process.
 wizard_session_t& wizard_session();
 
 }  // namespace demo_library

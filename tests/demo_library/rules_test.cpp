@@ -1,6 +1,6 @@
 #include "tests/demo_library/demo_library_test.h"
 
-TEST_F(demo_library_test, judges_the_form_of_the_host) {
+TEST_F(demo_library_test, validates_the_form_of_the_host) {
     const auto set = [&](const std::wstring& name) { return answer([&] { direct.SetHost(name); }); };
     for (const wchar_t* good :
          {L"backup01", L"a_b.example.com.", L"10.0.0.1", L"2001:db8::5", L"fe80::1%3", L"сервер.example", L"7host"})
@@ -12,11 +12,11 @@ TEST_F(demo_library_test, judges_the_form_of_the_host) {
         EXPECT_EQ(set(bad),
                   L"The backup server [" + bad + L"] is not allowed: it is neither a host name nor an IP address.");
     EXPECT_EQ(set(L""), L"The backup server is empty: a host name or an IP address is needed.");
-    EXPECT_EQ(set(L"a\x1"), L"The backup server is not allowed: it holds a character that cannot be stored.");
+    EXPECT_EQ(set(L"a\x1"), L"The backup server is not allowed: it contains a character that cannot be stored.");
     EXPECT_THAT(FileText(folder / "state.xml"), testing::HasSubstr("host=\"7host\""));
 }
 
-TEST_F(demo_library_test, judges_numbers_in_both_modes) {
+TEST_F(demo_library_test, validates_numbers_in_both_modes) {
     host.Scenario("<Server lowestParallelism='2' highestParallelism='16'/>");
     wizard.InitializeWizard();
     for (CConfigToolLibCaller* caller : {&direct, &wizard}) {
@@ -32,7 +32,7 @@ TEST_F(demo_library_test, judges_numbers_in_both_modes) {
     EXPECT_EQ(wizard.GetParallelismRangeString(), L"2-16");
 }
 
-TEST_F(demo_library_test, judges_repositories_in_both_modes) {
+TEST_F(demo_library_test, validates_repositories_in_both_modes) {
     wizard.InitializeWizard();
     for (CConfigToolLibCaller* caller : {&direct, &wizard}) {
         EXPECT_EQ(select(*caller, {}), L"No repository is selected: at least one is needed.");

@@ -20,7 +20,7 @@ protected:
     }
 
     const std::filesystem::path state = folder / "state.xml";
-    const std::wstring not_initialised = L"The wizard is not initialised: InitializeWizard has to be called first.";
+    const std::wstring not_initialised = L"The wizard is not initialised: InitializeWizard must be called first.";
 };
 
 TEST_F(demo_wizard_test, values_wait_for_commit) {
