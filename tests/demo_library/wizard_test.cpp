@@ -78,23 +78,18 @@ TEST_F(demo_wizard_test, exports_the_pending_values_into_new_folders) {
                                       "CONFIGURE ARCHIVELOG BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO 2;\r"));
 }
 
-TEST_F(demo_wizard_test, export_leaves_other_files_alone) {
+TEST_F(demo_wizard_test, export_replaces_only_its_own_file_and_names_path_and_reason) {
     fill_in();
+    const std::wstring good = (folder / "export" / "a.xml").wstring(), tmp = good + L".tmp", blocked = tmp + L"\\b.xml";
     std::filesystem::create_directories(folder / "export" / "folder.xml");
-    test_support::WriteFileText(folder / "export" / "a.xml.tmp", "the user's own");
-    wizard.ExportTovakConfig((folder / "export" / "a.xml").wstring());
+    test_support::WriteFileText(tmp, "the user's own");
+    wizard.ExportTovakConfig(good);
     EXPECT_THAT(answer([&] { wizard.ExportTovakConfig((folder / "export" / "folder.xml").wstring()); }),
                 testing::StartsWith(L"Cannot write the file "));
-    EXPECT_EQ(FileText(folder / "export" / "a.xml.tmp"), "the user's own");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "export"), {}), 3);
-}
-
-TEST_F(demo_wizard_test, export_that_cannot_be_written_names_path_and_reason) {
-    fill_in();
-    const std::wstring blocked = (folder / "file" / "a" / "b.xml").wstring();
-    test_support::WriteFileText(folder / "file", "x");
     EXPECT_THAT(answer([&] { wizard.ExportTovakConfig(blocked); }),
                 testing::AllOf(testing::StartsWith(L"Cannot write the file " + blocked + L": "),
                                testing::EndsWith(L" (error 3)")));
     EXPECT_EQ(answer([&] { wizard.ExportRMANConfig(L""); }), L"The path of a file is empty");
+    EXPECT_EQ(FileText(tmp), "the user's own");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "export"), {}), 3);
 }
