@@ -12,6 +12,7 @@ import shlex
 import subprocess
 import sys
 import tempfile
+import termios
 import threading
 import time
 
@@ -69,9 +70,21 @@ class Terminal:
         with open(self._status.name, encoding="ascii") as status:
             return int(status.read() or -1)
 
+    def reads(self):
+        """Whether the program has begun to read. Until its first read Wine leaves the terminal in the kernel's line
+        mode: what is typed then is echoed even at a password prompt, and its Enter is lost."""
+        try:
+            tty = os.open(self._state("pane_tty"), os.O_RDONLY | os.O_NOCTTY)
+        except OSError:
+            return False
+        try:
+            return not termios.tcgetattr(tty)[3] & termios.ICANON
+        finally:
+            os.close(tty)
+
     def at_prompt(self):
         """A prompt leaves the cursor after its text; a program that works leaves it at the start of a line."""
-        return not self.ended() and self._state("cursor_x") not in ("0", "")
+        return not self.ended() and self._state("cursor_x") not in ("0", "") and self.reads()
 
     def cursor_line(self):
         """The text before the cursor, with trailing spaces."""
@@ -90,6 +103,7 @@ class Terminal:
         self._tmux("send-keys", key)
 
     def answer(self, text):
+        self.wait(lambda: self.reads() or self.ended(), WAIT_LIMIT)
         self.type(text)
         self.press("Enter")
 

@@ -111,7 +111,7 @@ class ConsoleTest(unittest.TestCase):
     def await_prompt(self, terminal, prompt, count=1):
         """The cursor has to stand right behind the prompt, trailing blank included."""
         terminal.wait(lambda: terminal.ended() or terminal.cursor_line() == prompt and
-                      terminal.screen().count(prompt.rstrip()) >= count, SECONDS)
+                      terminal.screen().count(prompt.rstrip()) >= count and terminal.reads(), SECONDS)
         self.assertEqual(prompt, terminal.cursor_line(), terminal.screen())
 
     def talk(self, terminal, dialogue):

@@ -35,7 +35,7 @@ class Interrupts(ConsoleTest):
     def test_ctrl_c_at_the_password_prompt(self):
         terminal = self.start_in_shell("wait", RUNS, "--set-credentials", r"CORP\oracle")
         for run in range(1, RUNS + 1):
-            self.wait_for(terminal, PROMPT, run)
+            self.await_prompt(terminal, PROMPT + " ", run)
             terminal.type("secret"[:run % 4])
             terminal.press("C-c")
             self.wait_for(terminal, ALL_ECHO[run - 1])

@@ -60,7 +60,9 @@ class Typing(ConsoleTest):
             with self.subTest(garbage):
                 status, shown, complaint = self.typed(garbage + b"no\nn\nn\nn\n", "--wizard")
                 self.assertTrue(shown.startswith(HOST), shown)
-                self.assertIn((status, complaint), [(0, ""), (1, MORE)])
+                # Ctrl+C may end the program: with 58, the low byte of its status, under Wine 10, and with 0 under Wine 8.
+                ended_by_ctrl_c = [(58, "")] if b"\x03" in garbage else []
+                self.assertIn((status, complaint), [(0, ""), (1, MORE), *ended_by_ctrl_c])
 
     def test_long_line(self):
         status, shown, _ = self.typed(b"x" * 5000 + b"\nn\n", "--wizard")
