@@ -16,28 +16,27 @@ namespace {
 using exc::format_message;
 using logging::plugin_common;
 
-// Moves to the end of the next occurrence of the mark, or to the end of the text.
+// Moves past the next occurrence of the mark, or to the end.
 void skip_past(std::string_view& text, std::string_view mark) {
     text.remove_prefix(std::min(text.find(mark), text.size()));
     text.remove_prefix(std::min(mark.size(), text.size()));
 }
 
-// Moves to the end of the tag at the beginning of the text; a ">" in a quoted value does not end it. Returns whether
-// the element has no end tag.
-bool skip_tag(std::string_view& text) {
-    char quote = 0;
-    char last = 0;
-    for (std::size_t at = 1; at < text.size(); ++at) {
-        const char c = text[at];
-        if (quote == 0 && c == '>') {
-            text.remove_prefix(at + 1);
-            return last == '/';
-        }
-        if (quote == 0 ? c == '"' || c == '\'' : c == quote) quote = quote == 0 ? c : '\0';
-        last = c;
+// Moves past the tag at the beginning of the text. A ">" in a quoted value does not end it. Returns how it changes the
+// depth.
+int skip_tag(std::string_view& text) {
+    const bool closes = text.starts_with("</");
+    const bool is_element = !text.starts_with("<!") && !text.starts_with("<?");
+    char quote = '\0';
+    char last = '\0';
+    text.remove_prefix(1);
+    for (; !text.empty() && (quote != '\0' || text[0] != '>'); text.remove_prefix(1)) {
+        last = text[0];
+        if (last == '<') exc::raise("There is a \"<\" within a tag.");
+        if (quote == '\0' ? last == '"' || last == '\'' : last == quote) quote = quote == '\0' ? last : '\0';
     }
-    text = {};
-    return false;
+    if (closes) return -1;
+    return is_element && last != '/' ? 1 : 0;
 }
 
 // The parser calls itself for each element inside another: some thousands of them would exhaust the stack.
@@ -51,13 +50,9 @@ void refuse_deep_text(std::string_view text) {
             skip_past(text, "-->");
         } else if (text.starts_with("<![CDATA[")) {
             skip_past(text, "]]>");
-        } else if (text.starts_with("<?") || text.starts_with("<!")) {
-            skip_past(text, ">");
-        } else if (text.starts_with("</")) {
-            skip_past(text, ">");
-            depth = std::max(depth - 1, 0);
-        } else if (!skip_tag(text) && ++depth > deepest) {
-            exc::raise("Elements are nested more than 1000 deep.");
+        } else {
+            depth = std::max(depth + skip_tag(text), 0);
+            if (depth > deepest) exc::raise("Elements are nested more than 1000 deep.");
         }
     }
 }
