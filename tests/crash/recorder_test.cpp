@@ -25,9 +25,10 @@ protected:
         platform::unique_handle process;
         const HANDLE current = GetCurrentProcess();
         DuplicateHandle(current, current, current, process.put(), rights, TRUE, 0);
-        const std::string line = exc::format_message(
-            arguments, {std::to_string(reinterpret_cast<std::uintptr_t>(process.get())),
-                        std::to_string(GetCurrentProcessId()), std::to_string(GetCurrentThreadId()), folder.string()});
+        const std::string line =
+            exc::format_message(arguments, {std::to_string(reinterpret_cast<std::uintptr_t>(process.get())),
+                                            std::to_string(GetCurrentProcessId()), std::to_string(GetCurrentThreadId()),
+                                            text::wide_to_utf8(folder.wstring())});
         const crash::recorder_file_t file(boost::filesystem::current_path().wstring());
         return crash::wait_for_recorder(crash::start_recorder(file.path(), text::utf8_to_wide(line), process.get()));
     }
