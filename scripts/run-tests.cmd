@@ -39,7 +39,7 @@ popd
 if "%status%"=="0" (
     echo passed  %~n1
     >>"%report%" echo passed  %~n1
-    >>"%report%" find " ms total)" <"%output%"
+    >>"%report%" find " ran. (" <"%output%"
 ) else (
     set /a failures+=1
     echo FAILED  %~n1, exit status %status%
