@@ -90,8 +90,7 @@ std::int32_t number_of(const TiXmlElement& parameters, const char* name, std::in
     return std::sscanf(value_of(parameters, name).c_str(), "%d", &number) == 1 ? number : fallback;
 }
 
-common_settings_t settings_of(const TiXmlDocument& document) {
-    const TiXmlElement& parameters = find_child_node(find_child_node(document, "Config"), "PluginParameters");
+common_settings_t settings_of(const TiXmlElement& parameters) {
     const common_settings_t defaults;
     return {number_of(parameters, "minPluginManagerPort", defaults.minPluginManagerPort),
             number_of(parameters, "managerConnectionAttempsCount", defaults.managerConnectionAttempsCount),
@@ -102,7 +101,8 @@ common_settings_t settings_of(const TiXmlDocument& document) {
 
 common_settings_t parse_settings(const std::string& text) {
     TiXmlDocument document;
-    return parse(text, document) ? settings_of(document) : common_settings_t();
+    if (!parse(text, document)) return {};
+    return settings_of(find_child_node(find_child_node(document, "Config"), "PluginParameters"));
 }
 
 const TiXmlElement& find_child_node(const TiXmlNode& parent, const std::string& name) {
