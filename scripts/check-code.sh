@@ -17,7 +17,7 @@ look_with_cppcheck() {
         -D_WIN32 -D_WIN64 -D__GNUC__=12 -D__x86_64__ -DUNICODE -DNOMINMAX -DWIN32_LEAN_AND_MEAN -I. "${sources[@]}"
 }
 
-# The commands of the test build, without an option that clang does not know. For clang the target's headers are those
+# The commands of the test build, without what clang does not know: an option and an attribute. For clang the target's headers are those
 # of the cross compiler; only the compiler's own must be clang's.
 prepare_clang_tidy() {
     [ -f build/test/build.ninja ] || step "configuring the test build" cmake --preset test
@@ -25,7 +25,8 @@ prepare_clang_tidy() {
     mkdir -p "$database"
     ninja -C build/test -t compdb | sed 's/ -fno-tree-loop-distribute-patterns//' >"$database/compile_commands.json"
     {
-        printf '%s\n' -p "$database" --quiet --extra-arg-before=--target=x86_64-w64-mingw32
+        printf '%s\n' -p "$database" --quiet --extra-arg-before=--target=x86_64-w64-mingw32 \
+            --extra-arg=-Wno-unknown-attributes
         x86_64-w64-mingw32-g++-posix -x c++ -v -E /dev/null 2>&1 >/dev/null |
             sed -n '/^#include </,/^End/s/^ /--extra-arg=-isystem/p' |
             grep -v '/gcc/[^/]*/[^/]*/include\(-fixed\)\?$'
