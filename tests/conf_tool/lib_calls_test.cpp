@@ -79,7 +79,7 @@ std::string FailureOf(const std::function<void(CConfigToolLibCaller&)>& call, CC
     } catch (const exc::runtime_exc_t& failure) {
         return failure.what();
     }
-    return "nothing was raised";
+    return "nothing was thrown";
 }
 
 TEST_F(LibCalls, EachFailureHasTheLibrarysTextAndItsLogLines) {
@@ -161,10 +161,10 @@ TEST_F(LibCalls, WhatBreaksTheContractIsRefusedAndGivenBackOnce) {
         {GiveRepositories<INT32_MIN, records, -1>, "", unknown, {}},
         {GiveRepositories<1, nullptr, INT32_MAX>, "", unknown, {}},
         {GiveRepositories<0, nullptr, 2>, "[2]", "Configuration library returned no repositories", {}},
-        {GiveRepositories<0, nullptr, 0>, "[0]", "nothing was raised", {0}},
-        {GiveRepositories<0, records, -1>, "[-1]", "nothing was raised", {-1}},
+        {GiveRepositories<0, nullptr, 0>, "[0]", "nothing was thrown", {0}},
+        {GiveRepositories<0, records, -1>, "[-1]", "nothing was thrown", {-1}},
         {GiveRepositories<0, records, INT32_MAX>, "[2147483647]", impossible + "[2147483647]", {INT32_MAX}},
-        {GiveRepositories<0, records, 2>, "[2]", "nothing was raised", {2}},
+        {GiveRepositories<0, records, 2>, "[2]", "nothing was thrown", {2}},
     };
     for (const auto& c : cases) {
         arrays_back.clear();

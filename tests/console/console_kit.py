@@ -109,7 +109,7 @@ class ConsoleTest(unittest.TestCase):
         self.assertTrue(terminal.wait(lambda: terminal.screen().count(text) >= count, SECONDS), terminal.screen())
 
     def await_prompt(self, terminal, prompt, count=1):
-        """The cursor has to stand right behind the prompt, trailing blank included."""
+        """The cursor must be right after the prompt, including its trailing space."""
         terminal.wait(lambda: terminal.ended() or terminal.cursor_line() == prompt and
                       terminal.screen().count(prompt.rstrip()) >= count and terminal.reads(), SECONDS)
         self.assertEqual(prompt, terminal.cursor_line(), terminal.screen())
@@ -131,13 +131,13 @@ class ConsoleTest(unittest.TestCase):
         return [LINE_START.sub("", line, count=1) for line in lines]
 
     def printed(self):
-        """What the last run printed through the console, trailing blanks and line ends included."""
+        """What the last run printed to the console, including trailing spaces and line ends."""
         last_run = "\n".join(self.log()).split("=" * 84 + "\n")[-1]
         next_line = r"(?=\n(?:Print to|Read from|Calling|Executing|Cannot) )"
         return re.findall(r"^Print to console \[(.*?)\]$" + next_line, last_run, re.M | re.S)
 
     def calls(self):
-        """How often each library function was called in the last run; what it handed out has to have come back."""
+        """How often each library function was called in the last run. All of its memory must have been freed."""
         first, *rest = self.read("report.txt").splitlines()
         given = re.fullmatch(r"texts=(\d+)/(\d+) arrays=(\d+)/(\d+) wrong=0", first)
         self.assertTrue(given and given[1] == given[2] and given[3] == given[4], first)

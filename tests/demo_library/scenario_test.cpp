@@ -75,7 +75,7 @@ TEST_F(demo_library_test, frees_are_counted_and_wrong_ones_survived) {
     LibraryError error = nullptr;
     for (int i = 0; i < 2; ++i)  // the first one is leaked
         function(GetTextFn(), "GetParallelismRangeString")(&range, &error);
-    wchar_t own[] = L"not handed out";
+    wchar_t own[] = L"not allocated by the library";
     for (wchar_t* text : {range, range, own, LibraryText()}) free_string(text);
     std::int32_t count = 0;
     LibraryRecords records = nullptr;

@@ -26,14 +26,14 @@ std::optional<int> plain_integer(const std::string& text) {
 void check_integer(const std::string& input) {
     std::optional<int> value;
     refuses([&] { value = wizard::ConvertAnswer(wide(input)); });
-    require(value == plain_integer(input), "takes whole decimal numbers of 32 bits alone");
+    require(value == plain_integer(input), "accepts only decimal 32-bit integers");
     require(!value || wizard::ParseInt(std::to_wstring(*value)) == *value, "the number's own text gives it");
 }
 
 void check_account(const std::string& input) {
     const auto backslashes = std::ranges::count(input, '\\');
     wizard::Account account;
-    require(refuses([&] { account = wizard::SplitAccount(wide(input)); }) == (backslashes > 1), "refuses two alone");
+    require(refuses([&] { account = wizard::SplitAccount(wide(input)); }) == (backslashes > 1), "refuses two or more");
     if (backslashes > 1) return;
     require(backslashes == 1 || account.domain.empty(), "without a backslash there is no domain");
     require(account.domain + wide(backslashes == 1 ? "\\" : "") + account.user_name == wide(input), "can be joined");

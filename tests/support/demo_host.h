@@ -66,7 +66,7 @@ public:
         return 0;
     }
 
-    // Everything that the library handed out came back, and nothing else did.
+    // Everything that the library returned was freed, and nothing else was.
     void ExpectMemoryBalanced(const std::string& what = "") const {
         const std::string report = FileText(folder_ / "report.txt");
         EXPECT_TRUE(std::regex_search(report, std::regex("^texts=(\\d+)/\\1 arrays=(\\d+)/\\2 wrong=0\n")))
