@@ -1,10 +1,12 @@
 // Runs a program several times in this console, as a command shell does, and reports after each run whether the
-// program ended and whether the console still echoes. Then it stays for a while: what is typed is seen, or not.
+// program ended and whether the console's modes are as they were. Then it waits: what is typed now is seen, or not.
 //
-//     break_sender break|wait RUNS PROGRAM ARGUMENTS...
+//     break_sender break|wait RUNS REPORT PROGRAM ARGUMENTS...
 //
+// The reports go to the file REPORT, since a busy console can lose lines that have scrolled off the screen. In the
+// arguments RUN is replaced by the number of the run, which makes each prompt different.
 // With "break" each run is ended by Ctrl+Break as soon as the program has turned the echo off: in every second run
-// only after some characters were typed, and the later the higher the run's number.
+// only after some characters were typed, and each time a little later than the last.
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
@@ -24,17 +26,22 @@ bool echo_is_on() {
     return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) && (mode & wanted) == wanted;
 }
 
-std::wstring quoted(int count, wchar_t** words) {
+std::wstring with_run(std::wstring word, long run) {
+    const std::size_t at = word.find(L"RUN");
+    return at == std::wstring::npos ? word : word.replace(at, 3, std::to_wstring(run));
+}
+
+std::wstring command_line(int count, wchar_t** words, long run) {
     std::wstring line;
-    for (int i = 0; i < count; ++i) line += (i == 0 ? L"\"" : L" \"") + std::wstring(words[i]) + L"\"";
+    for (int i = 0; i < count; ++i) line += (i == 0 ? L"\"" : L" \"") + with_run(words[i], run) + L"\"";
     return line;
 }
 
-HANDLE start(std::wstring command_line) {
+HANDLE start(std::wstring line) {
     STARTUPINFOW how{};
     how.cb = sizeof how;
     PROCESS_INFORMATION started{};
-    if (!CreateProcessW(nullptr, command_line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &how, &started)) {
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &how, &started)) {
         std::wprintf(L"not started: %lu\n", GetLastError());
         std::exit(1);
     }
@@ -64,29 +71,47 @@ void send_break(HANDLE program) {
 void press_break_at_prompt(HANDLE program, long run) {
     while (echo_is_on() && WaitForSingleObject(program, 0) == WAIT_TIMEOUT) Sleep(1);
     if (run % 2 == 0) type_some_characters();
-    Sleep(static_cast<DWORD>(run));
+    Sleep(static_cast<DWORD>(run % 50));
     send_break(program);
 }
 
-void report_end(HANDLE program, long run) {
+// Shells let programs use escape sequences; ours turns that off for itself.
+bool escape_sequences_are_on() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) && (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
+void turn_escape_sequences_on() {
+    DWORD mode = 0;
+    GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode);
+    SetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
+void report_end(HANDLE program, long run, const wchar_t* file) {
     const bool ended = WaitForSingleObject(program, limit_ms) == WAIT_OBJECT_0;
-    std::printf("\nrun %ld: %s, echo %s\n", run, ended ? "ended" : "still running", echo_is_on() ? "on" : "off");
+    std::printf("\n");
     std::fflush(stdout);
+    std::FILE* const report = _wfopen(file, L"a");
+    if (report == nullptr) std::exit(3);
+    std::fprintf(report, "run %ld: %s, echo %s%s\n", run, ended ? "ended" : "still running",
+                 echo_is_on() ? "on" : "off", escape_sequences_are_on() ? "" : ", escape sequences off");
+    std::fclose(report);
 }
 
 }  // namespace
 
 extern "C" int wmain(int argc, wchar_t** argv) {
-    if (argc < 4) return 2;
+    if (argc < 5) return 2;
     SetConsoleCtrlHandler(StayAlive, TRUE);
+    turn_escape_sequences_on();
     // Wine's console starts the desktop at the first key, and hangs when Ctrl+C comes in that moment: start it now.
     VkKeyScanW(L'x');
     const bool sends_break = std::wcscmp(argv[1], L"break") == 0;
     const long runs = std::wcstol(argv[2], nullptr, 10);
     for (long run = 1; run <= runs; ++run) {
-        const HANDLE program = start(quoted(argc - 3, argv + 3));
+        const HANDLE program = start(command_line(argc - 4, argv + 4, run));
         if (sends_break) press_break_at_prompt(program, run);
-        report_end(program, run);
+        report_end(program, run, argv[3]);
         CloseHandle(program);
     }
     Sleep(limit_ms);
