@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Looks for faults in the sources: cppcheck in all of them, clang-tidy in the product and the demonstration library, or
-# in the files given. Fails and shows what it finds. .clang-tidy and .cppcheck-suppressions say what is looked for.
-# Nothing is built and nothing installed: scripts/setup.sh --check brings the two programs.
+# Checks the sources: all of them with cppcheck; the product and the demonstration library, or the given files, with
+# clang-tidy. Fails and prints what they report. .clang-tidy and .cppcheck-suppressions say what is checked.
+# Builds and installs nothing: run scripts/setup.sh --check before.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 cd "$root"
@@ -47,11 +47,11 @@ look_with_clang_tidy() {
     prepare_clang_tidy
     export -f look_into
     printf '%s\0' "$@" | xargs -0 -n1 -P"$(nproc)" bash -c 'look_into "$1"' bash ||
-        die "failed: clang-tidy has found something above"
+        die "clang-tidy reported problems: see above"
 }
 
 if [ "$#" = 0 ]; then
-    look_with_cppcheck || die "failed: cppcheck has found something above"
+    look_with_cppcheck || die "cppcheck reported problems: see above"
     mapfile -t product < <(git ls-files '*.cpp' ':!tests' ':!benchmarks')
     set -- "${product[@]}"
 fi
