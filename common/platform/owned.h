@@ -69,6 +69,12 @@ struct module_holder_t {
     static void close(type value) noexcept { FreeLibrary(value); }
 };
 
+struct local_holder_t {
+    using type = void*;
+    static type invalid() noexcept { return nullptr; }
+    static void close(type value) noexcept { LocalFree(value); }
+};
+
 struct registry_key_holder_t {
     using type = HKEY;
     static type invalid() noexcept { return nullptr; }
@@ -79,6 +85,7 @@ using unique_handle = unique_t<handle_holder_t>;              // null is invalid
 using unique_file = unique_t<file_holder_t>;                  // minus one is invalid: CreateFileW
 using unique_find = unique_t<find_holder_t>;                  // FindFirstFileW
 using unique_module = unique_t<module_holder_t>;              // LoadLibraryW
+using unique_local = unique_t<local_holder_t>;                // what LocalFree releases
 using unique_registry_key = unique_t<registry_key_holder_t>;  // RegOpenKeyExW
 
 }  // namespace platform
