@@ -8,7 +8,7 @@
 #include "app/hardening.h"
 #include "app/options.h"
 #include "app/start_up.h"
-#include "common/crash/crash_handler.h"
+#include "common/crash/install.h"
 #include "wizard/console_session.h"
 
 namespace app {

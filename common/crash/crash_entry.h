@@ -3,17 +3,24 @@
 
 #include <string>
 
-#include "common/crash/failure.h"
+#include "common/crash/generators.h"
 
 namespace crash {
 
-// Where dumps go from now on; without it to "Dumps" in the current folder. The folder need not exist. Any thread.
+// Sets the folder of the dumps, which need not exist yet. Without a folder, or with an empty path, a crash leaves no
+// dump. Any thread may call it.
 void set_dump_folder(const std::wstring& folder);
 
 // Logs "Trying to generate crash dump", runs the registered handlers between "Executing crash handlers." and "Crash
-// handlers were successfully executed." (left out when one raised), removes old dumps, and writes one dump: out of
-// process, else as a minidump from within, else as a text report. Every failure is logged; none stops the rest. Last,
-// the standard error gets one line that tells of the crash.
+// handlers were successfully executed." (left out when one failed), removes old dumps, and writes one dump: out of
+// process, else a minidump from within, else a text report. Every failure is logged; none stops the rest. Finally one
+// line about the crash goes to the standard error.
+//
+// This is done in stages, each of which is entered once in the life of the process: the thread that runs a stage and
+// crashes in it calls again and continues with the next one. The caller ends the process.
 void handle_crash(const failure_t& failure) noexcept;
+
+// Whether the calling thread is executing the registered handlers for a crash.
+bool is_running_handlers() noexcept;
 
 }  // namespace crash

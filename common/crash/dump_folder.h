@@ -1,4 +1,4 @@
-// The folder that dumps are kept in.
+// The folder that contains the dumps.
 #pragma once
 
 #include <cstddef>
@@ -6,22 +6,32 @@
 #include <string>
 
 #include "common/crash/recorder/dump_names.h"
+#include "common/platform/owned.h"
 
 namespace crash {
 
+// Creates the folder where it is missing, as a private one (see platform::create_private_folder()): in the folders
+// above it any account may be allowed to create files. Until the returned handle is closed, Windows does not let
+// anybody rename or delete the folder.
+//
+// A folder that exists is left as it is. Throws exc::runtime_exc_t "Dump folder [%1] is a link." or "Dump folder [%1]
+// belongs to another account: %2." for one that somebody else may have put there, and exc::win_sys_exc_t "Cannot
+// create directory [%1].", "Cannot open dump folder [%1]." and "Cannot determine the current account.".
+platform::unique_file open_dump_folder(const std::wstring& folder);
+
 // Makes room for one more dump: deletes the oldest ones until fewer than maximum_count are left, and logs
 // "Dump [%1] deleted." for each. One that cannot be deleted is logged as "Old dump cannot be removed.
-// Dump path: [%1]." with its error code, and the next oldest one goes in its place. Raises exc::runtime_exc_t "Cannot
-// cleanup out of date dumps. There are [%1] dumps stored. Maximum allowed dumps number: [%2]." when there are still
-// too many. Files that are no dumps are left alone.
+// Dump path: [%1]." with its error code, and the next oldest one is deleted instead. Other files are left alone. Throws
+// exc::runtime_exc_t "Cannot cleanup out of date dumps. There are [%1] dumps stored. Maximum allowed dumps number:
+// [%2]." when there are still too many.
 void cleanup_dumps(const std::wstring& folder, std::size_t maximum_count);
 
-// The smallest number from 1 to 10000 that is not among these. Raises exc::runtime_exc_t "All dump identifiers are
-// reserved.".
+// Returns the smallest number from 1 to 10000 that is not in the set. Throws exc::runtime_exc_t "All dump identifiers
+// are reserved.".
 unsigned first_free_identifier(const std::set<unsigned>& taken);
 
-// The path with "_", the process id, "_" and the first identifier behind it for which there is no dump of either kind.
-// Nobody else takes it: the process id is part of it. Raises what first_free_identifier() raises.
+// Returns the path with "_", the process id, "_" and the first identifier for which there is no dump of either kind.
+// Nobody else takes it, since the process id is part of it. Throws what first_free_identifier() throws.
 std::wstring reserve_dump_identifier(const std::wstring& path);
 
 }  // namespace crash

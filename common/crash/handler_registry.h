@@ -1,16 +1,16 @@
-// Work that must be done even when the program crashes, such as giving the console back in its original state.
+// Work that must be done even when the program crashes, such as restoring the console's mode.
 #pragma once
 
 namespace crash {
 
 using handler_t = void (*)();
 
-// Handlers run in the order of their registration, once, before the dump is written, usually on a thread of the crash
-// handling while the crashed one stands still: they must not wait for it. What one raises is logged and the others
-// still run. False when there is no more room (16 handlers). Any thread may register.
+// Handlers run in the order of their registration, once, before the dump is written, on the thread that handles the
+// crash: usually the crashed one, whose locks are still locked. Any thread may register. Returns false when there is
+// no room left (16 handlers).
 bool register_handler(handler_t handler) noexcept;
 
-// False when one of them raised.
+// What a handler throws is logged, and the others still run. Returns false when one of them threw.
 bool run_handlers() noexcept;
 
 }  // namespace crash

@@ -1,18 +1,24 @@
-#include "common/crash/legacy_dump_gen.h"
-
+#include <algorithm>
+#include <array>
+#include <cstdio>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "common/crash/debug_help.h"
 #include "common/crash/dump_folder.h"
-#include "common/crash/loaded_modules.h"
+#include "common/crash/generators.h"
 #include "common/crash/stack_frames.h"
-#include "common/crash/symbols.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
 #include "common/logging/separators.h"
-#include "common/platform/owned.h"
+#include "common/platform/module.h"
+#include "common/platform/path.h"
+#include "common/platform/version_resource.h"
 #include "common/text/convert.h"
+
+#include <psapi.h>
 
 namespace crash::win32 {
 namespace {
@@ -22,12 +28,13 @@ class report_t {
 public:
     explicit report_t(const std::wstring& path)
         : path_(path),
-          file_(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr)) {
+          file_(CreateFileW(platform::system_path(path).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                            FILE_ATTRIBUTE_NORMAL, nullptr)) {
         if (!file_) raise("Cannot create a legacy dump file. File path: [%1].");
     }
     ~report_t() {
         file_.reset();
-        if (!complete_) DeleteFileW(path_.c_str());
+        if (!complete_) DeleteFileW(platform::system_path(path_).c_str());
     }
     report_t(const report_t&) = delete;
     report_t& operator=(const report_t&) = delete;
@@ -55,11 +62,33 @@ private:
     bool complete_ = false;
 };
 
+std::vector<HMODULE> loaded_modules() {
+    std::vector<HMODULE> modules(1024);
+    const auto size = static_cast<DWORD>(modules.size() * sizeof(HMODULE));
+    DWORD needed = 0;
+    if (!K32EnumProcessModules(GetCurrentProcess(), modules.data(), size, &needed)) return {};
+    modules.resize(std::min(size, needed) / sizeof(HMODULE));
+    return modules;
+}
+
+// Begin, end, file name, path, file version and what symbols are known. Addresses have as many digits as they need.
+std::string describe(HMODULE module, const symbols_t& symbols) {
+    MODULEINFO info{};
+    K32GetModuleInformation(GetCurrentProcess(), module, &info, sizeof info);
+    const auto begin = reinterpret_cast<std::uint64_t>(module);
+    std::array<char, 64> addresses{};
+    std::snprintf(addresses.data(), addresses.size(), "0x%08llx - 0x%08llx ", begin, begin + info.SizeOfImage);
+    const std::wstring path = platform::module_path(module);
+    const std::string version = platform::read_version_resource(path).file_version;
+    return addresses.data() + text::wide_to_utf8(platform::file_name_of(path)) + " (" + text::wide_to_utf8(path) +
+           ") " + (version.empty() ? "0.0.0.0" : version) + ", " + symbols.describe_module(begin);
+}
+
 void write(report_t& report, const CONTEXT& thread) {
     const symbols_t symbols;
     report.add_line(logging::report_separator);
     report.add_line("Loaded modules:");
-    for (const module_t& module : loaded_modules()) report.add_line(describe(module, symbols));
+    for (const HMODULE module : loaded_modules()) report.add_line(describe(module, symbols));
     report.add_line("Stack frames:");
     walk_stack(thread, [&](std::uint64_t address) { report.add_line(symbols.describe_address(address)); });
 }

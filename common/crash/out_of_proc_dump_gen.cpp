@@ -1,13 +1,11 @@
-#include "common/crash/out_of_proc_dump_gen.h"
-
+#include "common/crash/generators.h"
 #include "common/crash/recorder/exit_codes.h"
-#include "common/crash/recorder_exit_text.h"
-#include "common/crash/recorder_file.h"
-#include "common/crash/recorder_process.h"
+#include "common/crash/recorder_program.h"
 #include "common/crash/watchdog.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
+#include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"
 
@@ -28,20 +26,15 @@ platform::unique_handle duplicate_process_handle() {
     return process;
 }
 
-template <class Number>
-std::wstring decimal(Number number) {
-    return std::to_wstring(number) + L" ";
-}
-
-std::wstring quoted(const std::wstring& value) { return L"\"" + value + L"\" "; }
-
 }  // namespace
 
 COutOfProcDumpGen::COutOfProcDumpGen(unsigned most_dumps)
     : most_dumps_(most_dumps), process_(duplicate_process_handle()) {}
 
 std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::wstring& path) const {
-    const std::wstring folder = platform::parent_of(path);
+    const auto decimal = [](auto number) { return std::to_wstring(number) + L" "; };
+    const auto quoted = [](const std::wstring& value) { return L"\"" + value + L"\" "; };
+    const std::wstring folder = platform::system_path(platform::parent_of(path));
     return decimal(reinterpret_cast<std::uintptr_t>(process_.get())) + decimal(GetCurrentProcessId()) +
            decimal(failure.thread_id) + decimal(reinterpret_cast<std::uintptr_t>(failure.pointers)) +
            decimal(watching_thread()) + quoted(folder) + quoted(platform::file_name_of(path)) +
@@ -49,11 +42,11 @@ std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::w
 }
 
 void COutOfProcDumpGen::generate(const failure_t& failure, const std::wstring& path) {
-    const std::wstring folder = platform::parent_of(path);
-    const recorder_file_t recorder(folder);
-    logging::ormacon_tool.info(exc::format_message("Generating dump to %1", text::wide_to_utf8(folder)));
-    const std::uint32_t code =
-        wait_for_recorder(start_recorder(recorder.path(), arguments(failure, path), process_.get()));
+    // Whoever can write to the program's folder can replace the program as well.
+    const recorder_file_t recorder(platform::parent_of(platform::program_path()));
+    logging::ormacon_tool.info(
+        exc::format_message("Generating dump to %1", text::wide_to_utf8(platform::parent_of(path))));
+    const std::uint32_t code = wait_for_recorder(start_recorder(recorder.path(), arguments(failure, path)));
     if (code == recorder_success) return;
     exc::raise(exc::format_message("Dump generator process failed with %1: %2",
                                    {std::to_string(code), recorder_exit_text(code)}));

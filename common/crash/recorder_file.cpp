@@ -1,9 +1,14 @@
-#include "common/crash/recorder_file.h"
+#include "common/crash/recorder_program.h"
 
-#include "common/crash/recorder_image.h"
+#include "common/crash/recorder/minidump_file.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
+
+// The recorder's program file as data: recorder_image.S.
+extern "C" const unsigned char ormacon_recorder_begin;
+extern "C" const unsigned char ormacon_recorder_end;
 
 namespace crash {
 namespace {
@@ -13,14 +18,23 @@ namespace {
     exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(path)));
 }
 
-// Exclusive: a program that crashes at the same time must not get at a file that is still being written. New: a file
-// that somebody left there would keep its owner and rights, and is about to be run.
-platform::unique_file create(const std::wstring& path) {
-    DeleteFileW(path.c_str());
-    platform::unique_file file(
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) raise_for(path, "Failed to create dump recorder file: %1");
-    return file;
+// Whether the failure to create the file is due to one that exists or, refusing access, is just being deleted.
+bool is_taken(const std::wstring& path, DWORD code) {
+    return code == ERROR_FILE_EXISTS || GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES ||
+           GetLastError() == ERROR_ACCESS_DENIED;
+}
+
+// New, since a file that somebody put there would keep its owner and rights; and not shared while it is incomplete.
+platform::unique_file create(const std::wstring& path, ULONGLONG longest_wait) {
+    for (const ULONGLONG end = GetTickCount64() + longest_wait;; Sleep(20)) {
+        platform::unique_file file(
+            CreateFileW(path.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (file) return file;
+        const DWORD code = GetLastError();
+        if (is_taken(path, code) && (GetTickCount64() < end || DeleteFileW(path.c_str()))) continue;
+        SetLastError(code);
+        raise_for(path, "Failed to create dump recorder file: %1");
+    }
 }
 
 bool write_image(HANDLE file) {
@@ -29,20 +43,20 @@ bool write_image(HANDLE file) {
     return WriteFile(file, &ormacon_recorder_begin, size, &written, nullptr) && written == size;
 }
 
-void write(const std::wstring& path) {
-    platform::unique_file file = create(path);
-    if (write_image(file.get())) return;
-    const DWORD code = GetLastError();
-    file.reset();
-    DeleteFileW(path.c_str());
-    SetLastError(code);
+// Marked for deletion while it is written: a process that is killed meanwhile leaves nothing.
+void write(const std::wstring& path, ULONGLONG longest_wait) {
+    const platform::unique_file file = create(path, longest_wait);
+    if (delete_when_closed(file.get(), true) && write_image(file.get()) && delete_when_closed(file.get(), false))
+        return;
     raise_for(path, "Failed to write dump recorder code to %1");
 }
 
-// The start of the program needs read sharing, the deletion delete sharing; nobody may write to it any more.
+// Inherited by the recorder, whose end then deletes the file even when this process is killed before. The start of a
+// program opens the file for reading and shares its deletion; nobody else gets the right to write, rename or delete.
 platform::unique_file reopen(const std::wstring& path) {
-    platform::unique_file file(CreateFileW(path.c_str(), GENERIC_READ | DELETE, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                           nullptr, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+    SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+    platform::unique_file file(CreateFileW(path.c_str(), GENERIC_READ | DELETE, FILE_SHARE_READ, &inheritable,
+                                           OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
     if (file) return file;
     const DWORD code = GetLastError();
     DeleteFileW(path.c_str());
@@ -52,8 +66,9 @@ platform::unique_file reopen(const std::wstring& path) {
 
 }  // namespace
 
-recorder_file_t::recorder_file_t(const std::wstring& folder) : path_(folder + L"\\TovakDumpRecorder") {
-    write(path_);
+recorder_file_t::recorder_file_t(const std::wstring& folder, std::uint32_t longest_wait)
+    : path_(platform::join_path(folder, L"TovakDumpRecorder")) {
+    write(path_, longest_wait);
     deletion_ = reopen(path_);
 }
 

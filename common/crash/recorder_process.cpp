@@ -1,56 +1,23 @@
-#include "common/crash/recorder_process.h"
+#include "common/crash/recorder_program.h"
 
-#include <cstddef>
-#include <vector>
+#include <algorithm>
+#include <utility>
 
+#include "common/crash/recorder/exit_codes.h"
 #include "common/crash/watchdog.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/text/convert.h"
 
 namespace crash {
-namespace {
 
-// A list with one attribute: the handle that a child process may inherit.
-class inherited_handle_t {
-public:
-    explicit inherited_handle_t(HANDLE handle) : handle_(handle) {
-        SIZE_T size = 0;
-        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
-        memory_.resize(size);
-        usable_ = InitializeProcThreadAttributeList(get(), 1, 0, &size);
-    }
-    ~inherited_handle_t() {
-        if (usable_) DeleteProcThreadAttributeList(get());
-    }
-    inherited_handle_t(const inherited_handle_t&) = delete;
-    inherited_handle_t& operator=(const inherited_handle_t&) = delete;
-
-    LPPROC_THREAD_ATTRIBUTE_LIST get() { return reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(memory_.data()); }
-
-    bool set() {
-        return usable_ && UpdateProcThreadAttribute(get(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, &handle_,
-                                                    sizeof handle_, nullptr, nullptr);
-    }
-
-private:
-    HANDLE handle_;
-    std::vector<std::byte> memory_;
-    bool usable_ = false;
-};
-
-}  // namespace
-
-platform::unique_handle start_recorder(const std::wstring& file, const std::wstring& arguments, HANDLE inherited) {
+platform::unique_handle start_recorder(const std::wstring& file, const std::wstring& arguments) {
     std::wstring command_line = L"\"" + file + L"\" " + arguments;
-    inherited_handle_t list(inherited);
-    STARTUPINFOEXW start{};
-    start.StartupInfo.cb = sizeof start;
-    start.lpAttributeList = list.get();
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
     PROCESS_INFORMATION process{};
-    if (!list.set() || !CreateProcessW(file.c_str(), command_line.data(), nullptr, nullptr, TRUE,
-                                       CREATE_NO_WINDOW | EXTENDED_STARTUPINFO_PRESENT, nullptr, nullptr,
-                                       &start.StartupInfo, &process)) {
+    if (!CreateProcessW(file.c_str(), command_line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
+                        &start, &process)) {
         const DWORD code = GetLastError();
         exc::raise_win_error(
             code, exc::format_message("Failed to start dump generator process. File: %1", text::wide_to_utf8(file)));
@@ -72,6 +39,25 @@ std::uint32_t wait_for_recorder(const platform::unique_handle& process, std::uin
         exc::raise_win_error(GetLastError(), "Failed to get exit code of dump generator process");
     }
     return code;
+}
+
+std::string_view recorder_exit_text(std::uint32_t code) noexcept {
+    constexpr std::pair<std::uint32_t, std::string_view> texts[] = {
+        {recorder_success, "success"},
+        {recorder_unspecified_failure, "unspecified failure"},
+        {recorder_bad_argument_count, "invalid count of arguments"},
+        {recorder_bad_arguments, "invalid arguments"},
+        {recorder_no_folder, "cannot create dump folder"},
+        {recorder_old_dumps_stay, "cannot delete old dumps"},
+        {recorder_bad_dump_name, "invalid dump name"},
+        {recorder_no_dump_file, "cannot create dump file"},
+        {recorder_no_dump_content, "cannot write dump content"},
+        {recorder_no_ntdll, "NTDLL is not loaded"},
+        {recorder_no_memset, "memset is not exported from NTDLL"},
+        {recorder_no_vsnwprintf, "_vsnwprintf is not exported from NTDLL"},
+    };
+    const auto* const found = std::ranges::find(texts, code, &std::pair<std::uint32_t, std::string_view>::first);
+    return found == std::end(texts) ? "unexpected exit code" : found->second;
 }
 
 }  // namespace crash

@@ -8,12 +8,6 @@ namespace {
 
 constexpr std::size_t most_frames = 256;
 
-WORD current_architecture() {
-    SYSTEM_INFO system;
-    GetSystemInfo(&system);
-    return system.wProcessorArchitecture;
-}
-
 // A walk through a damaged stack must not crash once more.
 bool read_word(std::uint64_t address, std::uint64_t& value) {
     SIZE_T size = 0;
@@ -50,7 +44,9 @@ void check_architecture(WORD architecture) {
 }
 
 void walk_stack(const CONTEXT& thread, const std::function<void(std::uint64_t)>& visit) {
-    check_architecture(current_architecture());
+    SYSTEM_INFO system;
+    GetSystemInfo(&system);
+    check_architecture(system.wProcessorArchitecture);
     CONTEXT context = thread;
     for (std::size_t frame = 0; frame < most_frames; ++frame) {
         visit(context.Rip);

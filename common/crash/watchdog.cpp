@@ -18,16 +18,12 @@ std::atomic<std::uint32_t> status{0};
 std::atomic<ULONGLONG> end{0};
 std::atomic<HANDLE> awaited{nullptr};
 
-bool in_time() { return GetTickCount64() < end; }
-
 void grant(ULONGLONG milliseconds) { end = GetTickCount64() + milliseconds; }
 
-bool is_waited_for_in_vain() {
-    const HANDLE process = awaited;
-    return process != nullptr && WaitForSingleObject(process, 0) != WAIT_TIMEOUT;
-}
+bool has_ended(HANDLE process) { return process != nullptr && WaitForSingleObject(process, 0) != WAIT_TIMEOUT; }
 
-// Once for each time that a thread was suspended: this is called until the waiting thread goes on.
+// The handling thread does not react to the end of the process that it waits for: it is suspended, perhaps several
+// times, and each call takes back one.
 void resume() {
     if (resume_process != nullptr) resume_process(GetCurrentProcess());
     end = std::min<ULONGLONG>(end, GetTickCount64() + limit);
@@ -39,13 +35,12 @@ void end_with_main_thread() {
     TerminateProcess(GetCurrentProcess(), code == 0 ? 1 : code);
 }
 
-// Nothing but calls that need no lock of the process: any may be held by a thread that hangs.
+// Only calls that need no lock of the process: a thread that hangs may have any of them.
 DWORD WINAPI watch(void*) {
     const HANDLE events[] = {started, main_thread};
     if (WaitForMultipleObjects(2, events, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) end_with_main_thread();
-    while (in_time()) {
-        if (is_waited_for_in_vain()) resume();
-        Sleep(500);
+    for (; GetTickCount64() < end; Sleep(500)) {
+        if (has_ended(awaited)) resume();
     }
     TerminateProcess(GetCurrentProcess(), status);
     return 0;
@@ -57,11 +52,8 @@ void prepare_watchdog() noexcept {
     started = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     resume_process = reinterpret_cast<decltype(resume_process)>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtResumeProcess")));
-    const HANDLE process = GetCurrentProcess();
-    if (started == nullptr ||
-        !DuplicateHandle(process, GetCurrentThread(), process, &main_thread, 0, FALSE, DUPLICATE_SAME_ACCESS)) {
-        return;
-    }
+    main_thread = OpenThread(SYNCHRONIZE | THREAD_QUERY_LIMITED_INFORMATION, FALSE, GetCurrentThreadId());
+    if (started == nullptr || main_thread == nullptr) return;
     if (const HANDLE thread = CreateThread(nullptr, stack_size, &watch, nullptr, 0, &thread_id)) CloseHandle(thread);
 }
 

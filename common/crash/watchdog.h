@@ -1,4 +1,4 @@
-// Ends a process that hangs while its crash is handled.
+// A thread that ends the process when the handling of its crash hangs.
 #pragma once
 
 #include <cstdint>
@@ -7,20 +7,20 @@
 
 namespace crash {
 
-// Creates the watching thread. It ends the process with the exit code of the calling thread (1 instead of 0) should
-// that one end without the process: a thread without any stack left can be stopped by the system with no word to
-// anybody. To be called by the main thread. Without the watching thread what hangs is not ended.
+// Creates the watching thread; call it on the main thread. Its existence must not keep a process alive whose main
+// thread has ended (ExitThread; under Wine also a stack overflow without room for the report): it then ends the process
+// with the exit code of that thread, or 1 for 0. Where it cannot be created, nothing ends a process that hangs.
 void prepare_watchdog() noexcept;
 
-// From here on the process has a minute to end by itself, then it is ended with the exit status.
+// Starts the minute after which the process is ended with this exit status.
 void start_watchdog(std::uint32_t exit_status) noexcept;
 
-// The watching thread's id; 0 without one. Whoever writes a dump of this process must let it run.
+// The id of the watching thread, 0 without one. Whoever writes a dump of this process must not suspend it.
 std::uint32_t watching_thread() noexcept;
 
-// For the one thread that handles the crash, while it waits for another process that writes the dump. So long there
-// are that many milliseconds more than the minute; when that process has ended, a whole minute again. Threads of this
-// process that it left suspended, being killed, are resumed.
+// For the thread that handles the crash, while it waits for another process to write the dump. That time does not
+// count: the minute is extended by longest_wait (milliseconds), and starts anew when that process has ended. A process
+// that is killed while it writes the dump leaves the threads of this one suspended; the watching thread resumes them.
 class watchdog_pause_t {
 public:
     watchdog_pause_t(HANDLE process, std::uint32_t longest_wait) noexcept;

@@ -1,6 +1,6 @@
-// Stands for a configuration library that crashes.
-extern "C" __declspec(dllexport) int SetHostDirect(const wchar_t* host) {
-    volatile wchar_t* const copy = nullptr;
-    copy[0] = host[0];
-    return 0;
-}
+// Stands for a configuration library that crashes while it is being loaded. (Wine takes a fault for a failure to load.)
+#include <cstdlib>
+
+#include "common/win32.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD, void*) { std::abort(); }

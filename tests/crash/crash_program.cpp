@@ -7,8 +7,9 @@
 
 #include <boost/make_shared.hpp>
 
-#include "common/crash/crash_handler.h"
+#include "common/crash/crash_entry.h"
 #include "common/crash/handler_registry.h"
+#include "common/crash/install.h"
 #include "common/crash/watchdog.h"
 #include "common/logging/log_settings.h"
 #include "common/logging/logger.h"
@@ -21,11 +22,6 @@
 // A way to die. It is found by its name, which is what a backtrace must show.
 #define WAY extern "C" __declspec(dllexport) void
 using way_to_die_t = void (*)();
-
-template <class Function>
-Function find_function(HMODULE module, const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-}
 
 void write_through_null() {
     volatile int* const target = nullptr;
@@ -41,11 +37,6 @@ void recurse(volatile char* above) {
 }
 volatile char zeros[2];
 
-struct throwing_t {
-    ~throwing_t() { throw_int(); }
-    static void throw_int() { throw 42; }
-};
-
 struct base_t {
     base_t() { call(); }
     void call() { pure(); }
@@ -59,6 +50,23 @@ struct faulting_sink_t : logging::receiver::sink_t {
     void write_line(const logging::line_t&) override { write_through_null(); }
 };
 
+const HANDLE blocked = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+struct blocking_sink_t : logging::receiver::sink_t {
+    void write_line(const logging::line_t&) override {
+        SetEvent(blocked);
+        Sleep(INFINITE);
+    }
+};
+
+// The records of a crash have the id of the thread that crashed, as this one has.
+template <class Way>
+void die_in_thread(Way way) {
+    std::thread([way] {
+        logging::ormacon_tool.info("This thread crashes.");
+        way();
+    }).join();
+}
+
 // What catches everything that C++ throws must not stop a fault.
 WAY access_violation() try { write_through_null(); } catch (...) {
 }
@@ -66,7 +74,6 @@ WAY stack_overflow() { recurse<64>(zeros); }
 // The fault comes in the midst of the last page: too little is left for the system to report it.
 WAY stack_overflow_unreported() { recurse<2048>(zeros); }
 WAY uncaught_int() { throw 42; }
-WAY throwing_destructor() { const throwing_t object; }
 WAY pure_virtual_call() { derived_t(); }
 WAY call_abort() { std::abort(); }
 // As the system reports it, and past the unhandled-exception filter.
@@ -75,18 +82,24 @@ WAY heap_corruption() {
     RaiseException(0xC0000374, EXCEPTION_NONCONTINUABLE, 0, nullptr);
 }
 WAY invalid_parameter() { _get_invalid_parameter_handler()(nullptr, nullptr, nullptr, 0, 0); }
-WAY overwritten_frame() {
-    char text[8];
-    char* volatile const target = text;
-    for (int i = 0; i < 16; ++i) target[i] = 'x';
+WAY library_load() { LoadLibraryW(L"crash_library.dll"); }
+WAY second_thread() { die_in_thread(write_through_null); }
+WAY stack_overflow_second_thread() {
+    die_in_thread([] { recurse<64>(zeros); });
 }
-WAY library_fault() {
-    find_function<int (*)(const wchar_t*)>(LoadLibraryW(L"crash_library.dll"), "SetHostDirect")(L"host");
+WAY faulting_sink() {
+    die_in_thread([] {
+        logging::process_logger().attach(boost::make_shared<faulting_sink_t>());
+        logging::ormacon_tool.info("reaches the sinks before that one");
+    });
 }
-WAY second_thread() { std::thread(write_through_null).join(); }
 WAY log_lock_held() {
-    logging::process_logger().attach(boost::make_shared<faulting_sink_t>());
-    std::thread([] { logging::ormacon_tool.info("never written"); }).join();
+    std::thread([] {
+        logging::process_logger().attach(boost::make_shared<blocking_sink_t>());
+        logging::ormacon_tool.info("reaches the sinks before that one");
+    }).detach();
+    WaitForSingleObject(blocked, INFINITE);
+    write_through_null();
 }
 WAY heap_lock_held() {
     HeapLock(GetProcessHeap());
@@ -96,8 +109,16 @@ WAY crash_while_exiting() {
     std::atexit(write_through_null);
     std::exit(0);
 }
-WAY crashing_handler() {
+WAY faulting_handler() {
     crash::register_handler(write_through_null);
+    write_through_null();
+}
+WAY aborting_handler() {
+    crash::register_handler(std::abort);
+    std::abort();
+}
+WAY no_dump_folder() {
+    crash::set_dump_folder(L"");
     std::abort();
 }
 // Where the unwinder looks for the caller of this function there is no memory.
@@ -154,6 +175,6 @@ int main(int argc, char** argv) {
     registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", text::utf8_to_wide(argv[2]));
     crash::install(L"logs");
     logging::initialise(logging::ormacon_tool, L"logs", L"Ormacon.log");
-    find_function<way_to_die_t>(GetModuleHandleW(nullptr), argv[1])();
+    reinterpret_cast<way_to_die_t>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(nullptr), argv[1])))();
     return 0;
 }

@@ -2,13 +2,11 @@
 #include <iterator>
 #include <regex>
 
-#include "common/crash/legacy_dump_gen.h"
-#include "common/crash/minidump_gen.h"
+#include "common/crash/debug_help.h"
+#include "common/crash/generators.h"
 #include "common/crash/recorder/minidump_file.h"
 #include "common/crash/recorder/value_filter.h"
 #include "common/crash/stack_frames.h"
-#include "common/crash/symbol_path.h"
-#include "common/crash/system_library.h"
 #include "common/exc/error_text.h"
 #include "tests/crash/dump_folder_fixture.h"
 
@@ -65,10 +63,13 @@ TEST_F(Generators, WalkEndsOnADamagedStack) {
               "Unexpected processor architecture: '12'.");
 }
 
-TEST_F(Generators, SymbolsAreLookedForOnThisComputerAlone) {
-    SetEnvironmentVariableW(L"_NT_SYMBOL_PATH", L"SRV*C:\\cache*https://symbols;C:\\a b;\\\\server\\symbols");
-    SetEnvironmentVariableW(L"_NT_ALT_SYMBOL_PATH", L"//server/symbols;D:\\x");
-    EXPECT_EQ(crash::symbol_search_path(), L"C:\\a b;D:\\x;C:\\windows\\Symbols");
+TEST_F(Generators, FolderThatIsMissingIsReported) {
+    folder /= "missing";
+    EXPECT_THAT(message_of([&] { dump_by(crash::win32::minidump_gen_t()); }),
+                testing::HasSubstr("Cannot create a blank minidump file. File path: ["));
+    EXPECT_THAT(message_of([&] { dump_by(crash::win32::legacy_dump_gen_t()); }),
+                testing::HasSubstr("Cannot create a legacy dump file. File path: ["));
+    folder = folder.parent_path();
 }
 
 // A writer that asks which threads are wanted before it stops them, and then writes what no filter can read.
@@ -109,7 +110,7 @@ TEST_F(Generators, OtherLibrariesOfTheSameNameAreNotTaken) {
     create(L"dbghelp.dll", 0);
     SetDllDirectoryW(folder.c_str());
     EXPECT_EQ(exc::get_error_text(12007), text);
-    EXPECT_NE(crash::find_function<FARPROC>(crash::load_system_library(L"dbghelp.dll"), "MiniDumpWriteDump"), nullptr);
+    EXPECT_NE(crash::find_function<FARPROC>(crash::load_debug_help(), "MiniDumpWriteDump"), nullptr);
     SetDllDirectoryW(nullptr);
 }
 

@@ -1,9 +1,7 @@
 #include "common/crash/dump_folder.h"
-#include "common/crash/out_of_proc_dump_gen.h"
+#include "common/crash/generators.h"
 #include "common/crash/recorder/ntdll.h"
-#include "common/crash/recorder_exit_text.h"
-#include "common/crash/recorder_file.h"
-#include "common/crash/recorder_process.h"
+#include "common/crash/recorder_program.h"
 #include "common/exc/format_message.h"
 #include "common/text/convert.h"
 #include "tests/crash/dump_folder_fixture.h"
@@ -30,7 +28,7 @@ protected:
                                             std::to_string(GetCurrentProcessId()), std::to_string(GetCurrentThreadId()),
                                             text::wide_to_utf8(folder.wstring())});
         const crash::recorder_file_t file(boost::filesystem::current_path().wstring());
-        return crash::wait_for_recorder(crash::start_recorder(file.path(), text::utf8_to_wide(line), process.get()));
+        return crash::wait_for_recorder(crash::start_recorder(file.path(), text::utf8_to_wide(line)));
     }
 };
 
@@ -53,13 +51,13 @@ TEST_F(Recorder, WrongCallsHaveTheirExitCodes) {
         {"%1 %2 %3 0 0 \"%4\" b 0", bad_arguments},
         {"%1 %2 %3 0 0 \"%4\\file\\below\" b 10", "103: cannot create dump folder"},
         {"%1 %2 %3 0 0 \"%4\" " + std::string(4096, 'x') + " 10", "105: invalid dump name"},
-        {"%1 %2 %3 0 0 \"%4\\new\\a b\" " + name_too_long + " 10", "106: cannot create dump file"},
+        {"%1 %2 %3 0 0 \"%4\\new folder\" " + name_too_long + " 10", "106: cannot create dump file"},
     };
     for (const auto& [arguments, outcome] : calls) EXPECT_EQ(shown(run(arguments)), outcome) << arguments;
     EXPECT_EQ(shown(run("%1 %2 %3 0 0 \"%4\" b 10", PROCESS_QUERY_LIMITED_INFORMATION)),
               "107: cannot write dump content");
-    EXPECT_TRUE(boost::filesystem::is_empty(folder / "new" / "a b"));
-    EXPECT_THAT(names(), UnorderedElementsAre(L"file", L"new"));
+    EXPECT_TRUE(boost::filesystem::is_empty(folder / "new folder"));
+    EXPECT_THAT(names(), UnorderedElementsAre(L"file", L"new folder"));
 }
 
 TEST_F(Recorder, NeedsNtdll) {
@@ -70,6 +68,33 @@ TEST_F(Recorder, NeedsNtdll) {
     EXPECT_EQ(find_in(L"vcruntime140.dll"), "110: _vsnwprintf is not exported from NTDLL");
     EXPECT_EQ(find_in(L"ntdll.dll"), "0: success");
     EXPECT_EQ(shown(0xC0000005), "3221225477: unexpected exit code");
+
+    wchar_t text[5];
+    EXPECT_TRUE(print(functions, text, 5, L"%ls", L"four"));
+    EXPECT_EQ(text, std::wstring(L"four"));
+    EXPECT_FALSE(print(functions, text, 5, L"%ls", L"5five"));
+    EXPECT_FALSE(print(functions, text, 5, L"%ls", L"sixsix"));
+}
+
+TEST_F(Recorder, FileIsReplacedAndRenamedByNobody) {
+    const std::wstring name = L"TovakDumpRecorder";
+    const std::wstring path = (folder / name).wstring();
+    create(name, 1);  // left behind by a power failure
+    {
+        const crash::recorder_file_t file(folder.wstring(), 0);
+        EXPECT_GT(boost::filesystem::file_size(path), 4096u);
+        EXPECT_FALSE(MoveFileW(path.c_str(), (path + L"2").c_str()));
+        EXPECT_FALSE(DeleteFileW(path.c_str()));
+        EXPECT_FALSE(platform::unique_file(
+            CreateFileW(path.c_str(), GENERIC_WRITE, 7, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
+        EXPECT_THAT(message_of([&] { crash::recorder_file_t(folder.wstring(), 50); }),
+                    testing::HasSubstr("Failed to create dump recorder file: " + text::wide_to_utf8(path)));
+        const platform::unique_module image(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+        EXPECT_NE(FindResourceW(image.get(), MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(24)), nullptr) << "no manifest";
+    }
+    EXPECT_THAT(names(), testing::IsEmpty());
+    EXPECT_THAT(message_of([&] { crash::recorder_file_t((folder / "missing").wstring()); }),
+                testing::HasSubstr("Failed to create dump recorder file: "));
 }
 
 TEST_F(Recorder, CleansUpAsTheProgramDoes) {
@@ -112,7 +137,6 @@ TEST_F(Recorder, FailureIsRaisedAndNothingStays) {
         GetProcessHandleCount(GetCurrentProcess(), &handles);
         return std::pair(message, handles);
     };
-    EXPECT_THAT(failure_and_handles("missing/b").first, testing::HasSubstr("Failed to create dump recorder file: "));
     const auto [message, handles] = failure_and_handles("b_crash");
     EXPECT_EQ(message, "Dump generator process failed with 104: cannot delete old dumps");
     EXPECT_EQ(failure_and_handles("b_crash").second, handles);

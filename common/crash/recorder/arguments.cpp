@@ -7,7 +7,7 @@ constexpr unsigned argument_count = 9;
 
 bool is_blank(wchar_t character) { return character == L' ' || character == L'\t'; }
 
-// Cuts off the next argument and moves the position behind it; null at the end of the line.
+// Terminates the next argument and moves the position past it. Returns null at the end of the line.
 wchar_t* next_argument(wchar_t*& position) {
     while (is_blank(*position)) ++position;
     if (*position == L'\0') return nullptr;
@@ -41,21 +41,16 @@ bool is_file_name(const wchar_t* text) {
 
 bool read(wchar_t* const (&texts)[argument_count], arguments_t& arguments) {
     constexpr ULONG64 largest_dword = 0xffffffff;
-    ULONG64 process, process_id, thread_id, watching_thread, most_dumps;
-    if (!read_number(texts[1], ~0ULL, process) || !read_number(texts[2], largest_dword, process_id)) return false;
-    if (!read_number(texts[3], largest_dword, thread_id)) return false;
-    if (!read_number(texts[4], ~0ULL, arguments.exception_pointers)) return false;
-    if (!read_number(texts[5], largest_dword, watching_thread)) return false;
-    if (!read_number(texts[8], 10000, most_dumps) || most_dumps == 0) return false;
-    arguments.process = reinterpret_cast<HANDLE>(process);
-    arguments.process_id = static_cast<DWORD>(process_id);
-    arguments.thread_id = static_cast<DWORD>(thread_id);
-    arguments.watching_thread = static_cast<DWORD>(watching_thread);
     arguments.folder = texts[6];
     arguments.base_name = texts[7];
-    arguments.most_dumps = static_cast<unsigned>(most_dumps);
-    return *arguments.folder != L'\0' && is_file_name(arguments.base_name) && process_id != 0 &&
-           GetProcessId(arguments.process) == process_id;
+    return read_number(texts[1], ~0ULL, arguments.process) &&
+           read_number(texts[2], largest_dword, arguments.process_id) &&
+           read_number(texts[3], largest_dword, arguments.thread_id) &&
+           read_number(texts[4], ~0ULL, arguments.exception_pointers) &&
+           read_number(texts[5], largest_dword, arguments.watching_thread) &&
+           read_number(texts[8], 10000, arguments.most_dumps) && arguments.most_dumps != 0 &&
+           *arguments.folder != L'\0' && is_file_name(arguments.base_name) && arguments.process_id != 0 &&
+           GetProcessId(reinterpret_cast<HANDLE>(arguments.process)) == arguments.process_id;
 }
 
 }  // namespace

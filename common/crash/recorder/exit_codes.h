@@ -1,4 +1,4 @@
-// How the recorder tells the crashing program what became of the dump.
+// The exit status with which the recorder reports to the crashed program.
 #pragma once
 
 namespace crash {

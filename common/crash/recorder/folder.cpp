@@ -6,13 +6,13 @@
 namespace recorder {
 namespace {
 
-// Without a runtime there is no support for large frames; one thread uses these. What is kept changes places with the
-// entry in hand: copying would need the runtime, too.
+// Without a runtime there is no support for large frames; only one thread uses these. An entry that is kept is swapped
+// with the current one, since copying would need the runtime as well.
 wchar_t path_buffer[longest_path];
 WIN32_FIND_DATAW buffers[3];
 WIN32_FIND_DATAW* entry = &buffers[0];
 WIN32_FIND_DATAW* oldest = &buffers[1];
-WIN32_FIND_DATAW* last_tried = &buffers[2];  // empty and so older than all before the first one
+WIN32_FIND_DATAW* last_tried = &buffers[2];  // empty at first, and so older than all others
 
 void swap(WIN32_FIND_DATAW*& first, WIN32_FIND_DATAW*& second) {
     WIN32_FIND_DATAW* const kept = first;
@@ -20,34 +20,11 @@ void swap(WIN32_FIND_DATAW*& first, WIN32_FIND_DATAW*& second) {
     second = kept;
 }
 
-bool is_folder(const wchar_t* path) {
-    const DWORD attributes = GetFileAttributesW(path);
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
-
-wchar_t* last_separator(wchar_t* path) {
-    wchar_t* separator = nullptr;
-    for (; *path != L'\0'; ++path) {
-        if (*path == L'\\' || *path == L'/') separator = path;
-    }
-    return separator;
-}
-
-bool create_parent(wchar_t* folder) {
-    wchar_t* const separator = last_separator(folder);
-    if (separator == nullptr) return false;
-    const wchar_t character = *separator;
-    *separator = L'\0';
-    const bool created = create_folder(folder);
-    *separator = character;
-    return created;
-}
-
 bool form_path(const ntdll_t& functions, const wchar_t* folder, const wchar_t* name) {
     return print(functions, path_buffer, longest_path, L"%ls\\%ls", folder, name);
 }
 
-// Calls take() for each dump, which is the entry in hand. False for a folder that is too long.
+// Calls take() for each dump, which is the current entry. Returns false for a path that is too long.
 template <class Take>
 bool for_each_dump(const ntdll_t& functions, const wchar_t* folder, const Take& take) {
     if (!form_path(functions, folder, crash::dump_pattern)) return false;
@@ -60,7 +37,7 @@ bool for_each_dump(const ntdll_t& functions, const wchar_t* folder, const Take& 
     return true;
 }
 
-// False when none is left that has not been tried.
+// Returns false when there is none that has not been tried.
 bool find_oldest(const ntdll_t& functions, const wchar_t* folder) {
     bool found = false;
     const auto keep_if_older = [&found] {
@@ -74,15 +51,15 @@ bool find_oldest(const ntdll_t& functions, const wchar_t* folder) {
 
 }  // namespace
 
-bool create_folder(wchar_t* folder) {
-    if (is_folder(folder) || CreateDirectoryW(folder, nullptr)) return true;
-    if (GetLastError() != ERROR_PATH_NOT_FOUND || !create_parent(folder)) return is_folder(folder);
-    return CreateDirectoryW(folder, nullptr) || is_folder(folder);
+bool create_folder(const wchar_t* folder) {
+    const DWORD attributes = GetFileAttributesW(folder);
+    if (attributes == INVALID_FILE_ATTRIBUTES) return CreateDirectoryW(folder, nullptr);
+    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-bool delete_old_dumps(const ntdll_t& functions, const wchar_t* folder, unsigned most) {
-    // Counted once: a file that another program still reads is listed after its deletion, too.
-    unsigned count = 0;
+bool delete_old_dumps(const ntdll_t& functions, const wchar_t* folder, ULONG64 most) {
+    // Counted once: a file that another program is still reading is listed after its deletion as well.
+    ULONG64 count = 0;
     if (!for_each_dump(functions, folder, [&count] { ++count; })) return false;
     while (count >= most) {
         if (!find_oldest(functions, folder) || !form_path(functions, folder, oldest->cFileName)) return false;

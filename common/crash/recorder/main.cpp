@@ -1,9 +1,8 @@
 // Writes a minidump of the process that started it, from outside: the crashed process may no longer be able to.
 #include "common/crash/recorder/arguments.h"
-#include "common/crash/recorder/dump_writing.h"
 #include "common/crash/recorder/folder.h"
+#include "common/crash/recorder/minidump_file.h"
 #include "common/crash/recorder/ntdll.h"
-#include "common/crash/recorder/stack_guard.h"
 #include "common/win32.h"
 
 namespace recorder {
@@ -11,21 +10,44 @@ namespace {
 
 constexpr std::size_t longest_command_line = 32768;  // the system's limit, with the terminating null
 
+// Without a runtime there is no support for large frames.
 wchar_t command_line[longest_command_line];
+wchar_t path[longest_path];
 
-HANDLE crashed_process = nullptr;
-
-// Writing a dump suspends the crashed process; when the writing itself crashes, nobody else could let it end.
-LONG WINAPI on_fault(EXCEPTION_POINTERS*) {
-    using resume_t = LONG(NTAPI*)(HANDLE process);
-    const auto resume = reinterpret_cast<resume_t>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtResumeProcess")));
-    if (resume != nullptr && crashed_process != nullptr) resume(crashed_process);
-    ExitProcess(crash::recorder_unspecified_failure);
+bool form_path(const ntdll_t& functions, const arguments_t& arguments) {
+    FILETIME now;
+    GetSystemTimeAsFileTime(&now);
+    const ULONG64 number = static_cast<ULONG64>(now.dwHighDateTime) << 32 | now.dwLowDateTime;
+    return print(functions, path, longest_path, L"%ls\\%ls_%u_%u_%I64u.mdmp", arguments.folder, arguments.base_name,
+                 static_cast<unsigned>(arguments.process_id), static_cast<unsigned>(arguments.thread_id), number);
 }
 
-// A frame of its own, which begins when its guard is chosen.
-[[gnu::noinline]] crash::recorder_exit_t run() {
+crash::mini_dump_write_dump_t find_writer() {
+    const HMODULE library = LoadLibraryExW(L"dbghelp.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+    if (library == nullptr) return nullptr;
+    return reinterpret_cast<crash::mini_dump_write_dump_t>(
+        reinterpret_cast<void*>(GetProcAddress(library, "MiniDumpWriteDump")));
+}
+
+crash::recorder_exit_t write_dump(const ntdll_t& functions, const arguments_t& arguments) {
+    if (!form_path(functions, arguments)) return crash::recorder_bad_dump_name;
+    const crash::mini_dump_write_dump_t writer = find_writer();
+    if (writer == nullptr) return crash::recorder_unspecified_failure;
+    const HANDLE file = crash::create_minidump(path);
+    if (file == INVALID_HANDLE_VALUE) return crash::recorder_no_dump_file;
+    MINIDUMP_EXCEPTION_INFORMATION exception;
+    exception.ThreadId = static_cast<DWORD>(arguments.thread_id);
+    exception.ExceptionPointers = reinterpret_cast<EXCEPTION_POINTERS*>(arguments.exception_pointers);
+    exception.ClientPointers = TRUE;
+    const bool written = crash::write_minidump(
+        writer, file,
+        {reinterpret_cast<HANDLE>(arguments.process), static_cast<DWORD>(arguments.process_id),
+         arguments.exception_pointers == 0 ? nullptr : &exception, static_cast<DWORD>(arguments.watching_thread)});
+    CloseHandle(file);
+    return written ? crash::recorder_success : crash::recorder_no_dump_content;
+}
+
+crash::recorder_exit_t run() {
     ntdll_t functions;
     crash::recorder_exit_t result = find_ntdll(GetModuleHandleW(L"ntdll.dll"), functions);
     if (result != crash::recorder_success) return result;
@@ -35,7 +57,6 @@ LONG WINAPI on_fault(EXCEPTION_POINTERS*) {
     lstrcpynW(command_line, GetCommandLineW(), longest_command_line);
     result = read_arguments(command_line, arguments);
     if (result != crash::recorder_success) return result;
-    crashed_process = arguments.process;
 
     if (!create_folder(arguments.folder)) return crash::recorder_no_folder;
     if (!delete_old_dumps(functions, arguments.folder, arguments.most_dumps)) return crash::recorder_old_dumps_stay;
@@ -46,10 +67,8 @@ LONG WINAPI on_fault(EXCEPTION_POINTERS*) {
 }  // namespace recorder
 
 extern "C" void RecorderMain() {
-    recorder::choose_stack_guard();
-    // Its file lies in the dump folder: nothing may be loaded from there, whoever asks for it.
+    // The libraries that dbghelp.dll needs come from the system's folder as well.
     SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-    SetUnhandledExceptionFilter(&recorder::on_fault);
     ExitProcess(recorder::run());
 }

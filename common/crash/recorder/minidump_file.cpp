@@ -7,15 +7,10 @@
 namespace crash {
 namespace {
 
-// Stacks, thread contexts and the list of modules. Memory contents beyond that would carry what the user typed.
+// Stacks, thread contexts and the list of modules. Any other memory would contain what the user typed.
 constexpr auto dump_type = static_cast<MINIDUMP_TYPE>(MiniDumpNormal | MiniDumpFilterMemory);
 
-bool delete_when_closed(HANDLE file, bool deleted) {
-    FILE_DISPOSITION_INFO disposition = {deleted};
-    return SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition);
-}
-
-// What is left out here is not suspended either. A thread that is left out later leaves a gap in the list.
+// A thread that is excluded here is not suspended either. One that is excluded later leaves a gap in the list.
 BOOL CALLBACK select(void* watching_thread, const PMINIDUMP_CALLBACK_INPUT input, PMINIDUMP_CALLBACK_OUTPUT) {
     switch (input->CallbackType) {
         case IncludeThreadCallback:
@@ -31,6 +26,11 @@ BOOL CALLBACK select(void* watching_thread, const PMINIDUMP_CALLBACK_INPUT input
 }
 
 }  // namespace
+
+bool delete_when_closed(HANDLE file, bool deleted) {
+    FILE_DISPOSITION_INFO disposition = {deleted};
+    return SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition);
+}
 
 HANDLE create_minidump(const wchar_t* path) {
     const HANDLE file = CreateFileW(path, GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,

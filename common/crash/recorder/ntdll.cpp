@@ -18,7 +18,7 @@ crash::recorder_exit_t find_ntdll(HMODULE ntdll, ntdll_t& functions) {
     return crash::recorder_success;
 }
 
-// NOLINTNEXTLINE(cert-dcl50-cpp): NTDLL takes its arguments so
+// NOLINTNEXTLINE(cert-dcl50-cpp): what NTDLL expects
 bool print(const ntdll_t& functions, wchar_t* target, std::size_t size, const wchar_t* format, ...) {
     va_list arguments;
     va_start(arguments, format);

@@ -14,10 +14,11 @@ struct ntdll_t {
     int (*vsnwprintf)(wchar_t* target, std::size_t size, const wchar_t* format, va_list arguments);
 };
 
-// From the loaded NTDLL, null without one. Gives recorder_no_ntdll, recorder_no_memset or recorder_no_vsnwprintf.
+// Takes them from the loaded NTDLL, null without one. Returns recorder_no_ntdll, recorder_no_memset,
+// recorder_no_vsnwprintf or recorder_success.
 crash::recorder_exit_t find_ntdll(HMODULE ntdll, ntdll_t& functions);
 
-// False when the text does not fit with its terminating null.
+// Returns false when the text and its terminating null do not fit into the target, whose size counts characters.
 bool print(const ntdll_t& functions, wchar_t* target, std::size_t size, const wchar_t* format, ...);
 
 }  // namespace recorder

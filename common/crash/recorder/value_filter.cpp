@@ -18,7 +18,7 @@ class dump_view_t {
 public:
     dump_view_t(unsigned char* begin, ULONG64 size) : begin_(begin), size_(size) {}
 
-    // Null when the values do not lie within the file.
+    // Returns null when the values are not within the file.
     template <class Value>
     Value* at(ULONG64 offset, ULONG64 count = 1) const {
         if (offset > size_ || count > (size_ - offset) / sizeof(Value)) return nullptr;
@@ -34,16 +34,13 @@ public:
         return nullptr;
     }
 
-    // The items of a stream that begins with their 32-bit count.
+    // The items of a stream that starts with their 32-bit count.
     template <class Item>
     Item* items(ULONG32 type, ULONG32& count) const {
-        count = 0;
         const MINIDUMP_DIRECTORY* const found = stream(type);
-        if (found == nullptr) return nullptr;
-        const auto* const stored_count = at<ULONG32>(found->Location.Rva);
-        if (stored_count == nullptr) return nullptr;
-        auto* const list = at<Item>(found->Location.Rva + sizeof(ULONG32), *stored_count);
-        if (list != nullptr) count = *stored_count;
+        const auto* const stored = found == nullptr ? nullptr : at<ULONG32>(found->Location.Rva);
+        auto* const list = stored == nullptr ? nullptr : at<Item>(found->Location.Rva + sizeof *stored, *stored);
+        count = list == nullptr ? 0 : *stored;
         return list;
     }
 
@@ -59,7 +56,7 @@ public:
           modules_(dump.items<MINIDUMP_MODULE>(ModuleListStream, module_count_)),
           threads_(dump.items<MINIDUMP_THREAD>(ThreadListStream, thread_count_)) {}
 
-    // Without these lists nothing tells an address from a text.
+    // Without these lists an address cannot be distinguished from a text.
     bool usable() const { return module_count_ != 0 && thread_count_ != 0; }
 
     bool filter_threads() const {
@@ -101,19 +98,23 @@ private:
         return false;
     }
 
-    // The first and last bytes of a range may not fill a word of the process; no address stands there.
+    // What does not fill a word of the process is no address.
+    void filter_words(unsigned char* words, ULONG64 size) const {
+        for (; size >= sizeof(ULONG64); size -= sizeof(ULONG64), words += sizeof(ULONG64)) {
+            const ULONG64 value = *reinterpret_cast<const UNALIGNED ULONG64*>(words);
+            if (!is_in_module(value) && !is_in_stack(value)) clear(words, sizeof value);
+        }
+        clear(words, size);
+    }
+
     bool filter_memory(const MINIDUMP_MEMORY_DESCRIPTOR& range) const {
-        const ULONG32 size = range.Memory.DataSize;
+        const ULONG64 size = range.Memory.DataSize;
         auto* const bytes = dump_.at<unsigned char>(range.Memory.Rva, size);
         if (bytes == nullptr) return false;
-        const auto unaligned = static_cast<ULONG32>(-range.StartOfMemoryRange % sizeof(ULONG64));
-        ULONG32 offset = unaligned < size ? unaligned : size;
-        clear(bytes, offset);
-        for (; size - offset >= sizeof(ULONG64); offset += sizeof(ULONG64)) {
-            const ULONG64 value = *reinterpret_cast<const UNALIGNED ULONG64*>(bytes + offset);
-            if (!is_in_module(value) && !is_in_stack(value)) clear(bytes + offset, sizeof(ULONG64));
-        }
-        clear(bytes + offset, size - offset);
+        const ULONG64 unaligned = -range.StartOfMemoryRange % sizeof(ULONG64);
+        const ULONG64 begin = unaligned < size ? unaligned : size;
+        clear(bytes, begin);
+        filter_words(bytes + begin, size - begin);
         return true;
     }
 
@@ -123,11 +124,8 @@ private:
         if (context == nullptr || location.DataSize < sizeof(CONTEXT)) return false;
         clear(context, offsetof(CONTEXT, ContextFlags));
         clear(context + offsetof(CONTEXT, Dr0), offsetof(CONTEXT, Rax) - offsetof(CONTEXT, Dr0));
+        filter_words(context + offsetof(CONTEXT, Rax), offsetof(CONTEXT, Rip) - offsetof(CONTEXT, Rax));
         clear(context + offsetof(CONTEXT, FltSave), location.DataSize - offsetof(CONTEXT, FltSave));
-        for (ULONG32 offset = offsetof(CONTEXT, Rax); offset < offsetof(CONTEXT, Rip); offset += 8) {
-            const ULONG64 value = *reinterpret_cast<const UNALIGNED ULONG64*>(context + offset);
-            if (!is_in_module(value) && !is_in_stack(value)) clear(context + offset, sizeof(ULONG64));
-        }
         return true;
     }
 

@@ -1,17 +1,18 @@
 // Keeps what the user typed out of a minidump.
 //
-// A stack holds passwords as well as return addresses: short texts live in it, and what a finished call left behind.
-// For a backtrace the addresses are enough.
+// A stack contains passwords as well as return addresses: short texts, and what finished calls left there. A backtrace
+// needs only the addresses.
 #pragma once
 
 #include "common/win32.h"
 
 namespace crash {
 
-// Overwrites with zeros, in a complete minidump file of an x64 process: in memory contents outside of modules each
-// 8 bytes that are no address within a module or a stack; in thread contexts each integer register that is none, and
-// everything that is neither an integer register nor the place of execution. The file is open for reading and writing.
-// False with the last error set when it could not be done: the file is no minidump, or cannot be mapped.
+// Overwrites with zeros, in a complete minidump file of an x64 process that is open for reading and writing:
+// - in memory contents outside of modules, every 8 bytes that are not an address within a module or a stack;
+// - in thread contexts, every integer register that is not such an address, and everything except the integer registers
+//   and the place of execution.
+// Returns false with the last error set when the file is no minidump or cannot be mapped.
 bool filter_values(HANDLE file);
 
 }  // namespace crash

@@ -1,15 +1,16 @@
-#include "common/crash/symbols.h"
+#include "common/crash/debug_help.h"
 
 #include <array>
 #include <cstdio>
 
-#include "common/crash/symbol_path.h"
-#include "common/crash/system_library.h"
+#include "common/platform/module.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
 
 namespace crash {
 namespace {
 
+constexpr const wchar_t* search_path = L"%_NT_SYMBOL_PATH%;%_NT_ALT_SYMBOL_PATH%;%SystemRoot%\\Symbols";
 constexpr std::size_t longest_name = 512;
 
 struct named_symbol_t {
@@ -31,16 +32,17 @@ std::string module_at(std::uint64_t address) {
                             reinterpret_cast<const wchar_t*>(address), &module)) {
         return {};
     }
-    std::array<wchar_t, MAX_PATH> path{};
-    GetModuleFileNameW(module, path.data(), MAX_PATH);
-    const std::wstring text = path.data();
-    return " " + text::wide_to_utf8(text.substr(text.find_last_of(L'\\') + 1)) +
+    return " " + text::wide_to_utf8(platform::file_name_of(platform::module_path(module))) +
            print(" + 0x%llx", address - reinterpret_cast<std::uint64_t>(module));
 }
 
 }  // namespace
 
-symbols_t::symbols_t() : library_(load_system_library(L"dbghelp.dll")) {
+platform::unique_module load_debug_help() {
+    return platform::unique_module(LoadLibraryExW(L"dbghelp.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+}
+
+symbols_t::symbols_t() : library_(load_debug_help()) {
     if (!library_) return;
     const auto set_options = find_function<decltype(&SymSetOptions)>(library_, "SymSetOptions");
     const auto initialise = find_function<decltype(&SymInitializeW)>(library_, "SymInitializeW");
@@ -48,7 +50,7 @@ symbols_t::symbols_t() : library_(load_system_library(L"dbghelp.dll")) {
     from_address_ = find_function<decltype(&SymFromAddrW)>(library_, "SymFromAddrW");
     if (!set_options || !initialise || !get_module_info_ || !from_address_) return;
     set_options(SYMOPT_UNDNAME | SYMOPT_FAIL_CRITICAL_ERRORS | SYMOPT_NO_PROMPTS);
-    initialised_ = initialise(GetCurrentProcess(), symbol_search_path().c_str(), TRUE);
+    initialised_ = initialise(GetCurrentProcess(), platform::expand_variables(search_path).c_str(), TRUE);
 }
 
 symbols_t::~symbols_t() {

@@ -1,0 +1,70 @@
+// The ways to write a dump of this process.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "common/platform/owned.h"
+
+namespace crash {
+
+struct failure_t {
+    std::uint32_t code;  // becomes the exit status of the process
+    std::uint32_t thread_id;
+    EXCEPTION_POINTERS* pointers;  // valid until the process ends
+};
+
+namespace win32 {
+
+class dump_gen_base_t {
+public:
+    dump_gen_base_t() = default;
+    virtual ~dump_gen_base_t() = default;
+    dump_gen_base_t(const dump_gen_base_t&) = delete;
+    dump_gen_base_t& operator=(const dump_gen_base_t&) = delete;
+
+    // Writes one dump of the failure. The path is that of a dump in an existing folder, without what makes its name
+    // unique and without its extension: the generator adds both. On failure it leaves no file and throws an exc
+    // exception.
+    virtual void generate(const failure_t& failure, const std::wstring& path) = 0;
+};
+
+// Starts a small program that writes the minidump from outside of the crashed process.
+class COutOfProcDumpGen : public dump_gen_base_t {
+public:
+    // most_dumps: what the recorder leaves in the folder, the new dump included. Throws exc::win_sys_exc_t "Cannot
+    // initialize out-of-process dump generator: failed to duplicate current process handle" and, as the last part,
+    // "Failed to create out-of-process dump generator".
+    explicit COutOfProcDumpGen(unsigned most_dumps);
+
+    // Throws what recorder_file_t, start_recorder() and wait_for_recorder() throw, and exc::runtime_exc_t "Dump
+    // generator process failed with %1: %2" with the exit code and its text.
+    void generate(const failure_t& failure, const std::wstring& path) override;
+
+private:
+    std::wstring arguments(const failure_t& failure, const std::wstring& path) const;
+
+    unsigned most_dumps_;
+    platform::unique_handle process_;  // this process, inheritable
+};
+
+// Writes a minidump from within the crashed process.
+class minidump_gen_t : public dump_gen_base_t {
+public:
+    // Throws exc::win_sys_exc_t "Cannot load dbghelp.dll library.", "MiniDumpWriteDump function is not exported from
+    // the dbghelp dynamic library.", "Cannot create a blank minidump file. File path: [%1]." or
+    // "MiniDumpWriteDump() function call has failed.", and what reserve_dump_identifier() throws.
+    void generate(const failure_t& failure, const std::wstring& path) override;
+};
+
+// Writes a text report of the loaded modules and the stack frames, without any memory contents, for systems that
+// cannot write a minidump. When making the report crashes, its file stays as far as it got.
+class legacy_dump_gen_t : public dump_gen_base_t {
+public:
+    // Throws exc::win_sys_exc_t "Cannot create a legacy dump file. File path: [%1]." or "Cannot write a legacy dump
+    // file. File path: [%1].", and what reserve_dump_identifier() and walk_stack() throw.
+    void generate(const failure_t& failure, const std::wstring& path) override;
+};
+
+}  // namespace win32
+}  // namespace crash

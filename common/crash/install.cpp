@@ -1,0 +1,113 @@
+#include "common/crash/install.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <exception>
+
+#include <cxxabi.h>
+
+#include "common/crash/crash_entry.h"
+#include "common/crash/die.h"
+#include "common/crash/watchdog.h"
+#include "common/logging/log_exception.h"
+#include "common/logging/log_settings.h"
+#include "common/platform/path.h"
+
+namespace crash {
+namespace {
+
+// Codes of failures that the C++ runtime reports and for which Windows has none.
+constexpr std::uint32_t terminate_code = 0xE0000001;          // std::terminate: an exception that nobody caught
+constexpr std::uint32_t pure_call_code = 0xE0000002;          // a call of a pure virtual function
+constexpr std::uint32_t abort_code = 0x40000015;              // STATUS_FATAL_APP_EXIT
+constexpr std::uint32_t heap_corruption_code = 0xC0000374;    // STATUS_HEAP_CORRUPTION
+constexpr std::uint32_t invalid_parameter_code = 0xC0000417;  // STATUS_INVALID_CRUNTIME_PARAMETER
+
+// What the main thread keeps for the handling of its own stack overflow. Wine ignores it and leaves some 6 KiB.
+constexpr ULONG stack_guarantee = 131'072;
+
+// What the search for a handler needs, with the last page, which is never used.
+constexpr std::size_t search_needs = 8192;
+
+// The compiler refers to this function weakly: a static program has it only when something asks for it, and without
+// it a call of a pure virtual function jumps to address 0.
+[[gnu::used]] void (*const pure_call_function)() = &abi::__cxa_pure_virtual;
+
+// This compiler's C++ exceptions travel as system exceptions: thrown, unwound, unwound by force.
+bool is_cpp_exception(const EXCEPTION_RECORD& record) {
+    constexpr DWORD gcc_mask = 0x20ffffff;
+    constexpr DWORD gcc_code = 0x20474343;
+    return (record.ExceptionCode & gcc_mask) == gcc_code && (record.ExceptionFlags & EXCEPTION_NONCONTINUABLE) == 0;
+}
+
+LONG WINAPI on_unhandled_exception(EXCEPTION_POINTERS* pointers) {
+    // Continuing makes the runtime see that nobody catches this one; it calls std::terminate.
+    if (is_cpp_exception(*pointers->ExceptionRecord)) return EXCEPTION_CONTINUE_EXECUTION;
+    die(pointers);
+}
+
+// Whether the exception must be taken here, before any handler of the program sees it. Everything else reaches
+// on_unhandled_exception() when nobody handles it.
+bool ends_here(DWORD code) {
+    constexpr DWORD is_error = 0xC0000000;
+    if (code == heap_corruption_code) return true;
+    if (code == EXCEPTION_STACK_OVERFLOW && stack_left() < search_needs) return true;
+    // A fault of a crash handler. Windows ends a process at once whose unhandled-exception filter faults, so that the
+    // filter is not called for it again.
+    return (code & is_error) == is_error && is_running_handlers();
+}
+
+LONG WINAPI on_exception(EXCEPTION_POINTERS* pointers) {
+    if (ends_here(pointers->ExceptionRecord->ExceptionCode)) die(pointers);
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+// In place, so that the stack still shows who called.
+[[noreturn]] void die_with(std::uint32_t code) noexcept {
+    CONTEXT context{};  // not all of it is captured, and all of it goes into the dump
+    RtlCaptureContext(&context);
+    EXCEPTION_RECORD record{};
+    record.ExceptionCode = code;
+    record.ExceptionFlags = EXCEPTION_NONCONTINUABLE;
+    record.ExceptionAddress = reinterpret_cast<void*>(context.Rip);
+    EXCEPTION_POINTERS pointers{&record, &context};
+    die(&pointers);
+}
+
+void on_abort(int) {
+    // The runtime has removed this handler; another thread, or a crash handler, may call abort as well.
+    std::signal(SIGABRT, &on_abort);
+    die_with(abort_code);
+}
+
+void install_hooks() noexcept {
+    SetErrorMode(GetErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+    ULONG guarantee = stack_guarantee;
+    SetThreadStackGuarantee(&guarantee);
+    SetUnhandledExceptionFilter(&on_unhandled_exception);
+    AddVectoredExceptionHandler(1, &on_exception);
+    std::set_terminate([] { die_with(terminate_code); });
+    std::signal(SIGABRT, &on_abort);
+    _set_purecall_handler([] { die_with(pure_call_code); });
+    _set_invalid_parameter_handler([](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t) {
+        die_with(invalid_parameter_code);
+    });
+}
+
+}  // namespace
+
+void install(const std::wstring& log_folder) noexcept {
+    static std::atomic_flag installed;
+    if (installed.test_and_set()) return;
+    prepare_watchdog();
+    prepare_spare_thread();
+    install_hooks();
+    try {
+        set_dump_folder(platform::join_path(logging::log_folder_path(log_folder), L"Dumps"));
+    } catch (const std::exception& failure) {
+        logging::log_exception(logging::ormacon_tool, failure);
+    }
+}
+
+}  // namespace crash

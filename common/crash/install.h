@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace crash {
+
+// From here on a crash on any thread leaves a dump (see handle_crash()) and ends the process with the code of its
+// exception: a fault or system exception that nobody handles, std::terminate, a pure virtual call, abort, an invalid
+// parameter of the C runtime, and heap corruption. No dialog window appears. The dumps go to the folder "Dumps" in the
+// given folder below the base log directory, beside the log.
+//
+// Call it on the main thread, which lives as long as the process, before anything else runs; later calls do nothing.
+// Never throws: what the system refuses is missing from the crash handling.
+void install(const std::wstring& log_folder) noexcept;
+
+}  // namespace crash

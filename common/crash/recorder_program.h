@@ -1,0 +1,47 @@
+// The small program that records the dump: its file on disk and its run.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "common/platform/owned.h"
+
+namespace crash {
+
+// The recorder's program file, as long as this object lives.
+class recorder_file_t {
+public:
+    // Writes the file "TovakDumpRecorder" into the folder and re-opens it so that the system deletes it when it is
+    // closed, even when this process is killed. Until then nobody can rename, replace or delete it.
+    //
+    // Waits at most longest_wait milliseconds for the file of another program that crashes at the same time. A file
+    // that is not in use then was left behind (the computer lost power) and is replaced.
+    //
+    // Throws exc::win_sys_exc_t "Failed to create dump recorder file: %1", "Failed to write dump recorder code to %1"
+    // or "Failed to re-open dump recorder for deletion: %1".
+    explicit recorder_file_t(const std::wstring& folder, std::uint32_t longest_wait = 5000);
+
+    const std::wstring& path() const { return path_; }
+
+private:
+    std::wstring path_;
+    platform::unique_file deletion_;
+};
+
+// Starts the recorder without a window; it inherits all inheritable handles. Throws exc::win_sys_exc_t "Failed to start
+// dump generator process. File: %1".
+platform::unique_handle start_recorder(const std::wstring& file, const std::wstring& arguments);
+
+// A dump on a slow disk is worth any wait.
+inline constexpr std::uint32_t longest_recording = 1'814'400'000;  // milliseconds: 21 days
+
+// Waits until the process has ended and returns its exit code. After longest_wait milliseconds it ends the process and
+// throws exc::runtime_exc_t "Timed out waiting for dump generator process to finish". Throws exc::win_sys_exc_t "Failed
+// to wait for dump generator process" and "Failed to get exit code of dump generator process".
+std::uint32_t wait_for_recorder(const platform::unique_handle& process, std::uint32_t longest_wait = longest_recording);
+
+// Returns what an exit code of the recorder means; "unexpected exit code" for one that is not the recorder's own.
+std::string_view recorder_exit_text(std::uint32_t code) noexcept;
+
+}  // namespace crash
