@@ -3,7 +3,7 @@
 #include <string>
 
 #include "common/exc/raise.h"
-#include "common/logging/logger.h"
+#include "common/logging/open_log.h"
 #include "common/plugin/common_settings.h"
 #include "common/plugin/working_directory.h"
 #include "common/win32.h"

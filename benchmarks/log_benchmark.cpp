@@ -13,9 +13,9 @@
 
 #include "benchmarks/work_file.h"
 #include "common/logging/component.h"
-#include "common/logging/debug_output_log.h"
+#include "common/logging/output_sinks.h"
 #include "common/logging/log_file.h"
-#include "common/logging/logger_core.h"
+#include "common/logging/logger.h"
 #include "common/logging/open_log.h"
 #include "common/platform/owned.h"
 #include "common/win32.h"
@@ -66,7 +66,7 @@ void log_floor(benchmark::State& state) {
 
 class file_of_nothing_t : public logging::receiver::log_file_t {
 public:
-    file_of_nothing_t() : log_file_t({.log_size = 1ULL << 40, .archive_count = 10}, {}) {}
+    file_of_nothing_t() : log_file_t({.log_size = 1ULL << 40, .archive_count = 10}) {}
     const std::wstring& path() const override { return path_; }
 
 private:

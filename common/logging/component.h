@@ -1,12 +1,28 @@
-// The named parts of the product that log. A component is the handle through which everything is logged.
+// A record, and the component through which it is logged.
 #pragma once
 
 #include <string_view>
 
-#include "common/logging/record.h"
-
 namespace logging {
 
+// Levels 1 and 2 differ only in the filter.
+enum level_t : unsigned {
+    level_detail = 0,
+    level_info = 1,
+    level_notice = 2,
+    level_warning = 3,
+    level_error = 4,
+};
+
+struct record_t {
+    unsigned level = level_info;
+    bool highlighted = false;
+    unsigned depth = 0;         // levels of indentation, two spaces each
+    std::string_view prefix{};  // goes before the level marker
+    std::string_view text{};    // UTF-8; line feeds cut it into several lines
+};
+
+// A named part of the product that logs.
 class component_t {
 public:
     // The name must outlive the component; components are constants of the whole process.
@@ -14,8 +30,9 @@ public:
 
     constexpr std::string_view name() const { return name_; }
 
-    // Any thread may log, at any time: before the log is open and after it was closed records reach the debugger
-    // output alone. Never raises; a record that cannot be written never ends the caller's work.
+    // Any thread may log, at any time: before the log is open and after it was closed, records reach only the debugger
+    // output. Never throws; a record that cannot be written never ends the caller's work. Blocks while another thread
+    // logs.
     void log(const record_t& record) const noexcept;
     void log(unsigned level, std::string_view text) const noexcept { log(record_t{.level = level, .text = text}); }
     void info(std::string_view text) const noexcept { log(level_info, text); }

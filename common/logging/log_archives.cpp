@@ -1,12 +1,18 @@
 #include "common/logging/log_archives.h"
 
+#include <zlib.h>
+
 #include <algorithm>
-#include <optional>
+#include <cerrno>
+#include <cstring>
+#include <cwchar>
 #include <set>
+#include <string_view>
+#include <vector>
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/gzip_file.h"
+#include "common/logging/file_trust.h"
 #include "common/platform/owned.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"
@@ -14,35 +20,131 @@
 namespace logging {
 namespace {
 
+constexpr unsigned portion = 64 * 1024;
+constexpr const char* unopened = "Failed to open GZ archive [%1].";
+constexpr const char* unfinished = "Cannot close GZ archive [%1].";
+
+struct gzip_holder_t {
+    using type = gzFile;
+    static type invalid() noexcept { return nullptr; }
+    static void close(type value) noexcept { gzclose(value); }
+};
+using unique_gzip = platform::unique_t<gzip_holder_t>;
+
+[[noreturn]] void fail(DWORD code, const char* sentence, const std::wstring& path) {
+    exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(path)));
+}
+
+[[noreturn]] void fail_in_zlib(int code, const char* sentence, const std::wstring& path) {
+    exc::runtime_exc_t failure;
+    if (code == Z_ERRNO) failure.add_text(std::strerror(errno));
+    failure.add_text(exc::format_message(sentence, text::wide_to_utf8(path)));
+    failure.add_trace_text(exc::format_message("Error code: %1", std::to_string(code)));
+    throw failure;
+}
+
+platform::unique_file open_file(const std::wstring& path, DWORD access, DWORD sharing, DWORD creation,
+                                const char* sentence) {
+    constexpr DWORD flags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN | FILE_FLAG_OPEN_REPARSE_POINT;
+    platform::unique_file file(
+        CreateFileW(platform::system_path(path).c_str(), access, sharing, nullptr, creation, flags, nullptr));
+    if (!file) fail(GetLastError(), sentence, path);
+    return file;
+}
+
+// zlib opens the file by its name. Keep a handle open meanwhile that does not share deletion: the name then belongs to
+// the same file.
+unique_gzip open_gzip(const std::wstring& path, const char* mode) {
+    unique_gzip archive(gzopen_w(platform::system_path(path).c_str(), mode));
+    if (!archive) fail_in_zlib(Z_ERRNO, unopened, path);
+    gzbuffer(archive.get(), portion);
+    return archive;
+}
+
+class log_reader_t {
+public:
+    log_reader_t(const std::wstring& path, std::uint64_t size)
+        : path_(path),
+          file_(open_file(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, unreadable)),
+          left_(size),
+          data_(portion) {}
+
+    // Returns the next bytes, no more than a portion; empty at the end.
+    std::string_view next() {
+        if (left_ == 0) return {};
+        DWORD count = 0;
+        const auto wanted = static_cast<DWORD>(std::min<std::uint64_t>(left_, portion));
+        if (!ReadFile(file_.get(), data_.data(), wanted, &count, nullptr)) fail(GetLastError(), unreadable, path_);
+        if (count == 0) fail(ERROR_HANDLE_EOF, unreadable, path_);
+        left_ -= count;
+        return {data_.data(), count};
+    }
+
+private:
+    static constexpr const char* unreadable = "Cannot read log file [%1].";
+
+    const std::wstring& path_;
+    platform::unique_file file_;
+    std::uint64_t left_;
+    std::vector<char> data_;
+};
+
+// Compresses the first size bytes of the source into a new file and flushes that to the disk. On failure a part of the
+// target may be left.
+void gzip_file(const std::wstring& source, const std::wstring& target, std::uint64_t size) {
+    const platform::unique_file created =
+        open_file(target, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, CREATE_NEW, unopened);
+    unique_gzip archive = open_gzip(target, "wb");
+    log_reader_t log(source, size);
+    for (std::string_view data = log.next(); !data.empty(); data = log.next()) {
+        const auto count = static_cast<unsigned>(data.size());
+        if (gzwrite(archive.get(), data.data(), count) == static_cast<int>(count)) continue;
+        int code = Z_OK;
+        gzerror(archive.get(), &code);
+        fail_in_zlib(code, "Cannot add data to the GZ archive [%1].", target);
+    }
+    if (const int code = gzclose(archive.release()); code != Z_OK) fail_in_zlib(code, unfinished, target);
+    if (!FlushFileBuffers(created.get())) fail(GetLastError(), unfinished, target);
+}
+
+// Whether the gzip file unpacks to exactly the first size bytes of the source.
+bool unpacks_to(const std::wstring& archive, const std::wstring& source, std::uint64_t size) {
+    const platform::unique_file held = open_file(archive, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, unopened);
+    require_trusted_file(held.get(), archive);
+    unique_gzip packed = open_gzip(archive, "rb");
+    if (gzdirect(packed.get())) return false;  // not packed at all
+    log_reader_t log(source, size);
+    std::vector<char> unpacked(portion);
+    for (std::string_view data = log.next(); !data.empty(); data = log.next()) {
+        const int count = gzread(packed.get(), unpacked.data(), static_cast<unsigned>(data.size()));
+        if (count < 0 || std::string_view(unpacked.data(), static_cast<std::size_t>(count)) != data) return false;
+    }
+    // Reading on verifies the checksum.
+    return gzread(packed.get(), unpacked.data(), 1) == 0 && gzclose(packed.release()) == Z_OK;
+}
+
 constexpr const wchar_t* log_extension = L".log";
 
 std::wstring without_extension(const std::wstring& log_path) {
     return log_path.ends_with(log_extension) ? log_path.substr(0, log_path.size() - 4) : log_path;
 }
 
-// The archive that has been aged so many times.
+// The archive that has been aged this many times.
 std::wstring archive_path(const std::wstring& log_path, std::uint32_t age) {
     const std::wstring number = age == 0 ? std::wstring() : L"." + std::to_wstring(age);
     return without_extension(log_path) + number + archive_extension;
 }
 
-// The age in a name of the form "Name.log.gz" or "Name.12.log.gz", where stem is "Name".
-std::optional<std::uint32_t> age_of(std::wstring_view name, std::wstring_view stem) {
-    const std::wstring_view extension = archive_extension;
-    const auto same = [](std::wstring_view a, std::wstring_view b) {
-        return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE) ==
-               CSTR_EQUAL;
-    };
-    if (name.size() < stem.size() + extension.size() || !same(name.substr(0, stem.size()), stem) ||
-        !same(name.substr(name.size() - extension.size()), extension)) {
-        return std::nullopt;
-    }
-    const std::wstring_view number = name.substr(stem.size(), name.size() - stem.size() - extension.size());
-    if (number.empty()) return 0;
-    const std::wstring_view digits = number.substr(1);
-    const bool plain = number[0] == L'.' && !digits.empty() && digits.size() <= 9 && digits[0] != L'0' &&
-                       digits.find_first_not_of(L"0123456789") == std::wstring_view::npos;
-    return plain ? std::optional(static_cast<std::uint32_t>(std::stoul(std::wstring(digits)))) : std::nullopt;
+bool same_name(const std::wstring& a, const std::wstring& b) {
+    return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE) ==
+           CSTR_EQUAL;
+}
+
+bool delete_file(const std::wstring& path) { return DeleteFileW(platform::system_path(path).c_str()) != FALSE; }
+
+// Fails when the target exists.
+bool move_file(const std::wstring& from, const std::wstring& to) {
+    return MoveFileExW(platform::system_path(from).c_str(), platform::system_path(to).c_str(), 0) != FALSE;
 }
 
 class ageing_t {
@@ -50,44 +152,42 @@ public:
     ageing_t(const std::wstring& log_path, std::uint32_t limit) : log_path_(log_path), limit_(limit) {}
 
     void run() const {
-        std::set<std::uint32_t> ages = existing_ages();
-        for (auto age = ages.lower_bound(limit_); age != ages.end(); ++age) remove(*age);
-        if (limit_ == 0) return;
+        const std::set<std::uint32_t> ages = existing_ages();
         std::uint32_t free = 0;
         while (ages.contains(free)) ++free;
-        for (std::uint32_t age = std::min(free, limit_ - 1); age > 0; --age) move(age - 1, age);
+        // Those before the first free place move up. When there is none, the oldest archive goes.
+        const std::uint32_t last = std::min(free, std::max(limit_, 1U) - 1);
+        for (auto age = ages.lower_bound(free < limit_ ? limit_ : last); age != ages.end(); ++age)
+            if (!delete_file(archive_path(log_path_, *age))) refuse(*age, GetLastError());
+        for (std::uint32_t age = last; age > 0; --age)
+            if (!move_file(archive_path(log_path_, age - 1), archive_path(log_path_, age))) {
+                refuse(age - 1, GetLastError());
+            }
     }
 
 private:
     std::set<std::uint32_t> existing_ages() const {
-        const std::wstring stem = without_extension(log_path_);
-        const std::wstring stem_name = stem.substr(stem.find_last_of(L"\\/") + 1);
+        const std::size_t folder_size = log_path_.find_last_of(L"\\/") + 1;
+        const std::size_t stem_size = without_extension(log_path_).size() - folder_size;
         std::set<std::uint32_t> ages;
         WIN32_FIND_DATAW found{};
-        const platform::unique_find search(FindFirstFileW(platform::system_path(stem + L".*").c_str(), &found));
-        if (!search) fail(0, GetLastError());  // at least the log itself is there
+        const std::wstring pattern = platform::system_path(without_extension(log_path_) + L".*");
+        const platform::unique_find search(FindFirstFileW(pattern.c_str(), &found));
+        if (!search) refuse(0, GetLastError());  // at least the log itself is there
         do {
-            const std::optional<std::uint32_t> age = age_of(found.cFileName, stem_name);
-            if (!age) continue;
+            const std::wstring name = found.cFileName;
+            if (name.size() <= stem_size) continue;
+            const auto age = static_cast<std::uint32_t>(std::wcstoul(name.c_str() + stem_size + 1, nullptr, 10));
+            if (!same_name(name, archive_path(log_path_, age).substr(folder_size))) continue;
             // A directory would let itself be renamed like an archive.
-            if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) fail(*age, ERROR_ALREADY_EXISTS);
-            ages.insert(*age);
+            if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) refuse(age, ERROR_ALREADY_EXISTS);
+            ages.insert(age);
         } while (FindNextFileW(search.get(), &found));
-        if (const DWORD code = GetLastError(); code != ERROR_NO_MORE_FILES) fail(0, code);
+        if (const DWORD code = GetLastError(); code != ERROR_NO_MORE_FILES) refuse(0, code);
         return ages;
     }
 
-    void remove(std::uint32_t age) const {
-        if (!DeleteFileW(platform::system_path(archive_path(log_path_, age)).c_str())) fail(age, GetLastError());
-    }
-
-    void move(std::uint32_t age, std::uint32_t older) const {
-        const std::wstring from = platform::system_path(archive_path(log_path_, age));
-        const std::wstring to = platform::system_path(archive_path(log_path_, older));
-        if (!MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) fail(age, GetLastError());
-    }
-
-    [[noreturn]] void fail(std::uint32_t age, DWORD code) const {
+    [[noreturn]] void refuse(std::uint32_t age, DWORD code) const {
         exc::raise_win_error(code,
                              exc::format_message("Cannot age file. File path: [%1]. Extension: [%2]. Ages limit: [%3].",
                                                  {text::wide_to_utf8(archive_path(log_path_, age)),
@@ -98,50 +198,33 @@ private:
     std::uint32_t limit_;
 };
 
-// Removed when it was not renamed, so that no half of an archive stays.
-class temporary_archive_t {
-public:
-    explicit temporary_archive_t(const std::wstring& archive) : archive_(archive), path_(archive + L".tmp") {
-        DeleteFileW(platform::system_path(path_).c_str());
-    }
-    ~temporary_archive_t() { DeleteFileW(platform::system_path(path_).c_str()); }
-    temporary_archive_t(const temporary_archive_t&) = delete;
-    temporary_archive_t& operator=(const temporary_archive_t&) = delete;
-
-    const std::wstring& path() const { return path_; }
-
-    void publish() const {
-        const std::wstring from = platform::system_path(path_);
-        if (MoveFileExW(from.c_str(), platform::system_path(archive_).c_str(), MOVEFILE_REPLACE_EXISTING)) return;
-        const DWORD code = GetLastError();
-        exc::raise_win_error(code, exc::format_message("Cannot rename archive [%1].", text::wide_to_utf8(path_)));
-    }
-
-private:
-    std::wstring archive_;
-    std::wstring path_;
-};
-
 }  // namespace
 
 void age_archives(const std::wstring& log_path, std::uint32_t limit) { ageing_t(log_path, limit).run(); }
 
 void archive_log(const std::wstring& log_path, std::uint64_t size, std::uint32_t limit) {
     if (limit == 0) return age_archives(log_path, limit);
-    const temporary_archive_t archive(archive_path(log_path, 0));
-    gzip_file(log_path, archive.path(), size);
-    age_archives(log_path, limit);
-    archive.publish();
+    const std::wstring archive = archive_path(log_path, 0);
+    const std::wstring temporary = archive + L".tmp";
+    delete_file(temporary);
+    try {
+        gzip_file(log_path, temporary, size);
+        age_archives(log_path, limit);
+        if (!move_file(temporary, archive)) fail(GetLastError(), "Cannot rename archive [%1].", temporary);
+    } catch (...) {
+        delete_file(temporary);
+        throw;
+    }
 }
 
 bool is_archived(const std::wstring& log_path, std::uint64_t size) noexcept try {
-    return size > 0 && holds_content_of(archive_path(log_path, 0), log_path, size);
+    return size > 0 && unpacks_to(archive_path(log_path, 0), log_path, size);
 } catch (const std::exception&) {
     return false;
 }
 
 void withdraw_archive(const std::wstring& log_path) noexcept try {
-    DeleteFileW(platform::system_path(archive_path(log_path, 0)).c_str());
+    delete_file(archive_path(log_path, 0));
 } catch (const std::exception&) {
     // The log file still holds the same lines: they are kept twice.
 }

@@ -4,55 +4,61 @@
 #include <utility>
 
 #include "common/exc/format_message.h"
+#include "common/exc/raise.h"
+#include "common/logging/file_trust.h"
 #include "common/logging/log_archives.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
 
 namespace logging::receiver {
+namespace {
 
-log_file_t::log_file_t(const size_limits_t& limits, report_t report)
-    : limits_(limits), report_(std::move(report)), archive_at_(limits.log_size) {}
+constexpr const char* unwritable = "Cannot write to log file. Log path: [%1].";
+
+}  // namespace
+
+log_file_t::log_file_t(const size_limits_t& limits) : limits_(limits), archive_at_(limits.log_size) {}
+
+void log_file_t::write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) {
+    constexpr std::size_t usual_capacity = 65'536;
+    const std::uint64_t lost = lost_++;  // this one too, until it has been written
+    archive_when_due();
+    lines_.clear();
+    const auto warn = [&](std::string_view text) {
+        sink_t::write(time_stamp, thread_id, {.level = level_warning, .text = text});
+    };
+    if (!warnings_.empty()) warn(warnings_);
+    if (lost > 0) warn(exc::format_message("Records that could not be written to the log: %1.", std::to_string(lost)));
+    sink_t::write(time_stamp, thread_id, record);
+    append(lines_);
+    lost_ = 0;
+    size_ += lines_.size();
+    warnings_.clear();
+    if (lines_.capacity() > usual_capacity) std::string().swap(lines_);
+}
 
 void log_file_t::write_line(const line_t& line) {
-    if (line.index == 0) {
-        lines_size_ = 0;
-        if (lost_ > 0) put_gap(line);
+    append_file_line(lines_, line);
+    lines_.append("\r\n", 2);
+}
+
+void log_file_t::add_warning(std::string_view text) {
+    if (!warnings_.empty()) warnings_ += '\n';
+    warnings_.append(text);
+}
+
+void log_file_t::archive_when_due() {
+    if (limits_.log_size == 0 || size_ < archive_at_) return;
+    try {
+        archive();
+        archive_at_ = limits_.log_size;
+        failure_reported_ = false;
+    } catch (const std::exception& cause) {
+        archive_at_ = size_ + std::max<std::uint64_t>(limits_.log_size / 10, 1);
+        if (std::exchange(failure_reported_, true)) return;
+        add_warning(exc::format_message("Cannot compress log file. Log: [%1].", text::wide_to_utf8(path())));
+        add_warning(cause.what());
     }
-    put(line);
-}
-
-void log_file_t::put_gap(const line_t& next) {
-    const std::string text =
-        exc::format_message("Records that could not be written to the log: %1.", std::to_string(lost_));
-    put({next.time_stamp, next.thread_id, {.level = level_warning}, text, 0});
-}
-
-void log_file_t::put(const line_t& line) {
-    const std::size_t needed = lines_size_ + longest_file_line(line) + 2;
-    if (needed > buffer_.size()) buffer_.resize(2 * needed);
-    char* end = put_file_line(buffer_.data() + lines_size_, line);
-    *end++ = '\r';
-    *end++ = '\n';
-    lines_size_ = static_cast<std::size_t>(end - buffer_.data());
-}
-
-void log_file_t::end_record() {
-    constexpr std::size_t common_size = 65'536;
-    if (limits_.log_size != 0 && size_ >= archive_at_) try_archive();
-    ++lost_;
-    append({buffer_.data(), lines_size_});
-    lost_ = 0;
-    size_ += lines_size_;
-    if (buffer_.size() > common_size) std::vector<char>().swap(buffer_);
-}
-
-void log_file_t::try_archive() try {
-    archive();
-    archive_at_ = limits_.log_size;
-    failure_reported_ = false;
-} catch (const std::exception& cause) {
-    archive_at_ = size_ + std::max<std::uint64_t>(limits_.log_size / 10, 1);
-    if (std::exchange(failure_reported_, true)) return;
-    report_(exc::format_message("Cannot compress log file. Log: [%1].", text::wide_to_utf8(path())), cause);
 }
 
 void log_file_t::archive() {
@@ -64,6 +70,76 @@ void log_file_t::archive() {
         throw;
     }
     size_ = 0;
+}
+
+win_log_file_t::win_log_file_t(const std::wstring& path, const size_limits_t& limits)
+    : log_file_t(limits),
+      path_(path),
+      file_(CreateFileW(platform::system_path(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                        OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr)) {
+    const DWORD code = GetLastError();
+    if (!file_) {
+        if (code != ERROR_SHARING_VIOLATION && code != ERROR_LOCK_VIOLATION) {
+            fail(code, "Cannot open log file. Log path: [%1].");
+        }
+        exc::file_locked_exc_t failure;
+        const std::string sentence = "Log file is locked. Log path: [%1].";
+        exc::add_win_error(failure, code, exc::format_message(sentence, text::wide_to_utf8(path_)));
+        throw failure;
+    }
+    if (code != ERROR_ALREADY_EXISTS) return;
+    require_trusted_file(file_.get(), path_);
+    LARGE_INTEGER size{};
+    if (!GetFileSizeEx(file_.get(), &size)) fail(GetLastError(), "Unable to validate log size limit. Log path: [%1].");
+    set_size(static_cast<std::uint64_t>(size.QuadPart));
+    if (is_archived(path_, this->size()) && cut(0)) set_size(0);
+    end_last_line();
+}
+
+void win_log_file_t::fail(DWORD code, const char* sentence) const {
+    exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(path_)));
+}
+
+// The file's pointer stays after the last record while all goes well. (A write at a given offset costs several times as
+// much in some environments.) What a full disk took of a record is cut off again, or written over if it cannot be cut
+// off.
+void win_log_file_t::append(std::string_view text) {
+    if (!at_end_) move_to_end();
+    DWORD written = 0;
+    const bool done = WriteFile(file_.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != FALSE;
+    if (done && written == text.size()) return;
+    const DWORD code = done ? ERROR_DISK_FULL : GetLastError();
+    at_end_ = false;
+    cut(size());
+    fail(code, unwritable);
+}
+
+void win_log_file_t::clear() {
+    if (!cut(0)) fail(GetLastError(), "Cannot cut log file. Log path: [%1].");
+    at_end_ = false;
+}
+
+void win_log_file_t::move_to_end() {
+    LARGE_INTEGER end{};
+    end.QuadPart = static_cast<LONGLONG>(size());
+    if (!SetFilePointerEx(file_.get(), end, nullptr, FILE_BEGIN)) fail(GetLastError(), unwritable);
+    at_end_ = true;
+}
+
+bool win_log_file_t::cut(std::uint64_t size) noexcept {
+    FILE_END_OF_FILE_INFO end{};
+    end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
+    return SetFileInformationByHandle(file_.get(), FileEndOfFileInfo, &end, sizeof end) != FALSE;
+}
+
+void win_log_file_t::end_last_line() noexcept {
+    LARGE_INTEGER place{};
+    place.QuadPart = static_cast<LONGLONG>(size()) - 1;
+    char last = '\n';
+    DWORD count = 0;
+    const bool read = SetFilePointerEx(file_.get(), place, nullptr, FILE_BEGIN) &&
+                      ReadFile(file_.get(), &last, sizeof last, &count, nullptr);
+    if (read && last != '\n' && WriteFile(file_.get(), "\r\n", 2, &count, nullptr)) set_size(size() + count);
 }
 
 }  // namespace logging::receiver

@@ -1,59 +1,82 @@
 #pragma once
 
 #include <cstdint>
-#include <exception>
-#include <functional>
 #include <string>
-#include <vector>
 
 #include "common/logging/log_settings.h"
 #include "common/logging/sink.h"
+#include "common/platform/owned.h"
 
 namespace logging::receiver {
 
-// Appends lines to a file, and moves its content into an archive when the file has reached its size limit. A record
-// goes out with all its lines in one operation, complete or not at all. Where records are missing, the next one that
-// can be written follows a warning "Records that could not be written to the log: %1.".
+// Appends lines to a file, and moves its content into an archive when the file has reached its size limit. A record is
+// written with all its lines in one operation, completely or not at all. The log itself reports what went wrong with
+// it, as warnings before the next record that can be written: "Cannot compress log file. Log: [%1]." and the cause,
+// once until archiving works again, and "Records that could not be written to the log: %1.".
 class log_file_t : public sink_t {
 public:
-    // Takes the sentence for a failure to archive and its cause; called under the lock of the logger. A failure is
-    // reported once, until archiving works again.
-    using report_t = std::function<void(std::string_view sentence, const std::exception& cause)>;
+    explicit log_file_t(const size_limits_t& limits);
 
-    log_file_t(const size_limits_t& limits, report_t report);
+    void write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) override;
+
+    // Adds a warning that is written before the next record.
+    void add_warning(std::string_view text);
 
     virtual const std::wstring& path() const = 0;
 
-    // Bytes in the file, counted: the file belongs to this object alone.
+    // Bytes in the file, counted: only this object writes to it.
     std::uint64_t size() const { return size_; }
 
 protected:
     void write_line(const line_t& line) override;
-    void end_record() override;
 
-    // For the size that the file has when it is opened.
+    // Sets the size that the file has when it is opened.
     void set_size(std::uint64_t size) { size_ = size; }
 
-    // Adds the text behind the file's end, all of it or nothing; raises on failure.
+    // Adds the text at the file's end, all of it or nothing; throws on failure.
     virtual void append(std::string_view text) = 0;
 
-    // Cuts the file to nothing, or leaves it as it was and raises.
+    // Cuts the file to nothing, or leaves it as it was and throws.
     virtual void clear() = 0;
 
 private:
-    void put(const line_t& line);
-    void put_gap(const line_t& next);
-    void try_archive();
+    void archive_when_due();
     void archive();
 
     size_limits_t limits_;
-    report_t report_;
-    std::vector<char> buffer_;  // the first lines_size_ characters are the lines of the present record
-    std::size_t lines_size_ = 0;
+    std::string lines_;     // of the current record
+    std::string warnings_;  // joined with "\n"
     std::uint64_t size_ = 0;
     std::uint64_t archive_at_;  // the size at which archiving is due
     bool failure_reported_ = false;
     std::uint64_t lost_ = 0;  // records since the last one that was written
+};
+
+// Holds its file open with read sharing only: it has one writer.
+class win_log_file_t : public log_file_t {
+public:
+    // Opens or creates the file in an existing folder, without following a link. Cuts a log that an earlier process
+    // archived and was killed before it cut it, and ends a line that an earlier process was killed in. Throws
+    // exc::file_locked_exc_t "Log file is locked. Log path: [%1]." when the file is open elsewhere, exc::runtime_exc_t
+    // for a file that is not trusted (see require_trusted_file()), exc::win_sys_exc_t
+    // "Cannot open log file. Log path: [%1]." or "Unable to validate log size limit. Log path: [%1].".
+    win_log_file_t(const std::wstring& path, const size_limits_t& limits);
+
+    const std::wstring& path() const override { return path_; }
+
+protected:
+    void append(std::string_view text) override;
+    void clear() override;
+
+private:
+    void move_to_end();
+    bool cut(std::uint64_t size) noexcept;
+    void end_last_line() noexcept;
+    [[noreturn]] void fail(DWORD code, const char* sentence) const;
+
+    std::wstring path_;
+    platform::unique_file file_;
+    bool at_end_ = false;  // the file's pointer is at its end
 };
 
 }  // namespace logging::receiver

@@ -3,7 +3,6 @@
 #include <boost/make_shared.hpp>
 
 #include "common/exc/raise.h"
-#include "common/logging/win_log_file.h"
 
 namespace logging {
 
@@ -18,17 +17,24 @@ log_file_set_t log_file_set_t::numbered(const std::wstring& first_path) {
     return log_file_set_t(std::move(paths));
 }
 
-boost::shared_ptr<receiver::log_file_t> log_file_set_t::open(const size_limits_t& limits,
-                                                             const receiver::log_file_t::report_t& report) const {
+boost::shared_ptr<receiver::log_file_t> log_file_set_t::open(const size_limits_t& limits) const {
     if (paths_.empty()) exc::raise("Log paths list is empty.");
+    std::vector<std::string> skipped;
     for (const std::wstring& path : paths_) {
         try {
-            return boost::make_shared<receiver::win_log_file_t>(path, limits, report);
+            const auto file = boost::make_shared<receiver::win_log_file_t>(path, limits);
+            for (const std::string& reason : skipped) file->add_warning(reason);
+            return file;
         } catch (const exc::file_locked_exc_t&) {
             // Another process writes there.
+        } catch (const exc::runtime_exc_t& untrusted) {
+            skipped.emplace_back(untrusted.what());
         }
     }
-    exc::raise<exc::file_locked_exc_t>("All log files are locked.");
+    exc::file_locked_exc_t failure;
+    for (const std::string& reason : skipped) failure.add_text(reason);
+    failure.add_text("All log files are locked.");
+    throw failure;
 }
 
 }  // namespace logging

@@ -3,17 +3,30 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <string_view>
 
 #include "common/exc/raise.h"
+#include "common/platform/owned.h"
+#include "common/platform/path.h"
 #include "common/platform/registry.h"
-#include "common/win32.h"
 
+#include <shellapi.h>
 #include <shlobj.h>
 
 namespace logging {
 namespace {
 
 constexpr const wchar_t* product_key = L"SOFTWARE\\Tovak\\Tovak Central";
+
+struct argument_list_holder_t {
+    using type = wchar_t**;
+    static type invalid() noexcept { return nullptr; }
+    // The arguments may contain a password.
+    static void close(type value) noexcept {
+        SecureZeroMemory(value, LocalSize(value));
+        LocalFree(value);
+    }
+};
 
 std::wstring common_application_data() {
     std::array<wchar_t, MAX_PATH> path{};
@@ -46,9 +59,7 @@ std::wstring base_log_directory() {
 }
 
 std::wstring log_folder_path(const std::wstring& folder) {
-    std::wstring directory = base_log_directory();
-    if (!directory.ends_with(L'\\') && !directory.ends_with(L'/')) directory += L'\\';
-    return directory + folder;
+    return platform::full_path(platform::join_path(base_log_directory(), folder));
 }
 
 size_limits_t read_size_limits() {
@@ -62,6 +73,19 @@ size_limits_t read_size_limits() {
 const size_limits_t& process_size_limits() {
     static const size_limits_t limits = read_size_limits();
     return limits;
+}
+
+command_switches_t find_switches(const wchar_t* command_line) {
+    int count = 0;
+    const platform::unique_t<argument_list_holder_t> arguments(CommandLineToArgvW(command_line, &count));
+    if (!arguments) exc::raise_win_error(GetLastError(), "Cannot split the command line.");
+    command_switches_t found;
+    for (int i = 1; i < count; ++i) {
+        const std::wstring_view argument = arguments.get()[i];
+        found.echo |= argument == L"-log";
+        found.verbose |= argument == L"-verbose";
+    }
+    return found;
 }
 
 }  // namespace logging

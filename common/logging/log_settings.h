@@ -1,4 +1,4 @@
-// What the administrator can set for logging, in the product's registry key.
+// What the administrator can set for logging, in the product's registry key and on the command line.
 #pragma once
 
 #include <cstdint>
@@ -11,18 +11,26 @@ struct size_limits_t {
     std::uint32_t archive_count = 10;
 };
 
-// "LogDirectory", or without it the folder "Tovak\Backup" of the common application data. Raises
+// Returns "LogDirectory" or, if it is missing, the folder "Tovak\Backup" of the common application data. Throws
 // exc::win_sys_exc_t "Cannot get the common application-data folder.".
 std::wstring base_log_directory();
 
-// The folder below it, which holds logs and dumps. Raises as base_log_directory() does.
+// Returns the full path of the folder below it, which contains logs and dumps. Throws like base_log_directory().
 std::wstring log_folder_path(const std::wstring& folder);
 
-// "AgentMaxLogSize" (32 or 64 bits) and "AgentMaxLogCount" (32 bits, at most 1000 count); both defaults when one of
-// them is missing or has another type.
+// Returns "AgentMaxLogSize" (32 or 64 bits) and "AgentMaxLogCount" (32 bits, at most 1000 is used), or both defaults
+// when one of them is missing or has another type.
 size_limits_t read_size_limits();
 
 // The same, read once in the life of the process.
 const size_limits_t& process_size_limits();
+
+struct command_switches_t {
+    bool echo = false;     // "-log": every record goes to standard output too
+    bool verbose = false;  // "-verbose": records of level 0 are logged, and what is written to std::cout
+};
+
+// Looks for the switches among the arguments of a whole command line, which begins with the program's name.
+command_switches_t find_switches(const wchar_t* command_line);
 
 }  // namespace logging

@@ -1,19 +1,88 @@
-// Opening and closing of the process-wide log.
+// The logger: takes records from any thread and passes them to its sinks, one record at a time.
 #pragma once
 
-#include <string>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <iosfwd>
+#include <mutex>
+#include <vector>
 
-#include "common/logging/component.h"
+#include <boost/shared_ptr.hpp>
+
+#include "common/logging/cout_multiplexor.h"
+#include "common/logging/sink.h"
+#include "common/logging/time_stamp.h"
+#include "common/win32.h"
 
 namespace logging {
 
-// Opens the log file in the folder below the base log directory, attaches it, and writes the header block. Recognises
-// "-log" (echo every record to standard output) and "-verbose" (log level 0 too) on the process's command line.
-// Throws what failed, its type kept, with the sentences "Failed to initialize log [%1]." and "Cannot init logging".
-void initialise(const component_t& component, const std::wstring& folder, const std::wstring& file_name);
+#ifdef LOG_RECURSIVE_MUTEX
+using lock_t = std::recursive_mutex;
+#else
+// The system's own re-entrant lock.
+class lock_t {
+public:
+    lock_t() noexcept { InitializeCriticalSection(&section_); }
+    ~lock_t() { DeleteCriticalSection(&section_); }
+    lock_t(const lock_t&) = delete;
+    lock_t& operator=(const lock_t&) = delete;
 
-// The full path of the log file in use. Raises runtime_exc_t
-// "Value of the log path is unavailable: log is not initialized yet.".
-std::wstring log_path();
+    void lock() noexcept { EnterCriticalSection(&section_); }
+    bool try_lock() noexcept { return TryEnterCriticalSection(&section_) != FALSE; }
+    void unlock() noexcept { LeaveCriticalSection(&section_); }
+
+private:
+    CRITICAL_SECTION section_;
+};
+#endif
+
+class logger_t {
+public:
+    logger_t() = default;
+    ~logger_t();
+    logger_t(const logger_t&) = delete;
+    logger_t& operator=(const logger_t&) = delete;
+
+    // Passes the record to every sink before it returns, unless its level is below the filter. A record that a sink
+    // logs while it is called skips that sink. Blocks while another thread logs.
+    void log(const record_t& record) noexcept;
+
+    // Records below this level are dropped.
+    void set_lowest_level(unsigned level) noexcept { lowest_level_ = level; }
+
+    // A sink that was detached gets no more records. Sinks must not call either of them.
+    void attach(boost::shared_ptr<receiver::sink_t> sink);
+    void detach(const boost::shared_ptr<receiver::sink_t>& sink) noexcept;
+
+    // Copies what is written to the stream into this log, at level 0, until clear_multiplexors() is called. The stream
+    // must outlive that, and no other thread may use it during either call.
+    void multiplex(std::ostream& stream);
+
+    // Ends the copying. If there was any, logs "Clearing collection of cout multiplexors.".
+    void clear_multiplexors() noexcept;
+
+    // See begin_crash_logging().
+    void seize(std::uint32_t crashed_thread, std::chrono::milliseconds wait) noexcept;
+
+private:
+    struct attached_t {
+        boost::shared_ptr<receiver::sink_t> sink;
+        bool busy = false;  // is being called
+    };
+
+    lock_t lock_;
+    std::atomic<unsigned> lowest_level_{level_info};
+
+    // Under the lock.
+    std::uint32_t crashed_thread_ = 0;
+    time_stamp_clock_t clock_;
+    std::vector<attached_t> sinks_;
+    std::vector<boost::shared_ptr<cout_multiplexor_t>> multiplexors_;
+};
+
+// The one logger of the process, behind every component. It has the debugger output from the start, and is never
+// destroyed: static objects log while the process ends.
+logger_t& process_logger() noexcept;
 
 }  // namespace logging

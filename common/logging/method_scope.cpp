@@ -14,9 +14,6 @@ void log_outcome(const component_t& component, unsigned level, const std::string
 
 }  // namespace
 
-method_scope_t::method_scope_t(const component_t& component, std::string text)
-    : method_scope_t(component, std::move(text), std::string()) {}
-
 method_scope_t::method_scope_t(const component_t& component, std::string text, std::string failure_line)
     : component_(component), text_(std::move(text)), failure_line_(std::move(failure_line)) {
     component_.info(text_);

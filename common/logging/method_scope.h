@@ -1,4 +1,3 @@
-// A step that the log shows from its start to its end.
 #pragma once
 
 #include <string>
@@ -7,13 +6,12 @@
 
 namespace logging {
 
-// Logs its text when it is created; the text and " ok." when succeed() is called; and when it is destroyed without
-// that, the text and " Failed.", or the failure line where one was given. Starts and successes are logged at level 1,
-// failures at level 4.
+// A step that the log shows from its start to its end. Logs its text when it is created, the text and " ok." when
+// succeed() is called, and if it is destroyed without that, the failure line or, if there is none, the text and
+// " Failed.". Starts and successes are logged at level 1, failures at level 4.
 class method_scope_t {
 public:
-    method_scope_t(const component_t& component, std::string text);
-    method_scope_t(const component_t& component, std::string text, std::string failure_line);
+    method_scope_t(const component_t& component, std::string text, std::string failure_line = {});
     ~method_scope_t();
     method_scope_t(const method_scope_t&) = delete;
     method_scope_t& operator=(const method_scope_t&) = delete;

@@ -1,13 +1,21 @@
-// Opening of the process-wide log with everything that initialise() takes from the system given by the caller.
+// Opening and closing of the process-wide log.
 #pragma once
 
 #include <string>
 
-#include "common/logging/command_switches.h"
 #include "common/logging/component.h"
 #include "common/logging/log_settings.h"
 
 namespace logging {
+
+// Opens the log file in the folder below the base log directory, attaches it, and writes the header block. Recognises
+// "-log" (echo every record to standard output) and "-verbose" (log level 0 too) on the process's command line.
+// Throws what failed, its type kept, with the sentences "Failed to initialize log [%1]." and "Cannot init logging".
+void initialise(const component_t& component, const std::wstring& folder, const std::wstring& file_name);
+
+// Returns the full path of the log file in use. Throws exc::runtime_exc_t
+// "Value of the log path is unavailable: log is not initialized yet.".
+std::wstring log_path();
 
 struct log_options_t {
     std::wstring path;  // of the first file of the set, ending in ".log"
@@ -15,13 +23,13 @@ struct log_options_t {
     command_switches_t switches;
 };
 
-// Closes the present log, creates the directory, opens the first free file of the set, attaches file and echo, and
-// writes the header block. What cannot be archived later is reported through the component. Raises as initialise()
-// does, without "Cannot init logging".
+// Does the same with everything that initialise() asks the system for given by the caller. Closes the log that is open,
+// creates the directory, and opens the first free file of the set. Throws like initialise(), without
+// "Cannot init logging".
 void open_log(const component_t& component, const log_options_t& options);
 
-// Ends copying and echo and closes the file; the level filter is the default one again. Happens by itself when the
-// process ends, after all other objects with static storage are gone.
+// Ends copying and echo and closes the file; the level filter is the default one again. Called automatically when the
+// process ends, after all other static objects are destroyed.
 void close_log() noexcept;
 
 }  // namespace logging

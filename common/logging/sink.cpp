@@ -12,10 +12,9 @@ void sink_t::write(std::string_view time_stamp, std::uint32_t thread_id, const r
         // A carriage return before the line feed is half of the same line end.
         if (end < rest.size() && piece.ends_with('\r')) piece.remove_suffix(1);
         write_line({time_stamp, thread_id, record, piece, index});
-        if (end == rest.size()) break;
+        if (end == rest.size()) return;
         rest.remove_prefix(end + 1);
     }
-    end_record();
 }
 
 }  // namespace logging::receiver

@@ -10,45 +10,41 @@
 namespace logging {
 namespace {
 
-constexpr std::uint64_t units_per_second = 10'000'000;
-constexpr std::uint64_t seconds_1601_to_1970 = 11'644'473'600;
-
-// In units of 100 ns since 1601.
-std::uint64_t system_time() {
-    FILETIME time{};
-    GetSystemTimeAsFileTime(&time);
-    return (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
-}
+constexpr std::uint64_t units_per_second = 10'000'000;  // of a FILETIME
 
 }  // namespace
 
-std::string render_time_stamp(std::time_t time) noexcept try {
-    std::tm local{};
-    if (localtime_s(&local, &time) != 0) return "TIME ---";
+std::string render_time_stamp(std::uint64_t seconds) noexcept try {
+    const std::uint64_t units = seconds * units_per_second;
+    const FILETIME time{static_cast<DWORD>(units), static_cast<DWORD>(units >> 32)};
+    SYSTEMTIME utc{}, local{};
+    if (!FileTimeToSystemTime(&time, &utc) || !SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local)) {
+        return "TIME ---";
+    }
     std::ostringstream text;
     // The locale owns the facet.
     text.imbue(std::locale(std::locale::classic(), new boost::posix_time::time_facet("[%d.%m.%Y %H:%M:%S] ")));
-    text << boost::posix_time::ptime_from_tm(local);
+    text << boost::posix_time::ptime(boost::gregorian::date(local.wYear, local.wMonth, local.wDay),
+                                     boost::posix_time::time_duration(local.wHour, local.wMinute, local.wSecond));
     return text.str();
 } catch (const std::exception&) {
     return "TIME ---";
 }
 
-// The tick count is a plain read of memory; the time can cost a call of the system, which a record has no time for.
+// The tick count is a plain read of memory; the time can cost a system call, which is too much for each record.
 std::string_view time_stamp_clock_t::now() noexcept {
-    if (const std::uint64_t tick = GetTickCount64(); tick != tick_ || text_.empty()) {
+    const std::uint64_t tick = GetTickCount64();
+    if (tick != tick_) {
         tick_ = tick;
-        look_at_time();
+        FILETIME time{};
+        GetSystemTimeAsFileTime(&time);
+        const std::uint64_t units = (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+        if (units / units_per_second != second_) {
+            second_ = units / units_per_second;
+            size_ = render_time_stamp(second_).copy(text_.data(), text_.size());
+        }
     }
-    return text_;
-}
-
-void time_stamp_clock_t::look_at_time() noexcept {
-    const std::uint64_t time = system_time();
-    // A clock that was set back gives a difference beyond every second.
-    if (time - second_begin_ < units_per_second && !text_.empty()) return;
-    second_begin_ = time - time % units_per_second;
-    text_ = render_time_stamp(static_cast<std::time_t>(time / units_per_second - seconds_1601_to_1970));
+    return {text_.data(), size_};
 }
 
 }  // namespace logging

@@ -10,14 +10,6 @@ namespace {
 
 constexpr const wchar_t* separators = L"\\/";
 
-std::wstring full_path(const std::wstring& path) {
-    std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
-    const DWORD size = GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
-    if (size == 0 || size >= full.size()) return path;
-    full.resize(size);
-    return full;
-}
-
 bool is_directory(const std::wstring& path) {
     const DWORD attributes = GetFileAttributesW(system_path(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -37,6 +29,14 @@ std::wstring file_name_of(const std::wstring& path) { return path.substr(path.fi
 std::wstring join_path(const std::wstring& folder, const std::wstring& name) {
     const bool separated = folder.ends_with(L'\\') || folder.ends_with(L'/');
     return folder + (separated ? L"" : L"\\") + name;
+}
+
+std::wstring full_path(const std::wstring& path) {
+    std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
+    const DWORD size = GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    if (size == 0 || size >= full.size()) return path;
+    full.resize(size);
+    return full;
 }
 
 std::wstring system_path(const std::wstring& path) {

@@ -15,6 +15,10 @@ std::wstring file_name_of(const std::wstring& path);
 // Returns the path of a file in a folder, with one separator between them.
 std::wstring join_path(const std::wstring& folder, const std::wstring& name);
 
+// Returns the full path, completed from the current folder and without "." and "..", or the path unchanged if the
+// system cannot do that.
+std::wstring full_path(const std::wstring& path);
+
 // Returns the full path with the prefix that lifts the limit of 260 characters. Use it only for system calls, not for
 // what people read. Returns a device path, and a path that cannot be completed, unchanged.
 std::wstring system_path(const std::wstring& path);

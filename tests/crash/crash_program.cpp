@@ -12,8 +12,8 @@
 #include "common/crash/install.h"
 #include "common/crash/watchdog.h"
 #include "common/logging/log_settings.h"
+#include "common/logging/open_log.h"
 #include "common/logging/logger.h"
-#include "common/logging/process_logger.h"
 #include "common/text/convert.h"
 #include "tests/support/test_registry.h"
 

@@ -1,18 +1,21 @@
-#include "common/logging/win_log_file.h"
+#include "common/logging/log_file.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <functional>
 #include <thread>
+#include <utility>
 
 #include <boost/make_shared.hpp>
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
+#include "common/logging/component.h"
+#include "common/logging/file_trust.h"
 #include "common/logging/log_archives.h"
 #include "common/logging/log_file_set.h"
-#include "common/logging/component.h"
-#include "common/logging/logger_core.h"
+#include "common/logging/logger.h"
 #include "common/logging/method_scope.h"
-#include "common/logging/process_logger.h"
 #include "common/platform/path.h"
 #include "tests/logging/log_test_kit.h"
 
@@ -22,15 +25,10 @@ using receiver::win_log_file_t;
 
 namespace {
 
-// A log with its logger; keeps what the file reports.
+// A log with its logger.
 template <class File = win_log_file_t>
 struct log_t {
-    log_t(const fs::path& path, const size_limits_t& limits)
-        : file(boost::make_shared<File>(path.wstring(), limits,
-                                        [this](std::string_view sentence, const std::exception& cause) {
-                                            reports.push_back(std::string(sentence) + "\n" + cause.what());
-                                            logger.log({.level = 3, .text = sentence});
-                                        })) {
+    log_t(const fs::path& path, const size_limits_t& limits) : file(boost::make_shared<File>(path.wstring(), limits)) {
         logger.attach(file);
     }
 
@@ -44,7 +42,6 @@ struct log_t {
     }
 
     logger_t logger;
-    std::vector<std::string> reports;
     boost::shared_ptr<File> file;
 };
 
@@ -79,7 +76,6 @@ TEST(log_file, full_log_becomes_the_newest_archive_of_a_limited_number) {
         log.write(11, 45);
         EXPECT_EQ(contents(folder), c.expected);
         EXPECT_EQ(log.file->size(), fs::file_size(folder / L"A.log"));
-        EXPECT_TRUE(log.reports.empty());
     }
 }
 
@@ -96,28 +92,41 @@ TEST(log_file, ageing_fills_a_gap_and_leaves_foreign_files) {
 }
 
 TEST(log_file, failure_to_archive_costs_nothing_and_is_retried_later) {
-    const std::pair<const wchar_t*, const char*> cases[] = {
-        {L"A.log.gz", "Cannot age file. File path: [%1]. Extension: [.log.gz]. Ages limit: [3]."},
-        {L"A.log.gz.tmp", "Failed to open GZ archive [%1]."},
+    const auto ageing = [](const char* limit) {
+        return std::string("Cannot age file. File path: [%1]. Extension: [.log.gz]. Ages limit: [") + limit + "].";
     };
-    for (const auto& [obstacle, cause] : cases) {
+    const struct {
+        std::uint32_t limit;
+        const wchar_t* held_open;
+        std::string cause;
+        const char* code = "20";  // sharing violation
+    } cases[] = {
+        {3, L"A.log.gz", ageing("3")},  // cannot be moved
+        {1, L"A.log.gz", ageing("1")},  // cannot be deleted
+        {2, L"A.1.log.gz", ageing("2")},
+        {2, L"A.log.gz.tmp", "Failed to open GZ archive [%1].", "50"},  // exists
+    };
+    for (const auto& c : cases) {
         const folder_t folder;
-        fs::create_directory(folder / obstacle);
-        log_t log(folder / L"A.log", {13200, 3});
-        log.write(1, 105);  // fails at the 101st, is not tried again before the 110th
-        const std::string sentence = "Cannot compress log file. Log: [" + (folder / L"A.log").string() + "].";
-        ASSERT_EQ(log.reports.size(), 1U);
-        EXPECT_THAT(log.reports[0], testing::StartsWith(sentence + "\n"));
-        EXPECT_THAT(log.reports[0],
-                    testing::HasSubstr("\n" + exc::format_message(cause, (folder / obstacle).string()) + "\n--tr:"));
+        WriteFileText(folder / L"A.log.gz", "");
+        WriteFileText(folder / c.held_open, "");
+        platform::unique_file obstacle(
+            CreateFileW((folder / c.held_open).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        log_t log(folder / L"A.log", {26'400, c.limit});
+        log.write(1, 205);  // fails at the 201st, is tried again a tenth of the limit later
+        auto texts = texts_in(folder / L"A.log");
+        const std::string sentence = "WARN|Cannot compress log file. Log: [" + (folder / L"A.log").string() + "].";
+        EXPECT_EQ(texts.at(200), sentence);
+        EXPECT_EQ(texts.at(202), "WARN|" + exc::format_message(c.cause, (folder / c.held_open).string()));
+        EXPECT_EQ(texts.at(203), std::string("WARN|--tr:Error code: 0x000000") + c.code);
+        EXPECT_EQ(texts.size(), 205U + 4);
 
-        fs::remove(folder / obstacle);
-        log.write(106, 108);
-        EXPECT_FALSE(fs::exists(folder / L"A.log.gz"));
-        log.write(109, 115);
-        const auto texts = texts_in(folder / L"A.log.gz");
-        EXPECT_EQ(texts.at(101), "WARN|" + sentence);
-        EXPECT_EQ(texts.size() + texts_in(folder / L"A.log").size(), 116U);
+        obstacle.reset();
+        log.write(206, 206);
+        EXPECT_GT(log.file->size(), 26'400U);
+        log.write(207, 225);
+        EXPECT_LT(log.file->size(), 2'640U);
+        EXPECT_EQ(texts_in(folder / L"A.log.gz").size() + texts_in(folder / L"A.log").size(), 225U + 4);
     }
 }
 
@@ -130,21 +139,52 @@ TEST(log_file, log_that_cannot_be_cut_keeps_its_lines_once) {
     log_t<uncuttable_t> log(folder / L"A.log", {1320, 3});
     log.write(1, 12);
     EXPECT_FALSE(fs::exists(folder / L"A.log.gz"));
-    EXPECT_EQ(log.reports.size(), 1U);
-    EXPECT_EQ(texts_in(folder / L"A.log").size(), 13U);
+    EXPECT_EQ(texts_in(folder / L"A.log").size(), 14U);
 }
 
-TEST(log_file, log_that_was_archived_but_not_cut_is_cut_when_it_is_opened) {
+TEST(log_file, counts_what_it_cannot_write) {
+    struct full_t : win_log_file_t {
+        using win_log_file_t::win_log_file_t;
+        void append(std::string_view text) override {
+            if (std::exchange(full, false)) exc::raise("full");
+            win_log_file_t::append(text);
+        }
+        bool full = false;
+    };
     const folder_t folder;
-    const std::wstring path = (folder / L"A.log").wstring();
-    const std::string line = "a line of an earlier process\r\n";
-    for (const bool changed : {false, true}) {
-        WriteFileText(path, line);
-        archive_log(path, line.size(), 2);
-        if (changed) WriteFileText(path, "A" + line.substr(1));
-        const win_log_file_t log(path, {1000, 2}, {});
-        EXPECT_EQ(log.size(), changed ? line.size() : 0);
-        EXPECT_EQ(read_gzip(folder / L"A.log.gz"), line);
+    log_t<full_t> log(folder / L"A.log", {1320, 3});
+    log.file->full = true;
+    log.write(1, 1);
+    log.logger.log({.prefix = {"x", SIZE_MAX}, .text = "too large for memory"});
+    log.write(3, 4);
+    const auto texts = texts_in(folder / L"A.log");
+    EXPECT_EQ(texts.at(0), "WARN|Records that could not be written to the log: 2.");
+    EXPECT_EQ(texts.size(), 3U);
+}
+
+TEST(log_file, is_cut_when_it_is_opened_only_if_the_archive_has_it_all) {
+    std::string content;
+    for (int number = 0; content.size() < 200'000; ++number) content += std::to_string(number * number) + "\r\n";
+    const std::pair<bool, std::function<void(std::string & log, std::string & archive)>> cases[] = {
+        {true, [](auto&, auto&) {}},
+        {false, [](auto& log, auto&) { log[log.size() - 3] ^= 1; }},
+        {false, [](auto& log, auto&) { log.erase(0, 2); }},
+        {false, [](auto&, auto& archive) { archive.erase(0, archive.size() - 8); }},  // checksum and size
+        {false, [](auto&, auto& archive) { archive.pop_back(); }},
+        {false, [](auto&, auto& archive) { archive[archive.size() - 6] ^= 1; }},
+        {false, [](auto& log, auto& archive) { archive = log; }},
+    };
+    for (const auto& [cut, change] : cases) {
+        const folder_t folder;
+        const fs::path path = folder / L"A.log";
+        WriteFileText(path, content);
+        archive_log(path.wstring(), content.size(), 2);
+        std::string log = content, archive = FileText(folder / L"A.log.gz");
+        change(log, archive);
+        WriteFileText(path, log);
+        WriteFileText(folder / L"A.log.gz", archive);
+        EXPECT_EQ(win_log_file_t(path.wstring(), {}).size(), cut ? 0 : log.size());
+        EXPECT_EQ(FileText(path), cut ? "" : log);
     }
 }
 
@@ -182,8 +222,7 @@ lines_t log_much(unsigned number) {
 
 TEST(log_file, sixteen_threads_lose_double_and_mix_nothing) {
     const folder_t folder;
-    const auto file = boost::make_shared<win_log_file_t>((folder / L"A.log").wstring(), size_limits_t{40'000, 100},
-                                                         receiver::log_file_t::report_t());
+    const auto file = boost::make_shared<win_log_file_t>((folder / L"A.log").wstring(), size_limits_t{40'000, 100});
     int foreign_ids = 0;
     const auto answering = boost::make_shared<recording_sink_t>([&](const line_t& line) {
         foreign_ids += line.thread_id != GetCurrentThreadId();
@@ -219,12 +258,58 @@ TEST(log_file_set, first_candidate_that_is_not_locked) {
     const auto set = log_file_set_t::numbered((folder / L"A.log").wstring());
     std::vector<boost::shared_ptr<receiver::log_file_t>> open;
     for (int number = 1; number <= 10; ++number) {
-        open.push_back(set.open({}, {}));
+        open.push_back(set.open({}));
         EXPECT_EQ(open.back()->path(), folder.path / (number == 1 ? "A.log" : "A_" + std::to_string(number) + ".log"));
     }
-    EXPECT_THAT([&] { set.open({}, {}); }, testing::ThrowsMessage<exc::file_locked_exc_t>("All log files are locked."));
+    EXPECT_THAT([&] { set.open({}); }, testing::ThrowsMessage<exc::file_locked_exc_t>("All log files are locked."));
     open[2].reset();
-    EXPECT_EQ(set.open({}, {})->path(), folder / L"A_3.log");
+    EXPECT_EQ(set.open({})->path(), folder / L"A_3.log");
+}
+
+namespace {
+
+// Whether a command of the shell succeeds on Wine's host; false elsewhere. Wine returns no handle to wait for.
+bool run_on_host(const fs::path& folder, const std::wstring& command) {
+    std::wstring line = L"sh -c \"(" + command + L") && echo 1 > done || echo 0 > done\"";
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(L"\\\\?\\unix\\bin\\sh", line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(),
+                        &start, &process))
+        return false;
+    while (FileText(folder / "done").empty()) Sleep(10);
+    return FileText(folder / "done") == "1\n";
+}
+
+}  // namespace
+
+TEST(log_file_set, planted_files_are_left_alone) {
+    const folder_t folder;
+    WriteFileText(folder / L"other", "foreign");
+    for (const wchar_t* name : {L"A.log", L"A_2.log"})
+        ASSERT_TRUE(CreateHardLinkW((folder / name).c_str(), (folder / L"other").c_str(), nullptr));
+    const auto reason = [&](const wchar_t* name, const char* text) {
+        return "WARN|File [" + (folder / name).string() + "] is not used: " + text + ".";
+    };
+    const auto set = log_file_set_t::numbered((folder / L"A.log").wstring());
+    {
+        logger_t logger;
+        logger.attach(set.open({}));
+        for (int i = 0; i < 2; ++i) logger.log({.text = "record"});
+    }
+    EXPECT_EQ(FileText(folder / L"other"), "foreign");
+    EXPECT_THAT(texts_in(folder / L"A_3.log"),
+                testing::ElementsAre(reason(L"A.log", "it has more than one name"),
+                                     reason(L"A_2.log", "it has more than one name"), "record", "record"));
+
+    // Wine shows files of other users of its host as such; its links to files cannot be told from the files.
+    if (!run_on_host(folder.path,
+                     L"chown nobody A_3.log; mkdir B; chown nobody B; ln -s B link; test -O A.log -a ! -O B"))
+        GTEST_SKIP() << "no file can be given away here";
+    EXPECT_EQ(set.open({})->path(), folder / L"A_4.log");
+    EXPECT_THAT([&] { require_trusted_folder((folder / L"link\\Sub").wstring()); },
+                testing::ThrowsMessage<exc::runtime_exc_t>(testing::HasSubstr("leads elsewhere")));
+    EXPECT_NO_THROW(require_trusted_folder((folder / L"B").wstring()));
 }
 
 TEST(log_file, long_paths) {
@@ -232,13 +317,9 @@ TEST(log_file, long_paths) {
     std::wstring path = folder.path.wstring();
     for (int level = 0; level < 6; ++level) path += L"\\" + std::wstring(60, L'a');
     platform::create_directories(path);
-    {
-        log_t log(path + L"\\A.log", {1320, 3});
-        log.write(1, 25);
-        EXPECT_TRUE(log.reports.empty());
-    }
+    log_t(path + L"\\A.log", {1320, 3}).write(1, 25);
     for (const wchar_t* name : {L"\\A.log", L"\\A.log.gz", L"\\A.1.log.gz"})
         EXPECT_TRUE(DeleteFileW((L"\\\\?\\" + path + name).c_str())) << fs::path(name);
-    for (; path != folder.path; path.resize(path.rfind(L'\\')))
-        EXPECT_TRUE(RemoveDirectoryW((L"\\\\?\\" + path).c_str()));
+    folder_t::remove(folder.path);
+    EXPECT_FALSE(fs::exists(folder.path));
 }

@@ -2,7 +2,6 @@
 #include <iostream>
 
 #include "common/exc/exceptions.h"
-#include "common/logging/logger.h"
 #include "common/logging/open_log.h"
 #include "common/platform/module.h"
 #include "common/platform/os_version.h"
@@ -89,6 +88,15 @@ TEST(log_process, opening_twice_closing_and_failing_to_open) {
     const log_options_t blocked{below.wstring(), {}, {}};
     EXPECT_THAT([&] { open_log(ormacon_tool, blocked); },
                 ThrowsMessage<exc::win_sys_exc_t>(HasSubstr("\nFailed to initialize log [" + below.string() + "].")));
+
+    test_support::CTestRegistry registry;
+    registry.SetText(L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders", L"Common AppData",
+                     (folder / L"missing").wstring());
+    EXPECT_THAT(
+        [] { initialise(ormacon_tool, L"Sub", L"A.log"); },
+        ThrowsMessage<exc::win_sys_exc_t>(HasSubstr("\nCannot get the common application-data folder.\n--tr:Error "
+                                                    "code: 0x80070002\nFailed to initialize log [Sub\\A.log].\n"
+                                                    "Cannot init logging")));
 }
 
 // The two programs of kill_test.py. The writer announces each record that was logged.

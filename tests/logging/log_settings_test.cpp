@@ -1,12 +1,9 @@
 #include "common/logging/log_settings.h"
 
-#include <atomic>
-#include <thread>
-#include <vector>
+#include <filesystem>
 
 #include <gtest/gtest.h>
 
-#include "common/logging/command_switches.h"
 #include "tests/support/test_registry.h"
 
 using namespace logging;
@@ -40,31 +37,15 @@ TEST(log_settings, both_size_values_or_both_defaults) {
     }
 }
 
-TEST(log_settings, are_read_once_by_many_threads) {
+TEST(log_settings, are_read_once) {
     test_support::CTestRegistry registry;
-    const auto set = [&](DWORD value) {
-        for (const wchar_t* name : {L"AgentMaxLogSize", L"AgentMaxLogCount"})
-            registry.Set(product_key, name, REG_DWORD, &value, sizeof value);
-    };
-    set(1);
-    std::vector<size_limits_t> seen(16);
-    std::atomic<bool> go = false;  // waited for awake: all are to read in the same moment
-    std::vector<std::jthread> readers;
-    for (size_limits_t& limits : seen)
-        readers.emplace_back([&] {
-            while (!go) SwitchToThread();
-            limits = process_size_limits();
-        });
-    Sleep(20);
-    go = true;
-    for (DWORD value = 2; value < 200; ++value) set(value);
-    readers.clear();
-    seen.push_back(process_size_limits());
-    for (const size_limits_t& limits : seen) {
-        EXPECT_EQ(limits.log_size, seen[0].log_size);
-        EXPECT_EQ(limits.archive_count, seen[0].archive_count);
-        EXPECT_LT(limits.log_size, 200U);
+    const size_limits_t first = process_size_limits();
+    for (const wchar_t* name : {L"AgentMaxLogSize", L"AgentMaxLogCount"}) {
+        const DWORD other = first.archive_count + 1;
+        registry.Set(product_key, name, REG_DWORD, &other, sizeof other);
     }
+    EXPECT_EQ(process_size_limits().archive_count, first.archive_count);
+    EXPECT_EQ(read_size_limits().archive_count, first.archive_count + 1);
 }
 
 TEST(log_settings, base_directory) {
@@ -74,6 +55,9 @@ TEST(log_settings, base_directory) {
     EXPECT_TRUE(base_log_directory().ends_with(L":\\ProgramData\\Tovak\\Backup\\"));
     registry.SetText(product_key, L"LogDirectory", L"D:\\logs \u00E4");
     EXPECT_EQ(base_log_directory(), L"D:\\logs \u00E4");
+    EXPECT_EQ(log_folder_path(L"sub"), L"D:\\logs \u00E4\\sub");
+    registry.SetText(product_key, L"LogDirectory", L"relative\\");
+    EXPECT_EQ(log_folder_path(L"sub"), std::filesystem::current_path() / "relative" / "sub");
 }
 
 TEST(command_switches, whole_arguments_alone) {

@@ -1,4 +1,4 @@
-// What several of the logging tests need: a folder of their own, reading of logs and archives, a sink that shows.
+// What several logging tests share: a folder of their own, reading logs and archives, a sink that records.
 #pragma once
 
 #include <filesystem>
@@ -8,11 +8,14 @@
 #include <string>
 #include <vector>
 
+#include <boost/filesystem.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "common/logging/sink.h"
+#include "common/platform/module.h"
 #include "common/platform/owned.h"
+#include "common/platform/path.h"
 #include "tests/support/demo_host.h"
 
 #include <zlib.h>
@@ -23,15 +26,30 @@ namespace fs = std::filesystem;
 using test_support::FileText;
 using test_support::WriteFileText;
 
-// A folder that is empty at the begin and gone at the end of a test.
+// A folder of this process and test, empty at the start and deleted at the end of the test. What interrupted runs left
+// is deleted where no hanging program uses it any more. Paths in it may be longer than 260 characters.
 struct folder_t {
-    ~folder_t() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
+    folder_t() {
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        const std::wstring name = fs::path(std::string(test->test_suite_name()) + "." + test->name() + ".").wstring();
+        const fs::path parent = fs::path(platform::program_path()).parent_path() / "test_folders";
+        fs::create_directories(parent);
+        for (const auto& entry : fs::directory_iterator(parent))
+            if (entry.path().filename().wstring().starts_with(name)) remove(entry.path());
+        path = parent / (name + std::to_wstring(GetCurrentProcessId()));
+        fs::create_directory(path);
     }
+    ~folder_t() { remove(path); }
+    folder_t(const folder_t&) = delete;
+    folder_t& operator=(const folder_t&) = delete;
     fs::path operator/(const wchar_t* name) const { return path / name; }
 
-    const fs::path path = test_support::FreshFolder();
+    static void remove(const fs::path& folder) {
+        boost::system::error_code ignored;
+        boost::filesystem::remove_all(platform::system_path(folder.wstring()), ignored);
+    }
+
+    fs::path path;
 };
 
 // The content of a gzip file; a file that is cut off or damaged fails the test.
@@ -48,7 +66,7 @@ inline std::string read_gzip(const fs::path& path) {
     return content;
 }
 
-// What each line of a log or an archive says after time stamp and thread; each has to end in CRLF.
+// The part of each line of a log or an archive after time stamp and thread; each line must end in CRLF.
 inline std::vector<std::string> texts_in(const fs::path& path) {
     std::vector<std::string> texts;
     std::istringstream stream(path.extension() == ".gz" ? read_gzip(path) : FileText(path));
@@ -71,7 +89,7 @@ inline std::map<std::string, std::vector<std::string>> logs_in(const fs::path& f
     return found;
 }
 
-// Keeps what it is given, as "level text"; may do something of its own with each record.
+// Keeps each line as "level text"; may do something of its own with it.
 struct recording_sink_t : logging::receiver::sink_t {
     explicit recording_sink_t(std::function<void(const logging::line_t&)> own_action = {}) : action(own_action) {}
 

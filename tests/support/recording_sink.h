@@ -6,7 +6,7 @@
 
 #include <boost/make_shared.hpp>
 
-#include "common/logging/process_logger.h"
+#include "common/logging/logger.h"
 
 namespace test_support {
 

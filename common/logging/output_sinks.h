@@ -1,0 +1,44 @@
+// The sinks other than the log file.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "common/logging/sink.h"
+
+namespace logging::receiver {
+
+// Passes each line in the short layout to the debugger, or to the program that monitors debugger output. Does nothing
+// while there is neither; looks again whenever the time stamp has changed.
+class COutputDebugStringLog : public sink_t {
+public:
+    void write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) override;
+
+protected:
+    void write_line(const line_t& line) override;
+
+private:
+    std::string text_;
+    std::string looked_at_;  // time stamp
+    bool somebody_listens_ = false;
+};
+
+// Writes lines in the console layout to the standard output of the process, bypassing std::cout: what is copied from
+// std::cout into the log cannot come round again. A console gets UTF-16, a file or pipe UTF-8.
+class stdout_log_file_t : public sink_t {
+public:
+    // Throws exc::runtime_exc_t "Standard output is not available." when the process has none.
+    stdout_log_file_t();
+
+    void write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) override;
+
+protected:
+    void write_line(const line_t& line) override;
+
+private:
+    void* output_;  // belongs to the process
+    bool is_console_;
+    std::string lines_;  // of the current record
+};
+
+}  // namespace logging::receiver
