@@ -8,6 +8,7 @@
 
 #include "common/logging/crash_logging.h"
 #include "common/logging/output_sinks.h"
+#include "common/win32.h"
 
 namespace logging {
 namespace {

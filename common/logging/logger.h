@@ -13,29 +13,8 @@
 #include "common/logging/cout_multiplexor.h"
 #include "common/logging/sink.h"
 #include "common/logging/time_stamp.h"
-#include "common/win32.h"
 
 namespace logging {
-
-#ifdef LOG_RECURSIVE_MUTEX
-using lock_t = std::recursive_mutex;
-#else
-// The system's own re-entrant lock.
-class lock_t {
-public:
-    lock_t() noexcept { InitializeCriticalSection(&section_); }
-    ~lock_t() { DeleteCriticalSection(&section_); }
-    lock_t(const lock_t&) = delete;
-    lock_t& operator=(const lock_t&) = delete;
-
-    void lock() noexcept { EnterCriticalSection(&section_); }
-    bool try_lock() noexcept { return TryEnterCriticalSection(&section_) != FALSE; }
-    void unlock() noexcept { LeaveCriticalSection(&section_); }
-
-private:
-    CRITICAL_SECTION section_;
-};
-#endif
 
 class logger_t {
 public:
@@ -71,7 +50,7 @@ private:
         bool busy = false;  // is being called
     };
 
-    lock_t lock_;
+    std::recursive_mutex lock_;
     std::atomic<unsigned> lowest_level_{level_info};
 
     // Under the lock.

@@ -9,6 +9,7 @@
 #include "common/exc/exceptions.h"
 #include "common/logging/output_sinks.h"
 #include "common/text/convert.h"
+#include "common/win32.h"
 #include "common/logging/log_exception.h"
 #include "tests/logging/log_test_kit.h"
 #include "tests/support/recording_sink.h"
