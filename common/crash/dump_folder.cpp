@@ -12,8 +12,6 @@
 #include "common/platform/path.h"
 #include "common/text/convert.h"
 
-#include <aclapi.h>
-
 namespace crash {
 namespace {
 
@@ -25,15 +23,8 @@ constexpr unsigned most_identifiers = 10000;
 }
 
 void check_owner(HANDLE opened, const std::wstring& folder) {
-    PSID owner = nullptr;
-    platform::unique_local descriptor;
-    const DWORD code = GetSecurityInfo(opened, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr,
-                                       nullptr, descriptor.put());
-    SetLastError(code);
-    if (code != ERROR_SUCCESS) raise_for(folder, "Cannot open dump folder [%1].");
-    if (platform::is_trusted_owner(owner)) return;
-    exc::raise(exc::format_message("Dump folder [%1] belongs to another account: %2.",
-                                   {text::wide_to_utf8(folder), text::wide_to_utf8(platform::account_text(owner))}));
+    if (platform::has_trusted_owner(opened)) return;
+    exc::raise(exc::format_message("Dump folder [%1] belongs to another account.", text::wide_to_utf8(folder)));
 }
 
 // By the path, which nobody can rename while the folder is open. A link is not followed.

@@ -1,48 +1,14 @@
 #include "common/logging/file_trust.h"
 
-#include <algorithm>
-#include <array>
-
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
+#include "common/platform/account.h"
 #include "common/platform/owned.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"
 
-#include <aclapi.h>
-
 namespace logging {
 namespace {
-
-struct local_memory_holder_t {
-    using type = PSECURITY_DESCRIPTOR;
-    static type invalid() noexcept { return nullptr; }
-    static void close(type value) noexcept { LocalFree(value); }
-};
-
-bool is_account_of_process(PSID account) {
-    struct {
-        TOKEN_USER user;
-        std::array<BYTE, SECURITY_MAX_SID_SIZE> account;
-    } data{};
-    DWORD size = 0;
-    platform::unique_handle token;
-    return OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.put()) &&
-           GetTokenInformation(token.get(), TokenUser, &data, sizeof data, &size) &&
-           EqualSid(account, data.user.User.Sid);
-}
-
-bool has_trusted_owner(HANDLE file) {
-    // Where a file system knows no owners, everything belongs to everyone.
-    constexpr WELL_KNOWN_SID_TYPE trusted[] = {WinLocalSystemSid, WinBuiltinAdministratorsSid, WinWorldSid};
-    PSID owner = nullptr;
-    platform::unique_t<local_memory_holder_t> descriptor;
-    const DWORD failure = GetSecurityInfo(file, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr,
-                                          nullptr, descriptor.put());
-    if (failure != ERROR_SUCCESS || owner == nullptr) return false;
-    return std::ranges::any_of(trusted, [&](auto account) { return IsWellKnownSid(owner, account); }) ||
-           is_account_of_process(owner);
-}
 
 const char* reason_to_distrust(HANDLE file) {
     FILE_BASIC_INFO basic{};
@@ -53,7 +19,7 @@ const char* reason_to_distrust(HANDLE file) {
     }
     if ((basic.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return "it is a reparse point";
     if (standard.NumberOfLinks > 1) return "it has more than one name";
-    return has_trusted_owner(file) ? nullptr : "it belongs to another account";
+    return platform::has_trusted_owner(file) ? nullptr : "it belongs to another account";
 }
 
 }  // namespace
@@ -72,7 +38,7 @@ void require_trusted_folder(const std::wstring& path) {
         const platform::unique_file opened(
             CreateFileW(folder.c_str(), READ_CONTROL, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                         OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-        if (opened && has_trusted_owner(opened.get())) continue;
+        if (opened && platform::has_trusted_owner(opened.get())) continue;
         exc::raise(
             exc::format_message("Log folder [%1] is not used: [%2] leads elsewhere and belongs to another account.",
                                 {text::wide_to_utf8(path), text::wide_to_utf8(folder)}));

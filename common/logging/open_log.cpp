@@ -72,6 +72,7 @@ void attach_echo(const component_t& component) try {
 void attach(const component_t& component, const log_options_t& options) {
     const std::string header = header_block();
     const std::wstring folder = platform::parent_of(options.path);
+    require_trusted_folder(folder);  // nothing is created through a link either
     platform::create_directories(folder);
     require_trusted_folder(folder);
     const auto file = log_file_set_t::numbered(options.path).open(options.limits);

@@ -1,10 +1,12 @@
 #include "common/platform/account.h"
 
+#include <algorithm>
 #include <array>
 
 #include "common/exc/raise.h"
 #include "common/platform/owned.h"
 
+#include <aclapi.h>
 #include <sddl.h>
 
 namespace platform {
@@ -29,10 +31,23 @@ private:
     alignas(TOKEN_USER) std::array<unsigned char, sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE> buffer_{};
 };
 
+std::wstring account_text(PSID account) {
+    wchar_t* text = nullptr;
+    if (!ConvertSidToStringSidW(account, &text)) return L"unknown";
+    const unique_local held(text);
+    return text;
+}
+
 }  // namespace
 
-bool is_trusted_owner(PSID owner) {
-    return IsWellKnownSid(owner, WinLocalSystemSid) || IsWellKnownSid(owner, WinBuiltinAdministratorsSid) ||
+bool has_trusted_owner(HANDLE opened) {
+    constexpr WELL_KNOWN_SID_TYPE trusted[] = {WinLocalSystemSid, WinBuiltinAdministratorsSid, WinWorldSid};
+    PSID owner = nullptr;
+    unique_local descriptor;
+    const DWORD failure = GetSecurityInfo(opened, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr,
+                                          nullptr, descriptor.put());
+    if (failure != ERROR_SUCCESS || owner == nullptr) return false;
+    return std::ranges::any_of(trusted, [&](auto account) { return IsWellKnownSid(owner, account); }) ||
            EqualSid(owner, current_account_t().sid());
 }
 
@@ -46,13 +61,6 @@ bool create_private_folder(const std::wstring& path) {
     }
     SECURITY_ATTRIBUTES attributes{sizeof attributes, descriptor.get(), FALSE};
     return CreateDirectoryW(path.c_str(), &attributes) != FALSE;
-}
-
-std::wstring account_text(PSID account) {
-    wchar_t* text = nullptr;
-    if (!ConvertSidToStringSidW(account, &text)) return L"unknown";
-    const unique_local held(text);
-    return text;
 }
 
 }  // namespace platform

@@ -7,16 +7,14 @@
 
 namespace platform {
 
-// Whether a file or folder of this owner may be used as if this program had created it: the owner is SYSTEM, the
-// Administrators or the current account. Throws exc::win_sys_exc_t "Cannot determine the current account.".
-bool is_trusted_owner(PSID owner);
+// Whether an open file or folder may be used as if this program had created it: it belongs to SYSTEM, the
+// Administrators or the current account, or its file system knows no owners. The handle needs READ_CONTROL. False where
+// the owner cannot be read. Throws exc::win_sys_exc_t "Cannot determine the current account.".
+bool has_trusted_owner(HANDLE opened);
 
 // Creates a folder with full access for SYSTEM, the Administrators and the current account, inherited by everything in
 // it, while the folder itself inherits nothing. Returns false with the last error set on failure. Throws like
-// is_trusted_owner().
+// has_trusted_owner().
 bool create_private_folder(const std::wstring& path);
-
-// The security identifier as text, such as "S-1-5-18".
-std::wstring account_text(PSID account);
 
 }  // namespace platform
