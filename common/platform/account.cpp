@@ -1,6 +1,5 @@
 #include "common/platform/account.h"
 
-#include <algorithm>
 #include <array>
 
 #include "common/exc/raise.h"
@@ -40,15 +39,19 @@ std::wstring account_text(PSID account) {
 
 }  // namespace
 
+bool is_trusted_owner(PSID owner) {
+    return IsWellKnownSid(owner, WinLocalSystemSid) || IsWellKnownSid(owner, WinBuiltinAdministratorsSid) ||
+           EqualSid(owner, current_account_t().sid());
+}
+
 bool has_trusted_owner(HANDLE opened) {
-    constexpr WELL_KNOWN_SID_TYPE trusted[] = {WinLocalSystemSid, WinBuiltinAdministratorsSid, WinWorldSid};
     PSID owner = nullptr;
     unique_local descriptor;
     const DWORD failure = GetSecurityInfo(opened, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr,
                                           nullptr, descriptor.put());
     if (failure != ERROR_SUCCESS || owner == nullptr) return false;
-    return std::ranges::any_of(trusted, [&](auto account) { return IsWellKnownSid(owner, account); }) ||
-           EqualSid(owner, current_account_t().sid());
+    // Everyone means that there are no owners, as on FAT.
+    return IsWellKnownSid(owner, WinWorldSid) || is_trusted_owner(owner);
 }
 
 bool create_private_folder(const std::wstring& path) {

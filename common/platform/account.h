@@ -7,9 +7,12 @@
 
 namespace platform {
 
-// Whether an open file or folder may be used as if this program had created it: it belongs to SYSTEM, the
-// Administrators or the current account, or its file system knows no owners. The handle needs READ_CONTROL. False where
-// the owner cannot be read. Throws exc::win_sys_exc_t "Cannot determine the current account.".
+// Whether a file of this owner may be used as if this program had created it: the owner is SYSTEM, the Administrators
+// or the current account. Throws exc::win_sys_exc_t "Cannot determine the current account.".
+bool is_trusted_owner(PSID owner);
+
+// The same for an open file or folder, whose handle needs READ_CONTROL. Where the file system knows no owners, true.
+// Where the owner cannot be read, false.
 bool has_trusted_owner(HANDLE opened);
 
 // Creates a folder with full access for SYSTEM, the Administrators and the current account, inherited by everything in

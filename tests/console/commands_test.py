@@ -128,9 +128,12 @@ class Commands(ConsoleTest):
 
     def test_memory_is_protected(self):
         # High-entropy addresses, addresses chosen at each start, no execution of data; the program carries another one.
-        for name, images in ("Ormacon.exe", 2), ("OrmaconLib.dll", 1):
+        # Both programs have a manifest inside, so that Windows looks for none beside them.
+        for name, images, manifests in ("Ormacon.exe", 2, 2), ("OrmaconLib.dll", 1, 0):
             with self.subTest(name), open(self.path(name), "rb") as file:
-                self.assertEqual([0x0160] * images, dll_characteristics(file.read()))
+                content = file.read()
+                self.assertEqual([0x0160] * images, dll_characteristics(content))
+                self.assertEqual(manifests, content.count(b'requestedExecutionLevel level="asInvoker"'))
 
 
 class Log(ConsoleTest):
