@@ -10,28 +10,28 @@
 
 namespace crash {
 
-// Creates the folder where it is missing, as a private one (see platform::create_private_folder()): in the folders
-// above it any account may be allowed to create files. Until the returned handle is closed, Windows does not let
-// anybody rename or delete the folder.
+// Opens the folder, and creates it if it is missing. A new folder is private (see platform::create_private_folder()),
+// because any account may be allowed to create files in the folders above it. Until the returned handle is closed,
+// Windows lets nobody rename or delete the folder.
 //
-// A folder that exists is left as it is. Throws exc::runtime_exc_t "Dump folder [%1] is a link." or "Dump folder [%1]
-// belongs to another account: %2." for one that somebody else may have put there, and exc::win_sys_exc_t "Cannot
-// create directory [%1].", "Cannot open dump folder [%1]." and "Cannot determine the current account.".
+// The permissions of an existing folder are not changed. Throws exc::runtime_exc_t "Dump folder [%1] is a link." or
+// "Dump folder [%1] belongs to another account." for a folder that somebody else may have put there, and
+// exc::win_sys_exc_t "Cannot create directory [%1].", "Cannot open dump folder [%1]." or "Cannot determine the current
+// account.".
 platform::unique_file open_dump_folder(const std::wstring& folder);
 
 // Makes room for one more dump: deletes the oldest ones until fewer than maximum_count are left, and logs
-// "Dump [%1] deleted." for each. One that cannot be deleted is logged as "Old dump cannot be removed.
-// Dump path: [%1]." with its error code, and the next oldest one is deleted instead. Other files are left alone. Throws
-// exc::runtime_exc_t "Cannot cleanup out of date dumps. There are [%1] dumps stored. Maximum allowed dumps number:
-// [%2]." when there are still too many.
+// "Dump [%1] deleted." for each. If one cannot be deleted, logs "Old dump cannot be removed. Dump path: [%1]." with the
+// error code, and deletes the next oldest one instead. Other files are left alone. Throws exc::runtime_exc_t "Cannot
+// cleanup out of date dumps. There are [%1] dumps stored. Maximum allowed dumps number: [%2]." if too many are left.
 void cleanup_dumps(const std::wstring& folder, std::size_t maximum_count);
 
 // Returns the smallest number from 1 to 10000 that is not in the set. Throws exc::runtime_exc_t "All dump identifiers
 // are reserved.".
 unsigned first_free_identifier(const std::set<unsigned>& taken);
 
-// Returns the path with "_", the process id, "_" and the first identifier for which there is no dump of either kind.
-// Nobody else takes it, since the process id is part of it. Throws what first_free_identifier() throws.
+// Returns the path with "_", the process id, "_" and the first identifier for which there is no dump of either kind. No
+// other process uses the same path, since the process id is part of it. Throws what first_free_identifier() throws.
 std::wstring reserve_dump_identifier(const std::wstring& path);
 
 }  // namespace crash

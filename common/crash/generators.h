@@ -23,18 +23,17 @@ public:
     dump_gen_base_t(const dump_gen_base_t&) = delete;
     dump_gen_base_t& operator=(const dump_gen_base_t&) = delete;
 
-    // Writes one dump of the failure. The path is that of a dump in an existing folder, without what makes its name
-    // unique and without its extension: the generator adds both. On failure it leaves no file and throws an exc
-    // exception.
+    // Writes one dump of the failure into an existing folder. The generator completes the path: it appends what makes
+    // the name unique, and the extension. On failure it leaves no file and throws an exc exception.
     virtual void generate(const failure_t& failure, const std::wstring& path) = 0;
 };
 
-// Starts a small program that writes the minidump from outside of the crashed process.
+// Starts a small program, the recorder, which writes the minidump from outside the crashed process.
 class COutOfProcDumpGen : public dump_gen_base_t {
 public:
-    // most_dumps: what the recorder leaves in the folder, the new dump included. Throws exc::win_sys_exc_t "Cannot
-    // initialize out-of-process dump generator: failed to duplicate current process handle" and, as the last part,
-    // "Failed to create out-of-process dump generator".
+    // most_dumps: how many dumps the recorder leaves in the folder, including the new one. Throws exc::win_sys_exc_t
+    // "Cannot initialize out-of-process dump generator: failed to duplicate current process handle", with "Failed to
+    // create out-of-process dump generator" as its last part.
     explicit COutOfProcDumpGen(unsigned most_dumps);
 
     // Throws what recorder_file_t, start_recorder() and wait_for_recorder() throw, and exc::runtime_exc_t "Dump
@@ -58,7 +57,7 @@ public:
 };
 
 // Writes a text report of the loaded modules and the stack frames, without any memory contents, for systems that
-// cannot write a minidump. When making the report crashes, its file stays as far as it got.
+// cannot write a minidump. If making the report crashes, what has been written so far is kept.
 class legacy_dump_gen_t : public dump_gen_base_t {
 public:
     // Throws exc::win_sys_exc_t "Cannot create a legacy dump file. File path: [%1]." or "Cannot write a legacy dump

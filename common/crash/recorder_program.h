@@ -1,4 +1,4 @@
-// The small program that records the dump: its file on disk and its run.
+// The recorder, a small program that writes the dump: putting its file on the disk, and running it.
 #pragma once
 
 #include <cstdint>
@@ -9,14 +9,14 @@
 
 namespace crash {
 
-// The recorder's program file, as long as this object lives.
+// The recorder's program file. It exists as long as this object.
 class recorder_file_t {
 public:
     // Writes the file "TovakDumpRecorder" into the folder and re-opens it so that the system deletes it when it is
-    // closed, even when this process is killed. Until then nobody can rename, replace or delete it.
+    // closed, even if this process is killed. Until then nobody can rename, replace or delete it.
     //
-    // Waits at most longest_wait milliseconds for the file of another program that crashes at the same time. A file
-    // that is not in use then was left behind (the computer lost power) and is replaced.
+    // If the file exists, another program may be crashing at the same time: waits for it, at most longest_wait
+    // milliseconds. A file that is not in use after that was left behind (by a power failure) and is replaced.
     //
     // Throws exc::win_sys_exc_t "Failed to create dump recorder file: %1", "Failed to write dump recorder code to %1"
     // or "Failed to re-open dump recorder for deletion: %1".
@@ -33,7 +33,7 @@ private:
 // dump generator process. File: %1".
 platform::unique_handle start_recorder(const std::wstring& file, const std::wstring& arguments);
 
-// A dump on a slow disk is worth any wait.
+// Long enough for any dump, even on a slow disk.
 inline constexpr std::uint32_t longest_recording = 1'814'400'000;  // milliseconds: 21 days
 
 // Waits until the process has ended and returns its exit code. After longest_wait milliseconds it ends the process and

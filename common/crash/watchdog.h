@@ -1,4 +1,4 @@
-// A thread that ends the process when the handling of its crash hangs.
+// A thread that ends the process if the handling of a crash hangs.
 #pragma once
 
 #include <cstdint>
@@ -7,20 +7,22 @@
 
 namespace crash {
 
-// Creates the watching thread; call it on the main thread. Its existence must not keep a process alive whose main
-// thread has ended (ExitThread; under Wine also a stack overflow without room for the report): it then ends the process
-// with the exit code of that thread, or 1 for 0. Where it cannot be created, nothing ends a process that hangs.
+// Creates the watching thread; call it on the main thread. The watching thread must not keep the process alive after
+// the main thread has ended (by ExitThread, or under Wine by a stack overflow that leaves no room for the report).
+// It therefore ends the process, with the main thread's exit code, or 1 if that is 0. If the watching thread cannot be
+// created, nothing ends a process that hangs.
 void prepare_watchdog() noexcept;
 
-// Starts the minute after which the process is ended with this exit status.
+// Gives the handling of the crash one minute; after that, the process is ended with this exit status.
 void start_watchdog(std::uint32_t exit_status) noexcept;
 
-// The id of the watching thread, 0 without one. Whoever writes a dump of this process must not suspend it.
+// Returns the id of the watching thread, or 0 if there is none. Whoever writes a dump of this process must not suspend
+// that thread.
 std::uint32_t watching_thread() noexcept;
 
-// For the thread that handles the crash, while it waits for another process to write the dump. That time does not
-// count: the minute is extended by longest_wait (milliseconds), and starts anew when that process has ended. A process
-// that is killed while it writes the dump leaves the threads of this one suspended; the watching thread resumes them.
+// For the thread that handles the crash, while it waits for another process to write the dump. Waiting does not use up
+// the minute: it is extended by longest_wait (milliseconds), and starts anew when the wait is over. If that process is
+// killed while it writes the dump, it leaves the threads of this one suspended; the watching thread resumes them.
 class watchdog_pause_t {
 public:
     watchdog_pause_t(HANDLE process, std::uint32_t longest_wait) noexcept;
