@@ -1,5 +1,5 @@
-// A program that runs with an administrator's rights must not be led elsewhere by files and folders that a user without
-// rights has put where the log belongs.
+// Whether a log file or folder that already exists may be used. The program runs with an administrator's rights: files
+// and links that an unprivileged user has put in its way must not make it write elsewhere.
 #pragma once
 
 #include <string>
@@ -8,13 +8,13 @@
 
 namespace logging {
 
-// For a file that was there before it was opened, which must be opened with FILE_FLAG_OPEN_REPARSE_POINT and the right
-// READ_CONTROL. Throws exc::runtime_exc_t "File [%1] is not used: %2." when it is a reparse point, has more than one
-// name, or does not belong to SYSTEM, the Administrators or the account of this process.
+// For a file that existed before it was opened. Open it with FILE_FLAG_OPEN_REPARSE_POINT and READ_CONTROL access.
+// Throws exc::runtime_exc_t "File [%1] is not used: %2." if the file is a reparse point, has more than one name, has no
+// trusted owner (see platform::has_trusted_owner()), or if its attributes cannot be read.
 void require_trusted_file(HANDLE file, const std::wstring& path);
 
-// Throws exc::runtime_exc_t "Log folder [%1] is not used: [%2] leads elsewhere and belongs to another account." when
-// the folder or one above it is a reparse point whose owner is none of them.
+// Throws exc::runtime_exc_t "Log folder [%1] is not used: [%2] leads elsewhere and belongs to another account." if the
+// folder or one above it is a reparse point without a trusted owner. Folders that do not exist pass.
 void require_trusted_folder(const std::wstring& path);
 
 }  // namespace logging

@@ -9,10 +9,10 @@
 
 namespace logging::receiver {
 
-// Appends lines to a file, and moves its content into an archive when the file has reached its size limit. A record is
-// written with all its lines in one operation, completely or not at all. The log itself reports what went wrong with
-// it, as warnings before the next record that can be written: "Cannot compress log file. Log: [%1]." and the cause,
-// once until archiving works again, and "Records that could not be written to the log: %1.".
+// Appends lines to a file, and moves its content into an archive when the file has reached its size limit. All lines of
+// a record are written in one operation, completely or not at all. The log reports its own problems, as warnings before
+// the next record that can be written: "Cannot compress log file. Log: [%1]." and the cause, only once until archiving
+// works again, and "Records that could not be written to the log: %1.".
 class log_file_t : public sink_t {
 public:
     explicit log_file_t(const size_limits_t& limits);
@@ -24,19 +24,19 @@ public:
 
     virtual const std::wstring& path() const = 0;
 
-    // Bytes in the file, counted: only this object writes to it.
+    // Returns the size of the file in bytes. It is counted, since only this object writes to the file.
     std::uint64_t size() const { return size_; }
 
 protected:
     void write_line(const line_t& line) override;
 
-    // Sets the size that the file has when it is opened.
+    // Sets the size that an opened file already has.
     void set_size(std::uint64_t size) { size_ = size; }
 
-    // Adds the text at the file's end, all of it or nothing; throws on failure.
+    // Appends the whole text, or throws and appends nothing.
     virtual void append(std::string_view text) = 0;
 
-    // Cuts the file to nothing, or leaves it as it was and throws.
+    // Empties the file, or throws and leaves it as it was.
     virtual void clear() = 0;
 
 private:
@@ -52,14 +52,14 @@ private:
     std::uint64_t lost_ = 0;  // records since the last one that was written
 };
 
-// Holds its file open with read sharing only: it has one writer.
+// Keeps its file open and lets others only read it, so that the file has one writer.
 class win_log_file_t : public log_file_t {
 public:
-    // Opens or creates the file in an existing folder, without following a link. Cuts a log that an earlier process
-    // archived and was killed before it cut it, and ends a line that an earlier process was killed in. Throws
-    // exc::file_locked_exc_t "Log file is locked. Log path: [%1]." when the file is open elsewhere, exc::runtime_exc_t
-    // for a file that is not trusted (see require_trusted_file()), exc::win_sys_exc_t
-    // "Cannot open log file. Log path: [%1]." or "Unable to validate log size limit. Log path: [%1].".
+    // Opens or creates the file in an existing folder, without following a link. If an earlier process was killed after
+    // it had archived the log and before it could empty it, empties it now; if one was killed within a line, ends that
+    // line. Throws exc::file_locked_exc_t "Log file is locked. Log path: [%1]." if the file is in use, what
+    // require_trusted_file() throws, and exc::win_sys_exc_t "Cannot open log file. Log path: [%1]." or
+    // "Unable to validate log size limit. Log path: [%1].".
     win_log_file_t(const std::wstring& path, const size_limits_t& limits);
 
     const std::wstring& path() const override { return path_; }

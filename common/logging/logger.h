@@ -23,22 +23,22 @@ public:
     logger_t(const logger_t&) = delete;
     logger_t& operator=(const logger_t&) = delete;
 
-    // Passes the record to every sink before it returns, unless its level is below the filter. A record that a sink
-    // logs while it is called skips that sink. Blocks while another thread logs.
+    // Passes the record to every sink, unless its level is below the lowest one that is logged. A record that a sink
+    // itself logs, while it is being called, skips that sink. Blocks while another thread logs.
     void log(const record_t& record) noexcept;
 
     // Records below this level are dropped.
     void set_lowest_level(unsigned level) noexcept { lowest_level_ = level; }
 
-    // A sink that was detached gets no more records. Sinks must not call either of them.
+    // Once detach() has returned, the sink gets no more records. A sink must not call attach() or detach().
     void attach(boost::shared_ptr<receiver::sink_t> sink);
     void detach(const boost::shared_ptr<receiver::sink_t>& sink) noexcept;
 
     // Copies what is written to the stream into this log, at level 0, until clear_multiplexors() is called. The stream
-    // must outlive that, and no other thread may use it during either call.
+    // must still exist then, and no other thread may use it during either of the two calls.
     void multiplex(std::ostream& stream);
 
-    // Ends the copying. If there was any, logs "Clearing collection of cout multiplexors.".
+    // Ends the copying. If any stream was being copied, first logs "Clearing collection of cout multiplexors.".
     void clear_multiplexors() noexcept;
 
     // See begin_crash_logging().
@@ -47,21 +47,21 @@ public:
 private:
     struct attached_t {
         boost::shared_ptr<receiver::sink_t> sink;
-        bool busy = false;  // is being called
+        bool busy = false;  // the sink is being called
     };
 
     std::recursive_mutex lock_;
     std::atomic<unsigned> lowest_level_{level_info};
 
-    // Under the lock.
+    // Guarded by the lock.
     std::uint32_t crashed_thread_ = 0;
     time_stamp_clock_t clock_;
     std::vector<attached_t> sinks_;
     std::vector<boost::shared_ptr<cout_multiplexor_t>> multiplexors_;
 };
 
-// The one logger of the process, behind every component. It has the debugger output from the start, and is never
-// destroyed: static objects log while the process ends.
+// Returns the one logger of the process, which every component logs to. The debugger output is attached to it from the
+// start. It is never destroyed, because static objects log while the process ends.
 logger_t& process_logger() noexcept;
 
 }  // namespace logging

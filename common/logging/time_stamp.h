@@ -8,14 +8,14 @@
 
 namespace logging {
 
-// "[dd.MM.yyyy HH:mm:ss] " in the local time of Windows, or "TIME ---" for a time outside its calendar. The time is
-// given in seconds since 1601 (UTC).
+// Returns "[dd.MM.yyyy HH:mm:ss] " in Windows' local time, or "TIME ---" if Windows cannot represent the time. The
+// argument counts the seconds since the beginning of 1601 (UTC).
 std::string render_time_stamp(std::uint64_t seconds) noexcept;
 
-// Renders once per second. Not thread-safe.
+// Renders the current time, at most once per second. Not thread-safe.
 class time_stamp_clock_t {
 public:
-    // Returns the current time, at most one tick of the system (16 ms) old; valid until the next call.
+    // Returns the stamp of the current time, at most one tick of the system (16 ms) old. Valid until the next call.
     std::string_view now() noexcept;
 
 private:
