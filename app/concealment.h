@@ -1,4 +1,4 @@
-// The parser's complaints quote the command line, which may contain a password.
+// Keeps passwords out of the parser's complaints, which quote the command line.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 namespace app {
 
 // Returns the complaint with "***" in place of each word that was given to set-credentials, up to the next known
-// option. It does not matter how set-credentials is spelled: abbreviated, ambiguous ("--set"), with one dash or a
-// slash. Of any other word that begins with a dash the name is shown and the value after "=" is not ("--password=***").
+// option. set-credentials is recognised even if it is abbreviated, ambiguous ("--set"), or has one dash or a slash. Any
+// other word that begins with a dash and is no known option keeps its name but not its value ("--password=***").
 std::string ConcealCredentials(std::string complaint, const boost::program_options::options_description& options,
                                int argc, const char* const* argv);
 

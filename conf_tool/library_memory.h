@@ -1,5 +1,5 @@
-// Owners of memory that the configuration library allocated. Each returns it to the library exactly once. Constructing
-// an owner never fails, so several can be constructed one after another without losing memory.
+// Owners of memory that the configuration library allocated. Each owner returns its memory to the library exactly once.
+// Constructing one never fails, so nothing leaks when several are constructed one after another.
 #pragma once
 
 #include <memory>
@@ -10,13 +10,13 @@
 
 namespace conf_tool {
 
-// A text that the library returned, null for none.
+// A text that the library returned, or null if it returned none.
 class CLibraryText {
 public:
     CLibraryText(LibraryText text, FreeStringFn free_string) noexcept : owner_(text, free_string) {}
 
-    // Returns the text, valid during the lifetime of this object. If it is null, which breaks the library's contract,
-    // throws exc::runtime_exc_t "Configuration library returned no text".
+    // Returns the text, which is valid as long as this object exists. A null text breaks the library's contract: throws
+    // exc::runtime_exc_t "Configuration library returned no text".
     const wchar_t* Get() const;
 
     explicit operator bool() const { return owner_ != nullptr; }
@@ -34,12 +34,12 @@ public:
     CLibraryRepositories(const CLibraryRepositories&) = delete;
     CLibraryRepositories& operator=(const CLibraryRepositories&) = delete;
 
-    // Returns the number of records; a negative count of the library's is 0. Throws exc::runtime_exc_t "Configuration
+    // Returns the number of records, or 0 if the library gave a negative one. Throws exc::runtime_exc_t "Configuration
     // library returned no repositories" for a null array with a count above 0, and "Configuration library returned an
     // impossible number of repositories: [%1]" for a count above a million.
     std::int32_t Count() const;
 
-    // Returns a copy of one of the Count() records. A null record and a null text count as empty.
+    // Returns a copy of a record; the index is less than Count(). A null record or a null text is returned as empty.
     RepositoryEntry Entry(std::int32_t index) const;
 
 private:
@@ -48,8 +48,8 @@ private:
     FreeRepositoriesFn free_repositories_;
 };
 
-// Returns the contiguous records that the library takes. They point to the texts of the entries, which must outlive
-// them.
+// Returns the entries as the array of records that the library takes. The records point to the texts of the entries,
+// which must outlive them.
 std::vector<plug_common::SRepositoryCType> ToLibraryRecords(const std::vector<RepositoryEntry>& entries);
 
 }  // namespace conf_tool

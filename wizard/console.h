@@ -1,4 +1,4 @@
-// The whole dialogue goes through here.
+// The whole dialogue with the user goes through these functions.
 #pragma once
 
 #include <string>
@@ -10,13 +10,14 @@ void PrintToConsole(std::wstring text);
 
 // Blocks until a line is entered; returns it without its line end. Hidden input is not echoed. Logs "Read from console
 // [%1]", with "Hidden data" in place of hidden input. Returns an empty text for an empty line, and if there has never
-// been a console. If the read fails because the user has pressed Ctrl+C or closed the window, the process ends.
-// A visible line of more than 1,024 UTF-16 units is returned by several reads. The rest of a hidden line is dropped, so
-// that it cannot become the answer to the next question.
+// been a console. If the user presses Ctrl+C or closes the window, the process ends.
+//
+// Of a line of more than 1,024 UTF-16 units, line end included, only the beginning is returned. The rest of a visible
+// line is returned by the next calls. The rest of a hidden line is dropped, so that it cannot answer the next question.
 std::wstring ReadFromConsole(bool hidden = false);
 
 // Call this before asking a question again. Throws exc::runtime_exc_t "There is no console to read an answer from" if
-// every answer would be empty.
+// there is no console, because every answer would then be empty.
 void RequireInteractiveConsole();
 
 // Returns a copy in lower case, for comparing yes/no answers.

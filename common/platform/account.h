@@ -1,4 +1,4 @@
-// The account that this process runs under, and whose files it may trust.
+// Which files this process may trust because of their owner, and private folders.
 #pragma once
 
 #include <string>
@@ -7,17 +7,17 @@
 
 namespace platform {
 
-// Whether a file of this owner may be used as if this program had created it: the owner is SYSTEM, the Administrators
-// or the current account. Throws exc::win_sys_exc_t "Cannot determine the current account.".
+// Returns whether a file of this owner may be used as if this program had created it: whether the owner is SYSTEM,
+// Administrators or the account of this process. Throws exc::win_sys_exc_t "Cannot determine the current account.".
 bool is_trusted_owner(PSID owner);
 
-// The same for an open file or folder, whose handle needs READ_CONTROL. Where the file system knows no owners, true.
-// Where the owner cannot be read, false.
+// The same for an open file or folder, whose handle needs READ_CONTROL access. Returns true if the file system has no
+// owners, and false if the owner cannot be read.
 bool has_trusted_owner(HANDLE opened);
 
-// Creates a folder with full access for SYSTEM, the Administrators and the current account, inherited by everything in
-// it, while the folder itself inherits nothing. Returns false with the last error set on failure. Throws like
-// has_trusted_owner().
+// Creates a folder to which only SYSTEM, Administrators and the account of this process have access. Everything in it
+// inherits these permissions; the folder itself inherits none. On failure, returns false with the last error set.
+// Throws like is_trusted_owner().
 bool create_private_folder(const std::wstring& path);
 
 }  // namespace platform

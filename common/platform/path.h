@@ -1,12 +1,12 @@
-// Paths as text: taking them apart, and the forms that the system's file functions accept.
+// Paths as text: taking them apart, joining them, and the forms that the system's file functions accept.
 #pragma once
 
 #include <string>
 
 namespace platform {
 
-// Returns the folder of a file. Only the root of a drive keeps its separator ("D:\name" is in "D:\"). Empty for a path
-// without a separator.
+// Returns the folder of a file, without a separator at its end unless it is a root ("D:\name" is in "D:\"). Returns an
+// empty text for a path without a separator.
 std::wstring parent_of(const std::wstring& path);
 
 // Returns the part after the last separator.
@@ -15,12 +15,12 @@ std::wstring file_name_of(const std::wstring& path);
 // Returns the path of a file in a folder, with one separator between them.
 std::wstring join_path(const std::wstring& folder, const std::wstring& name);
 
-// Returns the full path, completed from the current folder and without "." and "..", or the path unchanged if the
+// Returns the full path, resolved against the current folder and without "." and "..", or the path unchanged if the
 // system cannot do that.
 std::wstring full_path(const std::wstring& path);
 
 // Returns the full path with the prefix that lifts the limit of 260 characters. Use it only for system calls, not for
-// what people read. Returns a device path, and a path that cannot be completed, unchanged.
+// what people read. A path that already has such a prefix or names a device ("NUL") gets none.
 std::wstring system_path(const std::wstring& path);
 
 // Creates the folder and any missing folders above it. Throws exc::win_sys_exc_t "Cannot create directory [%1].".
