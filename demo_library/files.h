@@ -1,4 +1,4 @@
-// Whole files: reading, replacing, removing and locking them. Paths are absolute. Every function throws failure_t with
+// Reads, replaces, removes and locks whole files. Paths are absolute. On failure, every function throws failure_t with
 // the path and the system's reason.
 #pragma once
 
@@ -19,24 +19,24 @@ using handle_t = std::unique_ptr<void, close_handle_t>;
 
 bool exists(const std::wstring& path);
 
-// The content, nothing when there is no such file.
+// Returns the content, or nothing if there is no such file.
 std::optional<std::string> read_file(const std::wstring& path);
 
-// Writes a temporary file with a name of its own beside the path, then renames it: a reader sees the old content or
-// the new one. Creates missing folders. On failure the old file is unchanged and the temporary one is removed.
+// Writes a temporary file with a random name in the same folder, then renames it: a reader sees either the old content
+// or the new one. Creates missing folders. On failure the old file is unchanged and the temporary one is removed.
 void write_file(const std::wstring& path, std::string_view content, readers_t readers = readers_t::everyone);
 
-// Does nothing when there is no such file.
+// Does nothing if there is no such file.
 void remove_file(const std::wstring& path);
 
-// Removes the temporary files that processes killed in write_file() left beside the path. Call it only while no other
-// process can be writing that file.
+// Removes the temporary files that were left in the same folder by processes killed in write_file(). Call it only while
+// no other process can be writing the file.
 void remove_temporary_files(const std::wstring& path);
 
 void create_folders(const std::wstring& folder);
 
-// Opens the file so that nobody else can; creates it, for administrators only, when it is missing. The lock lasts until
-// the handle is closed or the process ends. Blocks while another process has the file open, for five seconds at most.
+// Opens the file so that nobody else can open it. Creates it if it is missing, for administrators only. The lock lasts
+// until the handle is closed or the process ends. Blocks while another process has the file open, up to five seconds.
 [[nodiscard]] handle_t lock_file(const std::wstring& path, lock_end_t end);
 
 }  // namespace demo_library
