@@ -26,11 +26,13 @@ bool IsCredentials(std::string_view word) {
     return name.size() < word.size() && !name.empty() ? whole.starts_with(name) : name == whole;
 }
 
-// Options may be abbreviated.
+// An option's name or an abbreviation of it that is not ambiguous.
 bool IsKnown(std::string_view word, const boost::program_options::options_description& options) {
-    return word.starts_with("--") && std::ranges::any_of(options.options(), [&](const auto& option) {
-               return option->long_name().starts_with(NameOf(word));
-           });
+    const std::string_view name = NameOf(word);
+    if (!word.starts_with("--") || name.empty()) return false;
+    const auto has_prefix = [&](const auto& option) { return option->long_name().starts_with(name); };
+    const auto is_name = [&](const auto& option) { return option->long_name() == name; };
+    return std::ranges::any_of(options.options(), is_name) || std::ranges::count_if(options.options(), has_prefix) == 1;
 }
 
 void Replace(std::string& complaint, std::string_view word, std::string_view shown) {

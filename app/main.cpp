@@ -27,7 +27,9 @@ public:
     CNarrowArguments(int argc, wchar_t** wargv) {
         arguments_.reserve(static_cast<std::size_t>(argc));  // growing would leave copies behind
         for (int i = 0; i < argc; ++i) {
-            arguments_.push_back(TakeNarrow(wargv[i]));
+            std::string argument = TakeNarrow(wargv[i]);
+            const text::wipe_at_exit_t wipe_argument(argument);
+            arguments_.push_back(argument);
             pointers_.push_back(arguments_.back().c_str());
         }
         pointers_.push_back(nullptr);

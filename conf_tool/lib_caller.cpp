@@ -9,9 +9,9 @@
 namespace conf_tool {
 namespace {
 
-[[noreturn]] void RaiseLibraryError(LibraryError error, FreeStringFn free_string) {
+std::string TakeErrorText(LibraryError error, FreeStringFn free_string) {
     const CLibraryText text(error, free_string);
-    exc::raise(text ? text::wide_to_utf8(text.Get()) : "Configuration library returned an unknown error");
+    return text ? text::wide_to_utf8(text.Get()) : "Configuration library returned an unknown error";
 }
 
 void LogReceived(const RepositoryEntry& entry) {
@@ -29,7 +29,7 @@ void CConfigToolLibCaller::Call(const char* name, const char* failure_name, Invo
     logging::method_scope_t scope(logging::ormacon_tool, exc::format_message("Calling %1 function", name),
                                   exc::format_message("Failed to call %1 function", failure_name));
     LibraryError error = nullptr;
-    if (invoke(&error) != 0) RaiseLibraryError(error, functions_.FreeString);
+    if (invoke(&error) != 0) exc::raise(TakeErrorText(error, functions_.FreeString));
     take_results();
     scope.succeed();
 }

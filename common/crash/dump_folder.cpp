@@ -7,6 +7,7 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
+#include "common/logging/file_trust.h"
 #include "common/logging/log_exception.h"
 #include "common/platform/account.h"
 #include "common/platform/path.h"
@@ -30,6 +31,7 @@ void check_owner(HANDLE opened, const std::wstring& folder) {
 // By the path, which nobody can rename while the folder is open. A link is not followed.
 void check_kind(const std::wstring& path, const std::wstring& folder) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) raise_for(folder, "Cannot open dump folder [%1].");
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
         exc::raise(exc::format_message("Dump folder [%1] is a link.", text::wide_to_utf8(folder)));
     }
@@ -76,11 +78,12 @@ bool delete_dump(const std::wstring& path) try {
 
 platform::unique_file open_dump_folder(const std::wstring& folder) {
     const std::wstring path = platform::system_path(folder);
+    logging::require_trusted_folder(platform::parent_of(folder));
     platform::create_directories(platform::parent_of(folder));
     if (!platform::create_private_folder(path) && GetLastError() != ERROR_ALREADY_EXISTS) {
         raise_for(folder, "Cannot create directory [%1].");
     }
-    platform::unique_file opened(CreateFileW(path.c_str(), READ_CONTROL, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+    platform::unique_file opened(CreateFileW(path.c_str(), FILE_LIST_DIRECTORY | READ_CONTROL, FILE_SHARE_READ, nullptr,
                                              OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
                                              nullptr));
     if (!opened) raise_for(folder, "Cannot open dump folder [%1].");

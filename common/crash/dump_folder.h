@@ -15,9 +15,9 @@ namespace crash {
 // Windows lets nobody rename or delete the folder.
 //
 // The permissions of an existing folder are not changed. Throws exc::runtime_exc_t "Dump folder [%1] is a link." or
-// "Dump folder [%1] belongs to another account." for a folder that somebody else may have put there, and
-// exc::win_sys_exc_t "Cannot create directory [%1].", "Cannot open dump folder [%1]." or "Cannot determine the current
-// account.".
+// "Dump folder [%1] belongs to another account." for a folder that somebody else may have put there, what
+// logging::require_trusted_folder() throws for the folders above it, and exc::win_sys_exc_t "Cannot create directory
+// [%1].", "Cannot open dump folder [%1]." or "Cannot determine the current account.".
 platform::unique_file open_dump_folder(const std::wstring& folder);
 
 // Makes room for one more dump: deletes the oldest ones until fewer than maximum_count are left, and logs

@@ -12,7 +12,7 @@
 namespace crash::win32 {
 namespace {
 
-[[noreturn]] void raise_system_error(const std::string& sentence) {
+[[noreturn]] void raise_system_error(std::string_view sentence) {
     const DWORD code = GetLastError();
     exc::raise_win_error(code, sentence);
 }

@@ -40,7 +40,9 @@ platform::unique_file create(const std::wstring& path, ULONGLONG longest_wait) {
 bool write_image(HANDLE file) {
     const auto size = static_cast<DWORD>(&ormacon_recorder_end - &ormacon_recorder_begin);
     DWORD written = 0;
-    return WriteFile(file, &ormacon_recorder_begin, size, &written, nullptr) && written == size;
+    if (!WriteFile(file, &ormacon_recorder_begin, size, &written, nullptr)) return false;
+    if (written != size) SetLastError(ERROR_DISK_FULL);
+    return written == size;
 }
 
 // Marked for deletion while it is written: a process that is killed meanwhile leaves nothing.

@@ -79,6 +79,7 @@ win_log_file_t::win_log_file_t(const std::wstring& path, const size_limits_t& li
                         OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr)) {
     const DWORD code = GetLastError();
     if (!file_) {
+        if (code == ERROR_ACCESS_DENIED) refuse_existing_file(path_);
         if (code != ERROR_SHARING_VIOLATION && code != ERROR_LOCK_VIOLATION) {
             fail(code, "Cannot open log file. Log path: [%1].");
         }

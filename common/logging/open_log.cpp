@@ -74,7 +74,7 @@ void attach(const component_t& component, const log_options_t& options) {
     const std::wstring folder = platform::parent_of(options.path);
     require_trusted_folder(folder);  // nothing is created through a link either
     platform::create_directories(folder);
-    require_trusted_folder(folder);
+    const platform::unique_file held = require_trusted_folder(folder);
     const auto file = log_file_set_t::numbered(options.path).open(options.limits);
     process_logger().attach(file);
     exchange_file(file);

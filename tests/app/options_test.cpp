@@ -59,6 +59,8 @@ TEST(Dispatch, ComplaintsOfTheParserGetTheirContext) {
         {{"--set-credentials", "user", "--s3cret=x", "--set-port", "1"}, "unrecognised option '***'"},
         {{"--set-credentials", "user", "--wizard", "-v"}, "unrecognised option '-v'"},
         {{"set-credentials", "user", "-s3cret"}, "unrecognised option '***'"},
+        {{"--set-credentials", "user", "--set-p=s3cret"},
+         "option '***' is ambiguous and matches '--set-parallelism', and '--set-port'"},
         {{"/set-cred", "user", "-s3cret"}, "unrecognised option '***'"},
         {{"--password=s3cret=", "--set-credentials=user"}, "unrecognised option '--password=***'"},
         {{"--set=s3cret"},

@@ -14,7 +14,6 @@ DONE = "Unloading configuration library ok."
 LOG = os.path.join("RmanPluginLogs", "Ormacon.log")
 # The log directory below the test's folder, the folder that is there already, and what is said about it.
 REFUSED = [
-    ("", LOG, "Cannot open log file. Log path: [{}\\RmanPluginLogs\\Ormacon.log]."),
     ("\\Ormacon.exe", "", "Cannot create directory [{}]."),
 ]
 

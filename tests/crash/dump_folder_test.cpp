@@ -42,6 +42,7 @@ TEST_F(DumpFolder, OthersHaveNoRights) {
     const platform::unique_file opened = crash::open_dump_folder(dumps);
     EXPECT_TRUE(opened);
     EXPECT_TRUE(crash::open_dump_folder(dumps));
+    EXPECT_FALSE(MoveFileW(dumps.c_str(), (dumps + L"_").c_str()));
     // Wine stores no more of an access list than what its own folders can express.
     EXPECT_NE(rights(folder.wstring(), WinWorldSid), 0u);
     EXPECT_EQ(rights(dumps, WinWorldSid), 0u);

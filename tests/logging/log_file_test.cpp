@@ -288,6 +288,7 @@ TEST(log_file_set, planted_files_are_left_alone) {
     WriteFileText(folder / L"other", "foreign");
     for (const wchar_t* name : {L"A.log", L"A_2.log"})
         ASSERT_TRUE(CreateHardLinkW((folder / name).c_str(), (folder / L"other").c_str(), nullptr));
+    fs::create_directory(folder / L"A_3.log");
     const auto reason = [&](const wchar_t* name, const char* text) {
         return "WARN|File [" + (folder / name).string() + "] is not used: " + text + ".";
     };
@@ -298,15 +299,16 @@ TEST(log_file_set, planted_files_are_left_alone) {
         for (int i = 0; i < 2; ++i) logger.log({.text = "record"});
     }
     EXPECT_EQ(FileText(folder / L"other"), "foreign");
-    EXPECT_THAT(texts_in(folder / L"A_3.log"),
+    EXPECT_THAT(texts_in(folder / L"A_4.log"),
                 testing::ElementsAre(reason(L"A.log", "it has more than one name"),
-                                     reason(L"A_2.log", "it has more than one name"), "record", "record"));
+                                     reason(L"A_2.log", "it has more than one name"),
+                                     reason(L"A_3.log", "access to it is denied"), "record", "record"));
 
     // Wine shows files of other users of its host as such; its links to files cannot be told from the files.
     if (!run_on_host(folder.path,
-                     L"chown nobody A_3.log; mkdir B; chown nobody B; ln -s B link; test -O A.log -a ! -O B"))
+                     L"chown nobody A_4.log; mkdir B; chown nobody B; ln -s B link; test -O A.log -a ! -O B"))
         GTEST_SKIP() << "no file can be given away here";
-    EXPECT_EQ(set.open({})->path(), folder / L"A_4.log");
+    EXPECT_EQ(set.open({})->path(), folder / L"A_5.log");
     EXPECT_THAT([&] { require_trusted_folder((folder / L"link\\Sub").wstring()); },
                 testing::ThrowsMessage<exc::runtime_exc_t>(testing::HasSubstr("leads elsewhere")));
     EXPECT_NO_THROW(require_trusted_folder((folder / L"B").wstring()));
