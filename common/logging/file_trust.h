@@ -13,13 +13,13 @@ namespace logging {
 // trusted owner (see platform::has_trusted_owner()), or if its attributes cannot be read.
 void require_trusted_file(HANDLE file, const std::wstring& path);
 
-// For a path that could not be opened because access was denied. Throws exc::runtime_exc_t "File [%1] is not used: access
-// to it is denied." if a folder or a file of that name exists.
+// For a path that could not be opened because access was denied. Throws exc::runtime_exc_t "File [%1] is not used:
+// access to it is denied." if a folder or a file of that name exists.
 void refuse_existing_file(const std::wstring& path);
 
-// Returns a handle to the folder: until it is closed, Windows lets nobody rename the folder. The handle is invalid if the
-// folder does not exist. Throws exc::runtime_exc_t "Log folder [%1] is not used: [%2] leads elsewhere and belongs to
-// another account." if the folder or one above it is a reparse point without a trusted owner.
+// Returns a handle to the folder: until it is closed, Windows lets nobody rename the folder. The handle is invalid if
+// the folder does not exist. Throws exc::runtime_exc_t "Log folder [%1] is not used: [%2] leads elsewhere and belongs
+// to another account." if the folder or one above it is a reparse point without a trusted owner.
 platform::unique_file require_trusted_folder(const std::wstring& path);
 
 }  // namespace logging
