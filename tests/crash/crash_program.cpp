@@ -10,7 +10,6 @@
 #include "common/crash/crash_entry.h"
 #include "common/crash/handler_registry.h"
 #include "common/crash/install.h"
-#include "common/crash/watchdog.h"
 #include "common/logging/log_settings.h"
 #include "common/logging/open_log.h"
 #include "common/logging/logger.h"
@@ -46,10 +45,6 @@ struct derived_t : base_t {
     void pure() override {}
 };
 
-struct faulting_sink_t : logging::receiver::sink_t {
-    void write_line(const logging::line_t&) override { write_through_null(); }
-};
-
 const HANDLE blocked = CreateEventW(nullptr, TRUE, FALSE, nullptr);
 struct blocking_sink_t : logging::receiver::sink_t {
     void write_line(const logging::line_t&) override {
@@ -58,52 +53,35 @@ struct blocking_sink_t : logging::receiver::sink_t {
     }
 };
 
+WAY stack_overflow() { recurse<64>(zeros); }
 // The records of a crash have the id of the thread that crashed, as this one has.
-template <class Way>
-void die_in_thread(Way way) {
-    std::thread([way] {
+WAY stack_overflow_second_thread() {
+    std::thread([] {
         logging::ormacon_tool.info("This thread crashes.");
-        way();
+        recurse<64>(zeros);
     }).join();
 }
-
-// What catches everything that C++ throws must not stop a fault.
-WAY access_violation() try { write_through_null(); } catch (...) {
-}
-WAY stack_overflow() { recurse<64>(zeros); }
 // The fault comes in the midst of the last page: too little is left for the system to report it.
 WAY stack_overflow_unreported() { recurse<2048>(zeros); }
 WAY uncaught_int() { throw 42; }
 WAY pure_virtual_call() { derived_t(); }
-WAY call_abort() { std::abort(); }
 // As the system reports it, and past the unhandled-exception filter.
 WAY heap_corruption() {
     SetUnhandledExceptionFilter(nullptr);
     RaiseException(0xC0000374, EXCEPTION_NONCONTINUABLE, 0, nullptr);
 }
-WAY invalid_parameter() { _get_invalid_parameter_handler()(nullptr, nullptr, nullptr, 0, 0); }
 WAY library_load() { LoadLibraryW(L"crash_library.dll"); }
-WAY second_thread() { die_in_thread(write_through_null); }
-WAY stack_overflow_second_thread() {
-    die_in_thread([] { recurse<64>(zeros); });
-}
-WAY faulting_sink() {
-    die_in_thread([] {
-        logging::process_logger().attach(boost::make_shared<faulting_sink_t>());
-        logging::ormacon_tool.info("reaches the sinks before that one");
-    });
-}
-WAY log_lock_held() {
+// Another thread has the log's lock, and the crashed one the heap's.
+WAY locks_held() {
     std::thread([] {
         logging::process_logger().attach(boost::make_shared<blocking_sink_t>());
         logging::ormacon_tool.info("reaches the sinks before that one");
     }).detach();
     WaitForSingleObject(blocked, INFINITE);
-    write_through_null();
-}
-WAY heap_lock_held() {
-    HeapLock(GetProcessHeap());
-    write_through_null();
+    std::thread([] {
+        HeapLock(GetProcessHeap());
+        write_through_null();
+    }).join();
 }
 WAY crash_while_exiting() {
     std::atexit(write_through_null);
@@ -119,10 +97,8 @@ WAY aborting_handler() {
 }
 WAY no_dump_folder() {
     crash::set_dump_folder(L"");
-    std::abort();
+    _get_invalid_parameter_handler()(nullptr, nullptr, nullptr, 0, 0);
 }
-// Where the unwinder looks for the caller of this function there is no memory.
-WAY damaged_frame() { asm("sub $32, %rsp\n\tmov $8, %rbp\n\tcall abort"); }
 
 void log_on(const std::string& narrow, const std::wstring& wide, const char* copy, way_to_die_t die) {
     if (narrow.size() == wide.size() && narrow == copy) die();
@@ -135,20 +111,21 @@ void use_password(way_to_die_t die) {
     std::strcpy(copy, password.c_str());
     log_on(password, std::wstring(password.begin(), password.end()), copy, die);
 }
-WAY password_in_use() { use_password(write_through_null); }
-WAY password_and_abort() { use_password(call_abort); }
-
-void stop_other_threads(HANDLE snapshot) {
-    THREADENTRY32 thread{};
-    thread.dwSize = sizeof thread;
-    for (BOOL found = Thread32First(snapshot, &thread); found; found = Thread32Next(snapshot, &thread)) {
-        const DWORD id = thread.th32ThreadID;
-        if (thread.th32OwnerProcessID != GetCurrentProcessId()) continue;
-        if (id == GetCurrentThreadId() || id == crash::watching_thread()) continue;
-        SuspendThread(OpenThread(THREAD_SUSPEND_RESUME, FALSE, id));
-    }
+// What catches everything that C++ throws must not stop a fault.
+WAY password_in_use() try { use_password(write_through_null); } catch (...) {
 }
-void kill_child(HANDLE snapshot) {
+WAY password_and_abort() { use_password(std::abort); }
+// Where the unwinder looks for the caller of this function there is no memory.
+WAY damaged_frame() {
+    use_password([] { asm("sub $32, %rsp\n\tmov $8, %rbp\n\tcall abort"); });
+}
+
+// As a virus scanner may do it, at the worst time: the dump is begun, and its writer has stopped the crashed thread.
+void kill_recorder(const std::wstring& dump, HANDLE crashed_thread) {
+    WIN32_FIND_DATAW entry;
+    while (FindFirstFileW(dump.c_str(), &entry) == INVALID_HANDLE_VALUE) Sleep(1);
+    for (int i = 0; i < 2; ++i) SuspendThread(crashed_thread);
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
     PROCESSENTRY32W process{};
     process.dwSize = sizeof process;
     for (BOOL found = Process32FirstW(snapshot, &process); found; found = Process32NextW(snapshot, &process)) {
@@ -156,16 +133,9 @@ void kill_child(HANDLE snapshot) {
         TerminateProcess(OpenProcess(PROCESS_TERMINATE, FALSE, process.th32ProcessID), 9);
     }
 }
-void kill_recorder(const std::wstring& dump) {
-    WIN32_FIND_DATAW entry;
-    while (FindFirstFileW(dump.c_str(), &entry) == INVALID_HANDLE_VALUE) Sleep(1);
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS | TH32CS_SNAPTHREAD, 0);
-    stop_other_threads(snapshot);
-    kill_child(snapshot);
-}
-// As a virus scanner may do it, at the worst time: the dump is begun, and its writer has stopped this process.
 WAY recorder_killed() {
-    std::thread(kill_recorder, logging::log_folder_path(L"logs") + L"\\Dumps\\*.mdmp").detach();
+    const HANDLE self = OpenThread(THREAD_SUSPEND_RESUME, FALSE, GetCurrentThreadId());
+    std::thread(kill_recorder, logging::log_folder_path(L"logs") + L"\\Dumps\\*.mdmp", self).detach();
     write_through_null();
 }
 

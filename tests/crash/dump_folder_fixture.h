@@ -31,21 +31,16 @@ protected:
 
     std::set<std::wstring> names() const {
         std::set<std::wstring> result;
-        for (const auto& entry : boost::filesystem::directory_iterator(folder)) {
+        for (const auto& entry : boost::filesystem::directory_iterator(folder))
             result.insert(entry.path().filename().wstring());
-        }
         return result;
     }
 
     boost::filesystem::path folder;
 };
 
-template <class Action>
-std::string message_of(const Action& action) {
-    try {
-        action();
-    } catch (const exc::exc_base_t& failure) {
-        return failure.what();
-    }
-    return "nothing was raised";
+// For an action.
+template <class Matcher>
+auto Fails(const Matcher& message) {
+    return testing::ThrowsMessage<exc::exc_base_t>(message);
 }

@@ -1,95 +1,63 @@
 #include "common/crash/dump_folder.h"
 
 #include "common/platform/account.h"
-#include "common/text/convert.h"
 #include "tests/crash/dump_folder_fixture.h"
-#include "tests/support/recording_sink.h"
 
 #include <aclapi.h>
+#include <sddl.h>
 
 namespace {
 
-std::string shown(const boost::filesystem::path& path) { return text::wide_to_utf8(path.wstring()); }
+using testing::HasSubstr;
 
-struct account_t {
-    explicit account_t(WELL_KNOWN_SID_TYPE type) {
-        DWORD size = sizeof bytes;
-        CreateWellKnownSid(type, nullptr, bytes, &size);
-    }
-    unsigned char bytes[SECURITY_MAX_SID_SIZE];
-};
-
-// What the entries of the folder's access list allow this account.
-DWORD rights(const std::wstring& path, WELL_KNOWN_SID_TYPE account) {
-    PACL list = nullptr;
+// The entries of the folder's access list, such as "(A;OICI;FA;;;SY)" for full access of the system.
+std::wstring access_list(const boost::filesystem::path& path) {
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    EXPECT_EQ(GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
-                                    nullptr, &descriptor),
-              0u);
-    DWORD mask = 0;
-    for (DWORD i = 0; i < list->AceCount; ++i) {
-        void* entry = nullptr;
-        GetAce(list, i, &entry);
-        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
-        if (EqualSid(&allowed->SidStart, account_t(account).bytes)) mask |= allowed->Mask;
-    }
+    LPWSTR text = nullptr;
+    GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr,
+                          &descriptor);
+    ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text,
+                                                         nullptr);
+    const std::wstring result = text ? text : L"";
+    LocalFree(text);
     LocalFree(descriptor);
-    return mask;
+    return result;
 }
 
 TEST_F(DumpFolder, OthersHaveNoRights) {
-    const std::wstring dumps = (folder / "a" / "Dumps").wstring();
-    const platform::unique_file opened = crash::open_dump_folder(dumps);
+    const boost::filesystem::path dumps = folder / "a" / "Dumps";
+    const platform::unique_file opened = crash::open_dump_folder(dumps.wstring());
     EXPECT_TRUE(opened);
-    EXPECT_TRUE(crash::open_dump_folder(dumps));
-    EXPECT_FALSE(MoveFileW(dumps.c_str(), (dumps + L"_").c_str()));
+    EXPECT_TRUE(crash::open_dump_folder(dumps.wstring()));
+    EXPECT_FALSE(MoveFileW(dumps.c_str(), (dumps.wstring() + L"_").c_str()));
     // Wine stores no more of an access list than what its own folders can express.
-    EXPECT_NE(rights(folder.wstring(), WinWorldSid), 0u);
-    EXPECT_EQ(rights(dumps, WinWorldSid), 0u);
-    EXPECT_EQ(rights(dumps, WinBuiltinUsersSid), 0u);
-    EXPECT_EQ(rights(dumps, WinLocalSystemSid), DWORD{FILE_ALL_ACCESS});
+    EXPECT_THAT(access_list(folder), HasSubstr(L";WD)"));
+    EXPECT_THAT(access_list(dumps), AllOf(Not(HasSubstr(L";WD)")), Not(HasSubstr(L";BU)")), HasSubstr(L";FA;;;SY)")));
 
-    EXPECT_TRUE(platform::is_trusted_owner(account_t(WinLocalSystemSid).bytes));
-    EXPECT_TRUE(platform::is_trusted_owner(account_t(WinBuiltinAdministratorsSid).bytes));
-    EXPECT_FALSE(platform::is_trusted_owner(account_t(WinWorldSid).bytes));
-    EXPECT_FALSE(platform::is_trusted_owner(account_t(WinBuiltinUsersSid).bytes));
-}
-
-TEST_F(DumpFolder, CleanUpIsLogged) {
-    create(L"a_crash_old.mdmp", 3);
-    create(L"a_crash_middle.mdmp", 2);
-    create(L"a_crash_new.mdmp", 1);
-    const platform::unique_file held = hold(L"a_crash_old.mdmp");
-    test_support::CRecordedLog log;
-
-    crash::cleanup_dumps(folder.wstring(), 4);
-    EXPECT_THAT(log.lines(), testing::IsEmpty());
-    crash::cleanup_dumps(folder.wstring(), 3);
-
-    EXPECT_THAT(log.lines(), testing::ElementsAre("WARN|Sharing violation.",
-                                                  "WARN|Old dump cannot be removed. Dump path: [" +
-                                                      shown(folder / "a_crash_old.mdmp") + "].",
-                                                  "WARN|--tr:Error code: 0x00000020",
-                                                  "Dump [" + shown(folder / "a_crash_middle.mdmp") + "] deleted."));
-    const platform::unique_file also_held = hold(L"a_crash_new.mdmp");
-    EXPECT_EQ(message_of([&] { crash::cleanup_dumps(folder.wstring(), 1); }),
-              "Cannot cleanup out of date dumps. There are [2] dumps stored. Maximum allowed dumps number: [1].");
+    const std::pair<WELL_KNOWN_SID_TYPE, bool> owners[] = {{WinLocalSystemSid, true},
+                                                           {WinBuiltinAdministratorsSid, true},
+                                                           {WinWorldSid, false},
+                                                           {WinBuiltinUsersSid, false}};
+    for (const auto& [owner, is_trusted] : owners) {
+        unsigned char bytes[SECURITY_MAX_SID_SIZE];
+        DWORD size = sizeof bytes;
+        CreateWellKnownSid(owner, nullptr, bytes, &size);
+        EXPECT_EQ(platform::is_trusted_owner(bytes), is_trusted) << owner;
+    }
 }
 
 TEST_F(DumpFolder, FirstFreeIdentifierIsReserved) {
     const std::wstring path = (folder / "Ormacon_crash").wstring();
     const std::wstring begin = L"Ormacon_crash_" + std::to_wstring(GetCurrentProcessId()) + L"_";
     EXPECT_EQ(crash::reserve_dump_identifier(path), (folder / (begin + L"1")).wstring());
-    create(begin + L"1.mdmp", 1);
-    create(begin + L"2-exceptions.log", 1);
-    create(begin + L"12.mdmp", 1);
+    for (const wchar_t* const end : {L"1.mdmp", L"2-exceptions.log", L"12.mdmp"}) create(begin + end, 1);
     EXPECT_EQ(crash::reserve_dump_identifier(path), (folder / (begin + L"3")).wstring());
 
     std::set<unsigned> taken;
     for (unsigned i = 1; i < 10'000; ++i) taken.insert(i);
     EXPECT_EQ(crash::first_free_identifier(taken), 10'000u);
     taken.insert(10'000);
-    EXPECT_EQ(message_of([&] { crash::first_free_identifier(taken); }), "All dump identifiers are reserved.");
+    EXPECT_THAT([&] { crash::first_free_identifier(taken); }, Fails("All dump identifiers are reserved."));
 }
 
 }  // namespace

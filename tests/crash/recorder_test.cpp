@@ -5,9 +5,11 @@
 #include "common/exc/format_message.h"
 #include "common/text/convert.h"
 #include "tests/crash/dump_folder_fixture.h"
+#include "tests/support/recording_sink.h"
 
 namespace {
 
+using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
 const std::string name_too_long(300, 'x');
@@ -87,60 +89,62 @@ TEST_F(Recorder, FileIsReplacedAndRenamedByNobody) {
         EXPECT_FALSE(DeleteFileW(path.c_str()));
         EXPECT_FALSE(platform::unique_file(
             CreateFileW(path.c_str(), GENERIC_WRITE, 7, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
-        EXPECT_THAT(message_of([&] { crash::recorder_file_t(folder.wstring(), 50); }),
-                    testing::HasSubstr("Failed to create dump recorder file: " + text::wide_to_utf8(path)));
+        EXPECT_THAT([&] { crash::recorder_file_t(folder.wstring(), 50); },
+                    Fails(testing::HasSubstr("Failed to create dump recorder file: " + text::wide_to_utf8(path))));
         const platform::unique_module image(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
         EXPECT_NE(FindResourceW(image.get(), MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(24)), nullptr) << "no manifest";
     }
     EXPECT_THAT(names(), testing::IsEmpty());
-    EXPECT_THAT(message_of([&] { crash::recorder_file_t((folder / "missing").wstring()); }),
-                testing::HasSubstr("Failed to create dump recorder file: "));
+    EXPECT_THAT([&] { crash::recorder_file_t((folder / "missing").wstring()); },
+                Fails(testing::HasSubstr("Failed to create dump recorder file: ")));
 }
 
 TEST_F(Recorder, CleansUpAsTheProgramDoes) {
-    const auto clean_up = [&](bool by_recorder, unsigned most) {
-        if (by_recorder) {
-            return run("%1 %2 %3 0 0 \"%4\" " + name_too_long + " " + std::to_string(most)) == 106;
+    const auto clean_up = [&](bool by_recorder, unsigned most) -> std::string {
+        if (by_recorder) return shown(run("%1 %2 %3 0 0 \"%4\" " + name_too_long + " " + std::to_string(most)));
+        try {
+            crash::cleanup_dumps(folder.wstring(), most);
+        } catch (const exc::exc_base_t& failure) {
+            return failure.what();
         }
-        return message_of([&] { crash::cleanup_dumps(folder.wstring(), most); }) == "nothing was raised";
+        return "done";
     };
+    const auto path_of = [&](const char* name) { return (folder / name).string(); };
+    const std::pair<const wchar_t*, int> files[] = {
+        {L"a_crash_1.mdmp", 9}, {L"A_CRASH_2-EXCEPTIONS.LOG", 8}, {L"a_crash_3.MDMP", 7}, {L"a_crash_B.mdmp", 6},
+        {L"a_crash_a.mdmp", 6}, {L"a_crash_4.mdmp.txt", 10},      {L"a.mdmp", 10},
+    };
+    const std::pair<const char*, const char*> outcomes[] = {
+        {"done", "Cannot cleanup out of date dumps. There are [1] dumps stored. Maximum allowed dumps number: [1]."},
+        {"106: cannot create dump file", "104: cannot delete old dumps"},
+    };
+    test_support::CRecordedLog log;
     for (const bool by_recorder : {false, true}) {
-        create(L"a_crash_1.mdmp", 9);
-        create(L"A_CRASH_2-EXCEPTIONS.LOG", 8);
-        create(L"a_crash_3.MDMP", 7);
-        create(L"a_crash_B.mdmp", 6);
-        create(L"a_crash_a.mdmp", 6);
-        create(L"a_crash_4.mdmp.txt", 10);
-        create(L"a.mdmp", 10);
+        for (const auto& [name, age] : files) create(name, age);
         const platform::unique_file held = hold(L"a_crash_1.mdmp");
         platform::unique_file read = hold(L"a_crash_3.MDMP", FILE_SHARE_DELETE);
+        const auto& [done, failed] = outcomes[by_recorder];
+        log.Clear();
 
-        EXPECT_TRUE(clean_up(by_recorder, 6));
+        EXPECT_EQ(clean_up(by_recorder, 6), done);
         EXPECT_EQ(names().size(), 7u);
-        EXPECT_TRUE(clean_up(by_recorder, 3));
+        EXPECT_THAT(log.lines(), testing::IsEmpty());
+        EXPECT_EQ(clean_up(by_recorder, 3), done);
         read.reset();
         EXPECT_THAT(names(),
                     UnorderedElementsAre(L"a_crash_1.mdmp", L"a_crash_B.mdmp", L"a_crash_4.mdmp.txt", L"a.mdmp"));
-        EXPECT_FALSE(clean_up(by_recorder, 1));
+        if (!by_recorder) {
+            EXPECT_THAT(log.lines(),
+                        ElementsAre("WARN|Sharing violation.",
+                                    "WARN|Old dump cannot be removed. Dump path: [" + path_of("a_crash_1.mdmp") + "].",
+                                    "WARN|--tr:Error code: 0x00000020",
+                                    "Dump [" + path_of("A_CRASH_2-EXCEPTIONS.LOG") + "] deleted.",
+                                    "Dump [" + path_of("a_crash_3.MDMP") + "] deleted.",
+                                    "Dump [" + path_of("a_crash_a.mdmp") + "] deleted."));
+        }
+        EXPECT_EQ(clean_up(by_recorder, 1), failed);
         EXPECT_THAT(names(), UnorderedElementsAre(L"a_crash_1.mdmp", L"a_crash_4.mdmp.txt", L"a.mdmp"));
     }
-}
-
-TEST_F(Recorder, FailureIsRaisedAndNothingStays) {
-    create(L"a_crash_1.mdmp", 1);
-    const platform::unique_file held = hold(L"a_crash_1.mdmp");
-    const auto failure_and_handles = [this](const boost::filesystem::path& name) {
-        const crash::failure_t failure{1, GetCurrentThreadId(), nullptr};
-        const std::string message =
-            message_of([&] { crash::win32::COutOfProcDumpGen(1).generate(failure, (folder / name).wstring()); });
-        DWORD handles = 0;
-        GetProcessHandleCount(GetCurrentProcess(), &handles);
-        return std::pair(message, handles);
-    };
-    const auto [message, handles] = failure_and_handles("b_crash");
-    EXPECT_EQ(message, "Dump generator process failed with 104: cannot delete old dumps");
-    EXPECT_EQ(failure_and_handles("b_crash").second, handles);
-    EXPECT_THAT(names(), UnorderedElementsAre(L"a_crash_1.mdmp"));
 }
 
 TEST_F(Recorder, IsEndedWhenItTakesTooLong) {
@@ -150,8 +154,8 @@ TEST_F(Recorder, IsEndedWhenItTakesTooLong) {
     ASSERT_TRUE(CreateProcessW(L"C:\\windows\\system32\\hostname.exe", nullptr, nullptr, nullptr, FALSE,
                                CREATE_SUSPENDED, nullptr, nullptr, &start, &process));
     const platform::unique_handle thread(process.hThread), hanging(process.hProcess);
-    EXPECT_EQ(message_of([&] { crash::wait_for_recorder(hanging, 1); }),
-              "Timed out waiting for dump generator process to finish");
+    EXPECT_THAT([&] { crash::wait_for_recorder(hanging, 1); },
+                Fails("Timed out waiting for dump generator process to finish"));
     EXPECT_EQ(WaitForSingleObject(hanging.get(), 10'000), WAIT_OBJECT_0);
     TerminateProcess(hanging.get(), 0);
 }
