@@ -17,24 +17,26 @@
 namespace {
 
 constexpr DWORD limit_ms = 60000;
+// Shells let programs use escape sequences; ours turns that off for itself.
+constexpr DWORD output_modes = ENABLE_PROCESSED_OUTPUT | ENABLE_WRAP_AT_EOL_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING;
 
 BOOL WINAPI StayAlive(DWORD event) { return event != CTRL_CLOSE_EVENT; }
 
-bool echo_is_on() {
-    constexpr DWORD wanted = ENABLE_ECHO_INPUT | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT;
-    DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) && (mode & wanted) == wanted;
+// Whether the console's input (or output) has these modes.
+bool has_modes(DWORD handle, DWORD wanted) {
+    DWORD modes = 0;
+    return GetConsoleMode(GetStdHandle(handle), &modes) && (modes & wanted) == wanted;
 }
 
-std::wstring with_run(std::wstring word, long run) {
-    const std::size_t at = word.find(L"RUN");
-    return at == std::wstring::npos ? word : word.replace(at, 3, std::to_wstring(run));
+bool echo_is_on() {
+    return has_modes(STD_INPUT_HANDLE, ENABLE_ECHO_INPUT | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT);
 }
 
 std::wstring command_line(int count, wchar_t** words, long run) {
     std::wstring line;
-    for (int i = 0; i < count; ++i) line += (i == 0 ? L"\"" : L" \"") + with_run(words[i], run) + L"\"";
-    return line;
+    for (int i = 0; i < count; ++i) line += std::wstring(i == 0 ? L"\"" : L" \"") + words[i] + L"\"";
+    const std::size_t at = line.rfind(L"RUN");
+    return at == std::wstring::npos ? line : line.replace(at, 3, std::to_wstring(run));
 }
 
 HANDLE start(std::wstring line) {
@@ -50,12 +52,7 @@ HANDLE start(std::wstring line) {
 }
 
 void type_some_characters() {
-    INPUT_RECORD key{};
-    key.EventType = KEY_EVENT;
-    key.Event.KeyEvent.bKeyDown = TRUE;
-    key.Event.KeyEvent.wRepeatCount = 3;
-    key.Event.KeyEvent.wVirtualKeyCode = 'X';
-    key.Event.KeyEvent.uChar.UnicodeChar = L'x';
+    const INPUT_RECORD key{KEY_EVENT, {{TRUE, 3, 'X', 0, {L'x'}, 0}}};
     DWORD written = 0;
     WriteConsoleInputW(GetStdHandle(STD_INPUT_HANDLE), &key, 1, &written);
 }
@@ -75,18 +72,6 @@ void press_break_at_prompt(HANDLE program, long run) {
     send_break(program);
 }
 
-// Shells let programs use escape sequences; ours turns that off for itself.
-bool escape_sequences_are_on() {
-    DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) && (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
-}
-
-void turn_escape_sequences_on() {
-    DWORD mode = 0;
-    GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode);
-    SetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
-}
-
 void report_end(HANDLE program, long run, const wchar_t* file) {
     const bool ended = WaitForSingleObject(program, limit_ms) == WAIT_OBJECT_0;
     std::printf("\n");
@@ -94,7 +79,7 @@ void report_end(HANDLE program, long run, const wchar_t* file) {
     std::FILE* const report = _wfopen(file, L"a");
     if (report == nullptr) std::exit(3);
     std::fprintf(report, "run %ld: %s, echo %s%s\n", run, ended ? "ended" : "still running",
-                 echo_is_on() ? "on" : "off", escape_sequences_are_on() ? "" : ", escape sequences off");
+                 echo_is_on() ? "on" : "off", has_modes(STD_OUTPUT_HANDLE, output_modes) ? "" : ", output modes lost");
     std::fclose(report);
 }
 
@@ -103,7 +88,7 @@ void report_end(HANDLE program, long run, const wchar_t* file) {
 extern "C" int wmain(int argc, wchar_t** argv) {
     if (argc < 5) return 2;
     SetConsoleCtrlHandler(StayAlive, TRUE);
-    turn_escape_sequences_on();
+    SetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), output_modes);
     // Wine's console starts the desktop at the first key, and hangs when Ctrl+C comes in that moment: start it now.
     VkKeyScanW(L'x');
     const bool sends_break = std::wcscmp(argv[1], L"break") == 0;

@@ -1,7 +1,9 @@
 """The real program in a real terminal, each test in a folder of its own."""
 import base64
 import gzip
+import itertools
 import os
+import pathlib
 import re
 import shutil
 import subprocess
@@ -16,6 +18,7 @@ from terminal import Terminal  # noqa: E402
 
 BIN = os.environ.get("TEST_BIN", os.path.join(ROOT, "build/test/bin"))
 WORK = os.path.realpath(os.environ.get("TEST_WORK", os.path.join(ROOT, "build/test/tests/console")))
+SETTINGS = r"HKLM\SOFTWARE\Tovak\Tovak Central"
 HELPERS = os.path.join(BIN, "console_test")
 LINE_START = re.compile(r"\[\d\d\.\d\d\.\d{4} \d\d:\d\d:\d\d\] <[ \d]{6}> ")
 SECONDS = 60  # for what takes a moment, on a machine that has other work to do
@@ -72,8 +75,14 @@ class ConsoleTest(unittest.TestCase):
         os.environ["ORMACON_DEMO_REPORT"] = windows_path(self.path("report.txt"))
         for name in ("ORMACON_DEMO_STATE", "ORMACON_DEMO_SCENARIO"):
             os.environ.pop(name, None)
-        run_quietly("wine64", "reg", "add", r"HKLM\SOFTWARE\Tovak\Tovak Central", "/v", "LogDirectory", "/d",
-                    windows_path(self.folder), "/f")
+        self.log_to(windows_path(self.folder))
+
+    def log_to(self, directory, size=None):
+        """The size limits the log in bytes, and in archives, too."""
+        run_quietly("wine64", "reg", "add", SETTINGS, "/v", "LogDirectory", "/d", directory, "/f")
+        for name in ("AgentMaxLogSize", "AgentMaxLogCount") if size else ():
+            run_quietly("wine64", "reg", "add", SETTINGS, "/v", name, "/t", "REG_DWORD", "/d", str(size), "/f")
+            self.addCleanup(run_quietly, "wine64", "reg", "delete", SETTINGS, "/v", name, "/f", check=False)
 
     def path(self, *names):
         return os.path.join(self.folder, *names)
@@ -92,8 +101,7 @@ class ConsoleTest(unittest.TestCase):
 
     def run_program(self, *options):
         """The screen after a run that asks nothing; every run that reaches its end has the exit status 0."""
-        terminal = self.start(*options)
-        return self.ending(terminal)
+        return self.ending(self.start(*options))
 
     def ending(self, terminal, status=0):
         self.assertTrue(terminal.wait(terminal.ended, SECONDS), "still running:\n" + terminal.screen())
@@ -146,9 +154,7 @@ class ConsoleTest(unittest.TestCase):
 
     def stored_password(self):
         """As the library itself gives it out."""
-        reader = self.path("password_reader.exe")
-        if not os.path.exists(reader):
-            os.link(os.path.join(HELPERS, "password_reader.exe"), reader)
+        reader = shutil.copy(os.path.join(HELPERS, "password_reader.exe"), self.folder)
         units = subprocess.run(["wine64", reader], capture_output=True, text=True, check=True).stdout.split()
         return b"".join(int(unit, 16).to_bytes(2, "little") for unit in units).decode("utf-16-le")
 
@@ -170,14 +176,11 @@ class ConsoleTest(unittest.TestCase):
             return False
 
     def assert_in_no_file(self, *secrets):
-        files = {name: content for name, content in self.contents() if not name.endswith((".exe", ".dll"))}
-        for name, content in files.items():
-            for secret in secrets:
-                assert_without(self, secret, content, name)
+        files = {}
+        for path in pathlib.Path(self.folder).rglob("*"):
+            if path.is_file() and path.suffix not in (".exe", ".dll"):
+                content = path.read_bytes()
+                files[str(path)] = gzip.decompress(content) if path.suffix == ".gz" else content
+        for (name, content), secret in itertools.product(files.items(), secrets):
+            assert_without(self, secret, content, name)
         return files
-
-    def contents(self):
-        for folder, _, names in os.walk(self.folder):
-            for name in names:
-                with (gzip.open if name.endswith(".gz") else open)(os.path.join(folder, name), "rb") as file:
-                    yield os.path.relpath(os.path.join(folder, name), self.folder), file.read()

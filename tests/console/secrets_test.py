@@ -1,11 +1,10 @@
 """A password that cannot be missed: given to the program in every way, found nowhere."""
 import unittest
 
-from console_kit import ConsoleTest, assert_without, run_quietly
+from console_kit import ConsoleTest, assert_without, windows_path
 
 HALVES = ("Zq7#tiger-Xw9v", "éím-Žluť-日本")  # the second one outside every code page: not every leak would show it
 SECRET = "".join(HALVES)
-SETTINGS = r"HKLM\SOFTWARE\Tovak\Tovak Central"
 CREDENTIALS = "--set-credentials"
 CRASH, REFUSED = 'crash="access-violation"', 'fail="The account is refused: %1 ä."'
 # Command lines that end without a question.
@@ -29,9 +28,7 @@ class Secrets(ConsoleTest):
     def setUp(self):
         super().setUp()
         self.screens = []
-        for name, value in (("AgentMaxLogSize", "4000"), ("AgentMaxLogCount", "1000")):
-            run_quietly("wine64", "reg", "add", SETTINGS, "/v", name, "/t", "REG_DWORD", "/d", value, "/f")
-            self.addCleanup(run_quietly, "wine64", "reg", "delete", SETTINGS, "/v", name, "/f")
+        self.log_to(windows_path(self.folder), 4000)
 
     def ending(self, terminal, status=0):
         self.screens.append(super().ending(terminal, status))
@@ -65,7 +62,7 @@ class Secrets(ConsoleTest):
         for place, content in enumerate(self.screens):
             for half in HALVES:
                 assert_without(self, half, content.replace("\n", "").encode(), f"screen {place}")
-        self.assertIn(b"protectedPassword=", files["OrmaconDemoState.xml"])
+        self.assertIn(b"protectedPassword=", files[self.path("OrmaconDemoState.xml")])
         for kind, least in ((".log.gz", 5), (".mdmp", 2), ("export/", 2)):
             self.assertLessEqual(least, sum(kind in name for name in files), kind)
         self.run_program("--uninstall")

@@ -4,7 +4,7 @@ import subprocess
 import sys
 import unittest
 
-from console_kit import ROOT, SECONDS, ConsoleTest
+from console_kit import ROOT, SECONDS, ConsoleTest, run_quietly
 
 MORE = "!! the program asked for more lines than the input has; its terminal was closed\n"
 HOST = "Enter backup server name or IP address :"
@@ -17,8 +17,7 @@ class Typing(ConsoleTest):
         """Exit status, dialogue and complaint."""
         done = subprocess.run([sys.executable, os.path.join(ROOT, "scripts/terminal.py"), "wine64",
                                self.path("Ormacon.exe"), *options], input=text, capture_output=True,
-                              timeout=5 * SECONDS,
-                              cwd=self.folder, check=False)
+                              timeout=5 * SECONDS, cwd=self.folder, check=False)
         self.assert_gone()
         return done.returncode, done.stdout.decode().rstrip("\n"), done.stderr.decode()
 
@@ -30,20 +29,15 @@ class Typing(ConsoleTest):
                          self.typed(b"h.example.org\r\n7", "--wizard"))
         self.assertNotIn("Commit", self.calls())
 
-    def test_answers_to_the_end(self):
-        self.assertEqual((0, "Enter password for user:", ""),
-                         self.typed(b"secret\nleft over\n", "--set-credentials", "user"))
-        self.assertEqual({"SetCredentialsDirect": 1}, self.calls())
-
-    def test_semicolons_arrive(self):
-        for account in ("a;", ";", "b;;", ";c"):
+    def test_semicolons_arrive_and_more_input_is_left_over(self):
+        for account, more in ("user", b"left over\n"), ("a;", b""), (";", b""), ("b;;", b""), (";c", b""):
             self.assertEqual((0, f"Enter password for {account}:", ""),
-                             self.typed(b"x;\n", "--set-credentials", account))
+                             self.typed(b"x;\n" + more, "--set-credentials", account))
+            self.assertEqual({"SetCredentialsDirect": 1}, self.calls())
 
     def test_without_a_console_nothing_is_asked_twice(self):
         for _ in range(2):
-            subprocess.run(["wine64", self.path("Ormacon.exe"), "--wizard"], stdin=subprocess.DEVNULL,
-                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=SECONDS, cwd=self.folder, check=True)
+            run_quietly("wine64", self.path("Ormacon.exe"), "--wizard")
         self.assertEqual(2, self.log().count("Read from console []") - self.log().count("Received value []"))
 
     def test_the_rest_of_a_hidden_line_is_dropped(self):
@@ -54,13 +48,12 @@ class Typing(ConsoleTest):
         self.assert_in_no_file("SECRETREST")
 
     def test_garbage(self):
-        for garbage in (
-                b"\x00\x01\x02\x1b[A\x7f\x08\t\n", b"\xff\xfe\xc3\x28 \xed\xa0\x80\n",
-                b"\xc2\x9b31m\x1bc\n", b"a\x03\x04\x1a\n"):
+        for garbage in (b"\x00\x01\x02\x1b[A\x7f\x08\t\n", b"\xff\xfe\xc3\x28 \xed\xa0\x80\n", b"\xc2\x9b31m\x1bc\n",
+                        b"a\x03\x04\x1a\n"):
             with self.subTest(garbage):
                 status, shown, complaint = self.typed(garbage + b"no\nn\nn\nn\n", "--wizard")
                 self.assertTrue(shown.startswith(HOST), shown)
-                # Ctrl+C may end the program: with 58, the low byte of its status, under Wine 10, and with 0 under Wine 8.
+                # Ctrl+C may end the program: with 58, the low byte of its status, under Wine 10, with 0 under Wine 8.
                 ended_by_ctrl_c = [(58, "")] if b"\x03" in garbage else []
                 self.assertIn((status, complaint), [(0, ""), (1, MORE), *ended_by_ctrl_c])
 

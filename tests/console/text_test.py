@@ -4,6 +4,7 @@ import unittest
 from console_kit import ConsoleTest
 
 HOST, ACCOUNT, PASSWORD = "bäckup-日本.example.org", "КОРП\\oráčле𝒳日", "pä𝒳ß\"日 €;%1\\"
+RESTART = "Some errors occurred while applying the configuration. Restart the wizard? (y/n): "
 
 
 def shown(text):
@@ -43,8 +44,11 @@ class Texts(ConsoleTest):
         self.scenario(f'<Function name="SetPortDirect" fail="{reason}"/><Function name="GetConfig" fail="{reason}"/>')
         self.assertTrue(f"{reason}FailedtoexecutemethodSetBackupServerPort" ==
                         "".join(self.run_program("--set-port", "1").split()))
+        self.assertEqual(["Executing SetNetworkPort command, port = [1]", "Calling SetPort function",
+                          "ERR |Failed to call SetPort function", "ERR |Executing method SetBackupServerPort Failed.",
+                          "Unloading configuration library", "Unloading configuration library ok."], self.log()[-6:])
         terminal = self.start("--wizard")
-        self.talk(terminal, [("Some errors occurred while applying the configuration. Restart the wizard? (y/n): ", "n")])
+        self.talk(terminal, [(RESTART, "n")])
         self.assertTrue("".join(self.ending(terminal).split()).startswith(reason + "Some"))
         self.assertTrue("WARN|" + reason in self.log())
 

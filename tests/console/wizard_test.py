@@ -13,9 +13,9 @@ SERVER = ["Tovak repositories: \r\n", "1. Central Primary\r\n", "2. Central Arch
 CHOICE = "Specify up to 4 Tovak repositories to use as target using whitespace as a separator%s: "
 STREAMS = ("Enter the number of data streams (1-64) to run in parallel for each repository (RMAN DEVICE PARALLELISM "
            "value). Channel count per device [%s]: ")
-SUMMARY = ("Summary of the demonstration library (no backup server is contacted):\r\n  Backup server: backup.example.org\r\n"
-           "  Port: 10006\r\n  User name: CORP\\oracle\r\n  Password: (hidden)\r\n  Parallelism: 8\r\n"
-           "  Repository for backup copy 1: Encrypted Vault (encrypted)\r\n"
+SUMMARY = ("Summary of the demonstration library (no backup server is contacted):\r\n"
+           "  Backup server: backup.example.org\r\n  Port: 10006\r\n  User name: CORP\\oracle\r\n"
+           "  Password: (hidden)\r\n  Parallelism: 8\r\n  Repository for backup copy 1: Encrypted Vault (encrypted)\r\n"
            "  Repository for backup copy 2: Central Primary\r\n")
 MENU = ("Save configuration?\r\n1. Apply configuration to the Oracle environment\r\n"
         "2. Export configuration into a file for manual setup\r\n3. Cancel without saving\r\nEnter: ")
