@@ -1,5 +1,6 @@
 """The commands of one call each: what they print, log and change."""
 import os
+import pathlib
 import re
 import subprocess
 import unittest
@@ -71,26 +72,22 @@ class Commands(ConsoleTest):
         self.assertEqual("ERR |" + PARSING + " Failed.", self.log()[self.log().index(PARSING) + 1])
 
     def test_unusable_library(self):
-        library = self.path("OrmaconLib.dll")
-        with open(library, "rb") as file:
-            whole = file.read()
+        library = pathlib.Path(self.path("OrmaconLib.dll"))
+        whole = library.read_bytes()
         not_loaded = r"\w[^\n]*\S\nFailed to load configuration library\n--tr:Error code: 0x%s"
         missing = r"Cannot find function \[Cancel\] in the configuration library\."
         for option, mode, method, content, failure in (
                 ("--show-config", "direct", "ShowConfig", b"this is no library", not_loaded % "000000c1"),
                 ("--wizard", "wizard", "StartWizard", whole.replace(b"\0Cancel", b"\0Cancek"), missing)):
             with self.subTest(failure):
-                os.remove(library)
-                with open(library, "wb") as file:
-                    file.write(content)
+                library.unlink()  # which is shared with the other tests
+                library.write_bytes(content)
                 self.assertRegex(self.run_program(option), f"^{failure}\nFailed to execute method {method}$")
                 self.assertEqual([f"Executing method {method}", LOADING % mode, "ERR |" + LOADING % mode + " Failed.",
                                   f"ERR |Executing method {method} Failed."], self.log()[-4:])
         # Not even the current folder is searched.
         os.mkdir(self.path("current"))
-        with open(self.path("current", "OrmaconLib.dll"), "wb") as file:
-            file.write(whole)
-        os.remove(library)
+        library.rename(self.path("current", "OrmaconLib.dll")).write_bytes(whole)
         terminal = self.terminal("wine64", self.path("Ormacon.exe"), "--show-config", cwd=self.path("current"))
         self.assertRegex(self.ending(terminal), not_loaded % "0000007e")
 
