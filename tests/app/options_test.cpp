@@ -77,9 +77,4 @@ TEST(Dispatch, ComplaintsOfTheParserGetTheirContext) {
     }
 }
 
-TEST(ExecuteMethod, AddsItsContextToAnyFailure) {
-    EXPECT_THAT([] { ExecuteMethod([] { throw std::out_of_range("gone"); }, "MapBackup"); },
-                testing::ThrowsMessage<exc::runtime_exc_t>("gone\nFailed to execute method MapBackup"));
-}
-
 }  // namespace

@@ -103,16 +103,4 @@ TEST(SerialisedException, HasTheDocumentedBytes) {
                 ThrowsMessage<runtime_exc_t>("Unexpected trace event: [7]. Info: why."));
 }
 
-TEST(SerialisedException, CutOffAnywhereIsRejected) {
-    const std::string form = Serialised(Sample());
-    for (std::size_t size = 0; size < form.size(); ++size) {
-        runtime_exc_t failure;
-        const std::string before = Serialised(failure);
-        EXPECT_THROW(Read(failure, form.substr(0, size)), runtime_exc_t) << size;
-        EXPECT_EQ(Serialised(failure), before) << size;
-    }
-    runtime_exc_t failure;
-    EXPECT_THROW(Read(failure, std::string("\1\0\0\0\xff\xff\xff\xff", 8)), runtime_exc_t);
-}
-
 }  // namespace

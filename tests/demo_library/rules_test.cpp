@@ -1,6 +1,9 @@
 #include "tests/demo_library/demo_library_test.h"
 
-TEST_F(demo_library_test, validates_the_form_of_the_host) {
+TEST_F(demo_library_test, validates_the_form_of_account_and_host) {
+    EXPECT_EQ(answer([&] { direct.SetCredentials(L"d", L"", L"p"); }),
+              L"The user name is empty: an account of the backup server is needed.");
+    EXPECT_FALSE(std::filesystem::exists(folder / "state.xml"));
     const auto set = [&](const std::wstring& name) { return answer([&] { direct.SetHost(name); }); };
     for (const wchar_t* good :
          {L"backup01", L"a_b.example.com.", L"10.0.0.1", L"2001:db8::5", L"fe80::1%3", L"сервер.example", L"7host"})
@@ -49,10 +52,4 @@ TEST_F(demo_library_test, validates_repositories_in_both_modes) {
     EXPECT_EQ(select(direct, {L"REP-0001", L"REP-0002"}), L"ok");
     EXPECT_EQ(select(wizard, {L"REP-0001", L"REP-0002"}),
               L"2 repositories are not allowed: Oracle Standard Edition (SE) is limited to one.");
-}
-
-TEST_F(demo_library_test, needs_a_user_name) {
-    EXPECT_EQ(answer([&] { direct.SetCredentials(L"d", L"", L"p"); }),
-              L"The user name is empty: an account of the backup server is needed.");
-    EXPECT_FALSE(std::filesystem::exists(folder / "state.xml"));
 }

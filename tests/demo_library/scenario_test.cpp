@@ -9,17 +9,6 @@ TEST_F(demo_library_test, functions_fail_as_often_and_as_late_as_wanted) {
     EXPECT_EQ(answer([&] { direct.SetPort(1); }), L"ok");
 }
 
-TEST_F(demo_library_test, access_violation_leaves_the_library) {
-    host.Scenario("<Function name='Cancel' crash='access-violation'/>");
-    const auto crash = [&] {
-        SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* failure) -> LONG {
-            ExitProcess(failure->ExceptionRecord->ExceptionCode);  // no debugger, no error box
-        });
-        wizard.Cancel();
-    };
-    EXPECT_EXIT(crash(), testing::ExitedWithCode(static_cast<int>(EXCEPTION_ACCESS_VIOLATION)), "");
-}
-
 TEST_F(demo_library_test, wrong_scenario_is_reported_by_every_call) {
     const auto cancelling = [&] { return answer([&] { wizard.Cancel(); }); };
     const std::wstring start = L"The file " + (folder / "scenario.xml").wstring() + L" cannot be used: ";

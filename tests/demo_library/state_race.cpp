@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
+#include <vector>
+
+#include <process.h>
 
 #include "common/exc/exceptions.h"
 #include "common/platform/module.h"
@@ -39,30 +41,20 @@ int change_values(bool is_port, int count) {
     return failed + lost;
 }
 
-HANDLE start_child(const wchar_t* value, int count) {
-    const std::wstring program = platform::program_path();
-    std::wstring command = L"\"" + program + L"\" " + std::to_wstring(count) + L" " + value;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION child{};
-    if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &child))
-        throw std::runtime_error("no child process");
-    CloseHandle(child.hThread);
-    return child.hProcess;
-}
-
 int race(int count) {
     const auto folder = std::filesystem::path(platform::program_path()).parent_path() / "test_folders" / "state_race";
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
     SetEnvironmentVariableW(L"ORMACON_DEMO_STATE", (folder / "state.xml").c_str());
     SetEnvironmentVariableW(L"ORMACON_DEMO_SCENARIO", nullptr);
-    const HANDLE children[] = {start_child(L"port", count), start_child(L"parallelism", count)};
+    std::vector<intptr_t> children;
+    for (const wchar_t* value : {L"port", L"parallelism"})
+        children.push_back(_wspawnl(_P_NOWAIT, platform::program_path().c_str(), L"state_race",
+                                    std::to_wstring(count).c_str(), value, nullptr));
     bool good = true;
-    for (const HANDLE child : children) {
-        DWORD status = 1;
-        WaitForSingleObject(child, INFINITE);
-        good = GetExitCodeProcess(child, &status) && status == 0 && good;
+    for (const intptr_t child : children) {
+        int status = 1;
+        good = _cwait(&status, child, 0) == child && status == 0 && good;
     }
     CConfigToolLibCaller library(CallerMode::Direct);
     ConfigurationSnapshot stored;

@@ -1,20 +1,20 @@
+#include <deque>
 #include <functional>
 
 #include <boost/make_shared.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/exceptions.h"
+#include "common/exc/raise.h"
 #include "tests/support/demo_host.h"
 #include "tests/support/recording_sink.h"
 #include "tests/support/test_registry.h"
-#include "tests/wizard/scripted_console.h"
 #include "wizard/config_tool_wizard.h"
+#include "wizard/console_device.h"
 
 namespace {
 
 using namespace conf_tool;
-using test_support::CScriptedConsole;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -25,6 +25,37 @@ constexpr wchar_t menu[] =
     L"for manual setup\r\n3. Cancel without saving\r\nEnter: ";
 constexpr wchar_t restart_question[] =
     L"Some errors occurred while applying the configuration. Restart the wizard? (y/n): ";
+
+// A user with prepared answers. The transcript shows them in angle brackets, hidden ones with a "#".
+class CScriptedConsole : public wizard::IConsoleDevice {
+public:
+    explicit CScriptedConsole(Answers answers) : answers_(std::move(answers)) { wizard::UseConsoleDevice(this); }
+    ~CScriptedConsole() override { wizard::UseConsoleDevice(nullptr); }
+
+    void Write(const std::wstring& text) override { transcript_ += text; }
+
+    // Without further answers, behaves like a user who presses Ctrl+C.
+    std::wstring ReadLine(bool hidden) override {
+        if (at_first_answer) std::exchange(at_first_answer, nullptr)();
+        if (answers_.empty()) exc::raise<exc::term_exc_t>("no more answers");
+        std::wstring answer = answers_.front();
+        answers_.pop_front();
+        transcript_ += (hidden ? L"<#" : L"<") + answer + L">";
+        return answer;
+    }
+
+    bool IsInteractive() const override { return interactive; }
+
+    const std::wstring& transcript() const { return transcript_; }
+    std::size_t answers_left() const { return answers_.size(); }
+
+    bool interactive = true;
+    std::function<void()> at_first_answer;
+
+private:
+    Answers answers_;
+    std::wstring transcript_;
+};
 
 // Answers all questions on a host without a configuration.
 Answers FirstTime(Answers then) {
@@ -63,7 +94,7 @@ TEST_F(WizardRun, DefaultsShowWhatIsConfiguredAndStillOffered) {
     }
     host_.Scenario(
         "<Server edition='1'/><Repositories><Repository id='A' name='A'/><Repository id='REP-0004' name='B'/>"
-        "</Repositories>");
+        "<Repository id='rep-0002' name='C'/></Repositories>");
     const std::wstring transcript = Play({L"h", L"1", L"", L"", L"", L"1"});
     EXPECT_THAT(transcript, HasSubstr(L"Enter username [\\oracle]: <>Enter password for \\oracle: <#>"));
     EXPECT_THAT(transcript,
@@ -151,6 +182,9 @@ TEST_F(WizardRun, EveryFailingFunctionIsShownAndCanBeRestarted) {
             EXPECT_THROW(Start(), exc::term_exc_t) << function;
             EXPECT_THAT(console.transcript(), HasSubstr(message + (L"\r\n" + std::wstring(restart_question))))
                 << function;
+            const std::string name = function == "GetConfig" ? "CallGetConfig" : function;
+            EXPECT_TRUE(log.Contains("Calling " + function + " function")) << function;
+            EXPECT_TRUE(log.Contains("ERR |Failed to call " + name + " function")) << function;
             EXPECT_TRUE(log.Contains("WARN|Failed to execute wizard ")) << function;
             EXPECT_TRUE(log.Contains("Prompting user to re-run wizard")) << function;
             host_.ExpectMemoryBalanced(function);
@@ -181,7 +215,7 @@ TEST_F(WizardRun, ARestartedSessionStartsFreshAndCallsInOrder) {
     for (const std::string& line : log.lines()) {
         if (line.starts_with("Calling ") && line.ends_with(" function"))
             steps += line.substr(8, line.size() - 17) + ", ";
-        for (const char* other : {"New iteration", "WARN|", "Prompting", "Received value"})
+        for (const char* other : {"New iteration", "WARN|", "Prompting", "Received value", "Validating"})
             if (line.starts_with(other)) steps += line + ", ";
     }
     const std::string begin = "New iteration of wizard, InitializeWizard, GetScopeEdition, GetConfig, SetHost, ";
@@ -190,8 +224,8 @@ TEST_F(WizardRun, ARestartedSessionStartsFreshAndCallsInOrder) {
                   "WARN|Failed to execute wizard , WARN|The backup server [bad host] is not allowed: it is "
                   "neither a host name nor an IP address., Prompting user to re-run wizard, Received value [y], " +
                   begin +
-                  "SetPort, SetCredentials, GetTBRRepositories, SetRepositories, GetParallelismRangeString, "
-                  "SetParallelism, GetSummary, Commit, GetResult, ");
+                  "SetPort, SetCredentials, GetTBRRepositories, Validating value, Validating value ok., "
+                  "SetRepositories, GetParallelismRangeString, SetParallelism, GetSummary, Commit, GetResult, ");
 }
 
 TEST_F(WizardRun, WhatIsWrongWithAnAnswerIsShown) {
@@ -199,20 +233,29 @@ TEST_F(WizardRun, WhatIsWrongWithAnAnswerIsShown) {
         std::size_t question;
         const wchar_t* answer;
         const wchar_t* message;
+        const char* scenario = "";
     } cases[] = {
         {1, L"", L"The port 0 is not allowed: ports are 1 to 65535."},
         {1, L"-1", L"The port -1 is not allowed: ports are 1 to 65535."},
         {1, L"2147483648", L"Cannot convert value [2147483648] from string"},
         {2, L"a\\b\\c", L"Failed to parse domain and username"},
         {4, L"", L"Cannot find previously configured values"},
+        {4, L"1\t2", L"Cannot convert value [1\t2] from string"},
+        {4, L"3 99 +3", L"Same Tovak repository was specified more than once (3)"},
+        {4, L"1  +06", L"Incorrect repository value: +06"},
+        {4, L"1 1", L"Same Tovak repository was specified more than once (1)", "<Server edition='1'/>"},
+        {4, L"1 99", L"Unable to use more than one repository due to a limitation of Oracle Standard Edition (SE)",
+         "<Server edition='1'/>"},
         {4, L"1 2 3 4 5", L"5 repositories are not allowed: at most 4 can be selected."},
         {5, L"-1", L"The parallelism -1 is not allowed: it is 1 to 64."},
         {5, L"80x", L"Cannot convert value [80x] from string"},
+        {5, L"\u0667", L"Cannot convert value [\u0667] from string"},
     };
     for (const auto& c : cases) {
         Answers answers = FirstTime({});
         answers.resize(c.question);
         answers.insert(answers.end(), {c.answer, L"n"});
+        host_.Scenario(c.scenario);
         EXPECT_THAT(Play(answers),
                     EndsWith(std::wstring(L"<") + c.answer + L">" + c.message + L"\r\n" + restart_question + L"<n>"));
     }

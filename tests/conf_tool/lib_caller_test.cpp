@@ -1,0 +1,269 @@
+#include <cstring>
+#include <functional>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "common/exc/exceptions.h"
+#include "common/platform/owned.h"
+#include "conf_tool/lib_caller.h"
+#include "tests/support/demo_host.h"
+#include "tests/support/recording_sink.h"
+
+namespace {
+
+using namespace conf_tool;
+using namespace test_support;
+using testing::ElementsAre;
+using testing::ThrowsMessage;
+
+// What lies under the name OrmaconLib.dll beside the test program.
+class CLibraryBeside {
+public:
+    CLibraryBeside() { Place(DemoLibrary()); }
+    ~CLibraryBeside() { Remove(); }
+    CLibraryBeside(const CLibraryBeside&) = delete;
+    CLibraryBeside& operator=(const CLibraryBeside&) = delete;
+
+    void Place(const std::string& content) {
+        Remove();
+        WriteFileText(path_, content);
+    }
+
+    // A failed constructor leaves the library loaded for good, which a test undoes.
+    void Remove() {
+        while (IsLoaded()) FreeLibrary(GetModuleHandleW(L"OrmaconLib.dll"));
+        std::filesystem::remove(path_);
+    }
+
+    // The demonstration library with one export under a name that sorts where the right one did.
+    void PlaceWithout(const std::string& name) {
+        std::string content = DemoLibrary();
+        const std::string stored = '\0' + name + '\0';
+        for (std::size_t at = content.find(stored); at != std::string::npos; at = content.find(stored, at + 1)) {
+            --content[at + name.size()];
+        }
+        Place(content);
+    }
+
+    // From here to its unloading a call of the loaded library's export jumps to the function.
+    template <class Function>
+    static void Replace(const char* name, Function function) {
+        void* const at = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"OrmaconLib.dll"), name));
+        unsigned char load_and_jump[] = {0x48, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xe0};
+        std::memcpy(load_and_jump + 2, &function, sizeof function);
+        DWORD previous = 0;
+        VirtualProtect(at, sizeof load_and_jump, PAGE_EXECUTE_READWRITE, &previous);
+        std::memcpy(at, load_and_jump, sizeof load_and_jump);
+    }
+
+    static bool IsLoaded() { return GetModuleHandleW(L"OrmaconLib.dll") != nullptr; }
+
+private:
+    static std::string DemoLibrary() { return FileText(BesideProgram(L"..\\OrmaconLib.dll")); }
+
+    std::filesystem::path path_ = BesideProgram(L"OrmaconLib.dll");
+};
+
+class LibCaller : public testing::Test {
+protected:
+    CDemoHost host_;
+    CLibraryBeside library_;
+    CRecordedLog log_;
+};
+
+// Of loading the library and unloading it again.
+auto Loading(CallerMode mode) {
+    return [=] { const CConfigToolLibCaller caller(mode); };
+}
+
+void GetConfig(CConfigToolLibCaller& caller) {
+    ConfigurationSnapshot config;
+    caller.GetConfig(config);
+}
+
+void GetTBRRepositories(CConfigToolLibCaller& caller) {
+    std::vector<RepositoryEntry> entries;
+    caller.GetTBRRepositories(entries);
+}
+
+const std::vector<RepositoryEntry> one_repository{{L"REP-0001", L"Central Primary", 1, 1, false}};
+
+std::string FailureOf(const std::function<void(CConfigToolLibCaller&)>& call, CConfigToolLibCaller& caller) {
+    try {
+        call(caller);
+    } catch (const exc::runtime_exc_t& failure) {
+        return failure.what();
+    }
+    return "nothing was thrown";
+}
+
+TEST_F(LibCaller, EachFailureHasTheLibrarysTextAndItsLogLines) {
+    const struct {
+        const char* name;         // in the log
+        const char* export_name;  // in the library
+        std::function<void(CConfigToolLibCaller&)> call;
+        const char* failure_name = name;
+    } operations[] = {
+        {"SetCredentials", "SetCredentialsDirect", [](auto& c) { c.SetCredentials(L"d", L"u", L"p"); }},
+        {"SetHost", "SetHostDirect", [](auto& c) { c.SetHost(L"h"); }},
+        {"SetPort", "SetPortDirect", [](auto& c) { c.SetPort(1); }},
+        {"SetRepositories", "SetRepositoriesDirect", [](auto& c) { c.SetRepositories(one_repository); }},
+        {"SetParallelism", "SetParallelismDirect", [](auto& c) { c.SetParallelism(1); }},
+        {"GetConfig", "GetConfig", GetConfig, "CallGetConfig"},
+        {"GetTBRRepositories", "GetTBRRepositoriesDirect", GetTBRRepositories},
+        {"MapBackup", "MapBackupDirect", [](auto& c) { c.MapBackup(); }},
+        {"Uninstall", "UninstallDirect", [](auto& c) { c.Uninstall(); }},
+    };
+    for (const auto& operation : operations) {
+        CConfigToolLibCaller caller(CallerMode::Direct);
+        const std::string function = std::string("<Function name='") + operation.export_name + "' ";
+        const std::string calling = std::string("Calling ") + operation.name + " function";
+        const std::string failed = std::string("ERR |Failed to call ") + operation.failure_name + " function";
+        for (const auto& [fault, message] :
+             {std::pair("fail='Refused: %1 \u00e4\u4e2d'/>", "Refused: %1 \u00e4\u4e2d"),
+              std::pair("failWithoutText='1'/>", "Configuration library returned an unknown error")}) {
+            host_.Scenario(function + fault);
+            log_.Clear();
+            EXPECT_EQ(FailureOf(operation.call, caller), message) << operation.export_name;
+            EXPECT_THAT(log_.lines(), ElementsAre(calling, failed)) << operation.export_name;
+            host_.ExpectMemoryBalanced(operation.export_name);
+        }
+        EXPECT_EQ(host_.Calls(operation.export_name), 2);
+    }
+}
+
+TEST_F(LibCaller, ReceivedRepositoriesAreLoggedAndAppended) {
+    host_.Scenario(
+        "<Repositories><Repository id='R1' name='\u00e4' capacity='21990232555520' freeSpace='0.5' encryption='1'/>"
+        "<Repository/></Repositories>");
+    CConfigToolLibCaller caller(CallerMode::Wizard);
+    log_.Clear();
+    std::vector<RepositoryEntry> entries = one_repository;
+    caller.GetTBRRepositories(entries);
+    EXPECT_EQ(entries.size(), 3U);
+    EXPECT_EQ(entries[2].id, L"");
+    EXPECT_THAT(
+        log_.lines(),
+        ElementsAre("Calling GetTBRRepositories function", "ConfigToolLibCaller received repos: size=[2]",
+                    "ConfigToolLibCaller received repo id=[R1] name=[\u00e4] capacity=[21990232555520] "
+                    "free_space=[0.5] encryptionEnabled=[1]",
+                    "ConfigToolLibCaller received repo id=[] name=[] capacity=[0] free_space=[0] encryptionEnabled=[0]",
+                    "Calling GetTBRRepositories function ok."));
+    host_.Scenario("<Repositories/>");
+    caller.GetTBRRepositories(entries);
+    EXPECT_EQ(entries.size(), 3U);
+    host_.ExpectMemoryBalanced();
+}
+
+// What a library returns, and the counts and texts that it got back.
+plug_common::SRepositoryCType record{L"R1", nullptr, 1, 1, 0};
+plug_common::SRepositoryCType* records[] = {&record, nullptr};
+std::vector<std::int32_t> arrays_back;
+std::vector<std::wstring> texts_back;
+
+template <Status Result, LibraryRecords Records, std::int32_t Count>
+Status GiveRepositories(LibraryRecords* given, std::int32_t* count, LibraryError*) {
+    *given = Records;
+    *count = Count;
+    return Result;
+}
+
+template <Status Result>
+Status GiveNoHost(LibraryText* user_name, LibraryText* domain, LibraryText* password, LibraryText*, std::int32_t*,
+                  std::int32_t*, LibraryRecords*, std::int32_t*, LibraryError*) {
+    // cppcheck-suppress constVariable ; the library gives out texts that may be written to
+    static wchar_t texts[][2] = {L"u", L"d", L"p"};
+    *user_name = texts[0], *domain = texts[1], *password = texts[2];
+    return Result;
+}
+
+TEST_F(LibCaller, WhatBreaksTheContractIsRefusedAndGivenBackOnce) {
+    CConfigToolLibCaller caller(CallerMode::Direct);
+    library_.Replace<FreeStringFn>("FreeString", [](wchar_t* text) { texts_back.push_back(text); });
+    library_.Replace<FreeRepositoriesFn>("FreeRepositories", [](auto, auto count) { arrays_back.push_back(count); });
+    const std::string unknown = "Configuration library returned an unknown error";
+    const std::string impossible = "Configuration library returned an impossible number of repositories: ";
+    const struct {
+        GetTBRRepositoriesFn give;
+        std::string size;  // as it is logged
+        std::string failure;
+        std::vector<std::int32_t> back;
+    } cases[] = {
+        {GiveRepositories<INT32_MIN, records, -1>, "", unknown, {}},
+        {GiveRepositories<1, nullptr, INT32_MAX>, "", unknown, {}},
+        {GiveRepositories<0, nullptr, 2>, "[2]", "Configuration library returned no repositories", {}},
+        {GiveRepositories<0, nullptr, 0>, "[0]", "nothing was thrown", {0}},
+        {GiveRepositories<0, records, -1>, "[-1]", "nothing was thrown", {-1}},
+        {GiveRepositories<0, records, INT32_MAX>, "[2147483647]", impossible + "[2147483647]", {INT32_MAX}},
+        {GiveRepositories<0, records, 2>, "[2]", "nothing was thrown", {2}},
+    };
+    for (const auto& c : cases) {
+        arrays_back.clear();
+        library_.Replace("GetTBRRepositoriesDirect", c.give);
+        log_.Clear();
+        EXPECT_EQ(FailureOf(GetTBRRepositories, caller), c.failure);
+        EXPECT_EQ(arrays_back, c.back) << c.failure;
+        EXPECT_EQ(log_.Contains("ConfigToolLibCaller received repos: size=" + c.size), !c.size.empty()) << c.failure;
+    }
+    library_.Replace("GetConfig", GiveNoHost<1>);
+    EXPECT_EQ(FailureOf(GetConfig, caller), unknown);
+    EXPECT_THAT(texts_back, ElementsAre());
+    library_.Replace("GetConfig", GiveNoHost<0>);
+    EXPECT_EQ(FailureOf(GetConfig, caller), "Configuration library returned no text");
+    EXPECT_THAT(texts_back, testing::UnorderedElementsAre(L"u", L"d", L"p"));
+}
+
+TEST_F(LibCaller, AForeignExceptionPassesThroughTheFrame) {
+    host_.Scenario("<Function name='SetPortDirect' crash='exception'/>");
+    CConfigToolLibCaller caller(CallerMode::Direct);
+    log_.Clear();
+    EXPECT_THROW(caller.SetPort(1), std::runtime_error);
+    EXPECT_THAT(log_.lines(), ElementsAre("Calling SetPort function", "ERR |Failed to call SetPort function"));
+}
+
+TEST_F(LibCaller, LoadsAndUnloadsInItsModes) {
+    for (const CallerMode mode : {CallerMode::Wizard, CallerMode::Direct}) Loading(mode)();
+    EXPECT_FALSE(library_.IsLoaded());
+    EXPECT_THAT(Loading(static_cast<CallerMode>(2)),
+                ThrowsMessage<exc::runtime_exc_t>("Failed to load configuration library: incorrect caller mode"));
+    EXPECT_FALSE(library_.IsLoaded());
+}
+
+TEST_F(LibCaller, EachExportIsRequiredInItsModesAlone) {
+    const struct {
+        CallerMode mode;
+        std::vector<std::string> exports;
+    } modes[] = {
+        {CallerMode::Wizard,
+         {"SetCredentials", "SetHost", "SetPort", "SetRepositories", "GetConfig", "GetTBRRepositories", "GetSummary",
+          "InitializeWizard", "SetParallelism", "GetParallelismRangeString", "GetScopeEdition", "GetResult",
+          "ExportTovakConfig", "ExportRMANConfig", "Cancel", "Commit", "FreeString", "FreeArrayString",
+          "FreeRepositories"}},
+        {CallerMode::Direct,
+         {"SetHostDirect", "SetPortDirect", "SetCredentialsDirect", "SetRepositoriesDirect", "SetParallelismDirect",
+          "GetTBRRepositoriesDirect", "MapBackupDirect", "GetConfig", "UninstallDirect", "FreeString",
+          "FreeArrayString", "FreeRepositories"}},
+    };
+    for (const auto& [mode, exports] : modes) {
+        EXPECT_EQ(conf_tool::RequiredExports(mode).size(), exports.size());
+        for (const std::string& name : exports) {
+            library_.PlaceWithout(name);
+            EXPECT_THAT(Loading(mode), ThrowsMessage<exc::runtime_exc_t>("Cannot find function [" + name +
+                                                                         "] in the configuration library."));
+            EXPECT_TRUE(library_.IsLoaded()) << name;
+        }
+    }
+}
+
+TEST_F(LibCaller, FailureOfUnloadingIsRaisedOnce) {
+    CConfigToolLibCaller caller(CallerMode::Direct);
+    FreeLibrary(GetModuleHandleW(L"OrmaconLib.dll"));
+    log_.Clear();
+    EXPECT_THAT([&] { caller.Unload(); },
+                ThrowsMessage<exc::win_sys_exc_t>(testing::HasSubstr("\nFailed to unload configuration library\n")));
+    EXPECT_THAT(log_.lines(),
+                ElementsAre("Unloading configuration library", "ERR |Unloading configuration library Failed."));
+}
+
+}  // namespace
