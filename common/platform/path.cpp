@@ -41,7 +41,7 @@ std::wstring full_path(const std::wstring& path) {
 
 std::wstring system_path(const std::wstring& path) {
     if (path.starts_with(L"\\\\?\\") || path.starts_with(L"\\\\.\\")) return path;
-    const std::wstring full = full_path(path);
+    std::wstring full = full_path(path);
     if (full.starts_with(L"\\\\.\\")) return full;  // a name such as NUL
     if (full.starts_with(L"\\\\")) return L"\\\\?\\UNC" + full.substr(1);
     return full.size() >= 2 && full[1] == L':' ? L"\\\\?\\" + full : full;

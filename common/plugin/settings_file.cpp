@@ -18,7 +18,7 @@ using exc::format_message;
 using logging::plugin_common;
 
 // More than any settings need, and little enough to be read whole.
-constexpr std::size_t largest_file = 1024 * 1024;
+constexpr std::size_t largest_file = 1'048'576;
 
 struct close_file_t {
     void operator()(std::FILE* file) const { std::fclose(file); }
