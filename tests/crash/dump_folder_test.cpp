@@ -2,27 +2,11 @@
 
 #include "common/platform/account.h"
 #include "tests/crash/dump_folder_fixture.h"
-
-#include <aclapi.h>
-#include <sddl.h>
+#include "tests/support/access_list.h"
 
 namespace {
 
 using testing::HasSubstr;
-
-// The entries of the folder's access list, such as "(A;OICI;FA;;;SY)" for full access of the system.
-std::wstring access_list(const boost::filesystem::path& path) {
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    LPWSTR text = nullptr;
-    GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr,
-                          &descriptor);
-    ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text,
-                                                         nullptr);
-    const std::wstring result = text ? text : L"";
-    LocalFree(text);
-    LocalFree(descriptor);
-    return result;
-}
 
 TEST_F(DumpFolder, OthersHaveNoRights) {
     const boost::filesystem::path dumps = folder / "a" / "Dumps";
@@ -31,8 +15,9 @@ TEST_F(DumpFolder, OthersHaveNoRights) {
     EXPECT_TRUE(crash::open_dump_folder(dumps.wstring()));
     EXPECT_FALSE(MoveFileW(dumps.c_str(), (dumps.wstring() + L"_").c_str()));
     // Wine stores no more of an access list than what its own folders can express.
-    EXPECT_THAT(access_list(folder), HasSubstr(L";WD)"));
-    EXPECT_THAT(access_list(dumps), AllOf(Not(HasSubstr(L";WD)")), Not(HasSubstr(L";BU)")), HasSubstr(L";FA;;;SY)")));
+    EXPECT_THAT(test_support::access_list(folder.native()), HasSubstr(L";WD)"));
+    EXPECT_THAT(test_support::access_list(dumps.native()),
+                AllOf(Not(HasSubstr(L";WD)")), Not(HasSubstr(L";BU)")), HasSubstr(L";FA;;;SY)")));
 
     const std::pair<WELL_KNOWN_SID_TYPE, bool> owners[] = {{WinLocalSystemSid, true},
                                                            {WinBuiltinAdministratorsSid, true},

@@ -1,7 +1,5 @@
 #include "tests/demo_library/demo_library_test.h"
-
-#include <aclapi.h>
-#include <sddl.h>
+#include "tests/support/access_list.h"
 
 using testing::HasSubstr;
 using testing::Not;
@@ -12,20 +10,6 @@ constexpr wchar_t server[] = L"резерв.example.com";
 constexpr wchar_t domain[] = L"CORP & <Söhne> \"'&#x41;";
 constexpr wchar_t user_name[] = L"  оператор \U0001F512  ";
 constexpr wchar_t password[] = L"Tiger-7pä\U0001F511ß密\t\x1 \xD800 <&#x41;>";  // XML could not even hold it
-
-// The entries of the file's access list, such as "(A;;FA;;;SY)" for full access of the system.
-std::wstring access_list(const std::filesystem::path& path) {
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    LPWSTR text = nullptr;
-    GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr,
-                          &descriptor);
-    ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text,
-                                                         nullptr);
-    const std::wstring result = text ? text : L"";
-    LocalFree(text);
-    LocalFree(descriptor);
-    return result;
-}
 
 }  // namespace
 
@@ -67,7 +51,7 @@ TEST_F(demo_library_test, every_value_survives_in_the_file_and_uninstall_removes
 TEST_F(demo_library_test, state_file_is_closed_to_ordinary_accounts) {
     for (const char* name : {"state.xml", "state.xml", "state.xml.lock"}) {  // created, then replaced
         direct.SetPort(1);
-        const std::wstring list = access_list(folder / name);
+        const std::wstring list = test_support::access_list(folder / name);
         EXPECT_THAT(list, HasSubstr(L"(A;;FA;;;SY)"));
         for (const wchar_t* group : {L";WD)", L";BU)", L";AU)"}) EXPECT_THAT(list, Not(HasSubstr(group)));
     }
