@@ -45,7 +45,7 @@ CASES = [
     Case("stack_overflow_unreported", 1, None, [], NO_DUMP, NO_NOTICE),
     Case("uncaught_int", TERMINATE, "uncaught_int"),
     Case("library_load", ABORT, "DllMain"),
-    Case("locks_held", ACCESS_VIOLATION, "write_through_null", []),
+    Case("log_lock_held", ACCESS_VIOLATION, "write_through_null", []),
     Case("crash_while_exiting", ACCESS_VIOLATION, "write_through_null"),
     Case("faulting_handler", ACCESS_VIOLATION, "faulting_handler", FAULTY),
     Case("aborting_handler", ABORT, "aborting_handler", FAULTY),
