@@ -1,6 +1,7 @@
 #include "conf_tool/library_memory.h"
 
 #include <algorithm>
+#include <type_traits>
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
@@ -19,6 +20,9 @@ RepositoryEntry ToEntry(const plug_common::SRepositoryCType& record) {
 }
 
 }  // namespace
+
+static_assert(std::is_nothrow_constructible_v<CLibraryText, LibraryText, FreeStringFn>);
+static_assert(std::is_nothrow_constructible_v<CLibraryRepositories, LibraryRecords, std::int32_t, FreeRepositoriesFn>);
 
 const wchar_t* CLibraryText::Get() const {
     if (!owner_) exc::raise("Configuration library returned no text");
