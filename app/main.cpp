@@ -6,7 +6,7 @@
 #include "common/text/wipe.h"
 #include "common/win32.h"
 
-// The program expands no wildcards: an account such as "CORP\\ora*" is passed unchanged.
+// The program expands no wildcards: an account such as "CORP\ora*" is passed unchanged.
 extern "C" {
 int _dowildcard = 0;  // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the runtime's name
 }

@@ -6,8 +6,8 @@ namespace app {
 inline constexpr wchar_t log_folder[] = L"RmanPluginLogs";
 
 // Initialises COM, then finds the common settings, opens the log with its header and separator line, and loads the
-// common settings. Throws exc::runtime_exc_t if COM or the log fails; any other failure is logged and replaced by
-// defaults.
+// common settings. Throws exc::runtime_exc_t if COM fails, and what logging::initialise() throws; any other failure is
+// logged and replaced by defaults.
 void InitializeApplication();
 
 }  // namespace app
