@@ -14,6 +14,7 @@ namespace logging {
 namespace {
 
 constexpr unsigned above_all_levels = UINT_MAX;
+constexpr auto forever = std::chrono::milliseconds::max();
 
 logger_t* create_process_logger() {
     auto* const created = new logger_t;
@@ -27,7 +28,8 @@ logger_t::~logger_t() { clear_multiplexors(); }
 
 void logger_t::log(const record_t& record) noexcept {
     if (record.level < lowest_level_.load(std::memory_order_relaxed)) return;
-    const std::lock_guard guard(lock_);
+    lock_within(forever);
+    const std::lock_guard guard(lock_, std::adopt_lock);
     const std::string_view now = clock_.now();
     const std::uint32_t thread = crashed_thread_ != 0 ? crashed_thread_ : GetCurrentThreadId();
     for (attached_t& attached : sinks_) {
@@ -64,15 +66,21 @@ void logger_t::clear_multiplexors() noexcept {
 }
 
 void logger_t::seize(std::uint32_t crashed_thread, std::chrono::milliseconds wait) noexcept {
+    if (lock_within(wait)) {
+        crashed_thread_ = crashed_thread;
+    } else {
+        lowest_level_ = above_all_levels;
+    }
+}
+
+// Asks again every millisecond: to wake a thread that waits costs the one that unlocks more than writing a record.
+bool logger_t::lock_within(std::chrono::milliseconds wait) noexcept {
     const ULONGLONG begin = GetTickCount64();
     while (!lock_.try_lock()) {
-        if (GetTickCount64() - begin >= static_cast<ULONGLONG>(wait.count())) {
-            lowest_level_ = above_all_levels;
-            return;
-        }
+        if (GetTickCount64() - begin >= static_cast<ULONGLONG>(wait.count())) return false;
         Sleep(1);
     }
-    crashed_thread_ = crashed_thread;
+    return true;
 }
 
 logger_t& process_logger() noexcept {

@@ -50,6 +50,8 @@ private:
         bool busy = false;  // the sink is being called
     };
 
+    bool lock_within(std::chrono::milliseconds wait) noexcept;
+
     std::recursive_mutex lock_;
     std::atomic<unsigned> lowest_level_{level_info};
 
