@@ -4,10 +4,9 @@
 
 #include <boost/bind/bind.hpp>
 
+#include "app/commands.h"
 #include "app/concealment.h"
-#include "app/direct_commands.h"
 #include "app/options.h"
-#include "app/wizard_commands.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/method_scope.h"

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "app/dispatch.h"
-#include "app/hardening.h"
 #include "app/options.h"
 #include "app/start_up.h"
 #include "common/crash/install.h"

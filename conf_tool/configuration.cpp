@@ -1,19 +1,16 @@
 #include "conf_tool/configuration.h"
 
-#include <limits>
-#include <locale>
-#include <sstream>
+#include <array>
+#include <cstdio>
 
 #include "common/text/wipe.h"
 
 namespace conf_tool {
 
 std::string SizeText(double bytes) {
-    std::ostringstream stream;
-    stream.imbue(std::locale::classic());
-    stream.precision(std::numeric_limits<double>::digits10);
-    stream << bytes;
-    return stream.str();
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.15g", bytes);
+    return text.data();
 }
 
 ConfigurationSnapshot::~ConfigurationSnapshot() { text::wipe(password); }

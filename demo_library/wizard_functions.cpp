@@ -2,8 +2,8 @@
 #include "demo_library/answer.h"
 #include "demo_library/failure.h"
 #include "demo_library/ledger.h"
+#include "demo_library/presentation.h"
 #include "demo_library/rules.h"
-#include "demo_library/summary.h"
 #include "demo_library/wizard_session.h"
 
 using namespace conf_tool;

@@ -1,8 +1,8 @@
 #include "demo_library/wizard_session.h"
 
-#include "demo_library/export_files.h"
 #include "demo_library/failure.h"
 #include "demo_library/paths.h"
+#include "demo_library/presentation.h"
 #include "demo_library/rules.h"
 #include "demo_library/state.h"
 

@@ -2,9 +2,9 @@
 
 #include <charconv>
 
+#include "common/text/xml_depth.h"
 #include "demo_library/failure.h"
 #include "demo_library/text.h"
-#include "demo_library/xml_depth.h"
 
 #include <windows.h>
 
@@ -17,7 +17,9 @@ namespace {
 
 void parse(TiXmlDocument& document, const std::string& content) {
     to_wide(content);  // throws for broken UTF-8, in which the parser would step over markup and over the end
-    require_flat(content);
+    constexpr int deepest = 32;
+    const std::string fault = ::text::find_xml_fault(content, deepest);
+    if (!fault.empty()) throw failure_t(to_wide(fault));
     document.Parse(content.c_str(), nullptr, TIXML_ENCODING_UTF8);
     if (!document.Error()) return;
     throw failure_t(to_wide(document.ErrorDesc()) + L" (line " + std::to_wstring(document.ErrorRow()) + L")");

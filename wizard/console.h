@@ -1,7 +1,9 @@
 // The whole dialogue with the user goes through these functions.
 #pragma once
 
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 namespace wizard {
 
@@ -15,6 +17,15 @@ void PrintToConsole(std::wstring text);
 // Of a line of more than 1,024 UTF-16 units, line end included, only the beginning is returned. The rest of a visible
 // line is returned by the next calls. The rest of a hidden line is dropped, so that it cannot answer the next question.
 std::wstring ReadFromConsole(bool hidden = false);
+
+// The positional formatter for prompts.
+std::wstring FormatPrompt(std::string_view format, std::initializer_list<std::wstring> arguments);
+
+// Returns " [value]", or an empty text for an empty value.
+std::wstring BracketedDefault(const std::wstring& value);
+
+// Shows the prompt and returns the answer, or the default if the answer is empty.
+std::wstring Ask(const std::wstring& prompt, const std::wstring& default_answer);
 
 // Call this before asking a question again. Throws exc::runtime_exc_t "There is no console to read an answer from" if
 // there is no console, because every answer would then be empty.

@@ -1,14 +1,18 @@
 #include "wizard/console_session.h"
 
+#include <cstdio>
 #include <iostream>
 #include <mutex>
 #include <optional>
+#include <streambuf>
 #include <utility>
+
+#include <boost/algorithm/string/replace.hpp>
 
 #include "common/crash/handler_registry.h"
 #include "common/logging/component.h"
 #include "common/platform/console.h"
-#include "wizard/console_stream.h"
+#include "common/text/convert.h"
 #include "common/win32.h"
 
 namespace wizard {
@@ -77,6 +81,36 @@ bool CancelInput() {
     if (RestoreEcho(state)) EndPromptLine();
     RestoreConsole(state);
     return !std::exchange(state.cancelled, true);
+}
+
+// Buffers nothing, so that the log's echo appears in the right place between two texts.
+class CConsoleBuffer : public std::streambuf {
+protected:
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+        const std::string lines(text, static_cast<std::size_t>(size));
+        platform::write_console(GetStdHandle(STD_OUTPUT_HANDLE),
+                                text::utf8_to_wide(boost::replace_all_copy(lines, "\n", "\r\n")));
+        return size;
+    }
+
+    int_type overflow(int_type character) override {
+        const char single = traits_type::to_char_type(character);
+        if (!traits_type::eq_int_type(character, traits_type::eof())) xsputn(&single, 1);
+        return traits_type::not_eof(character);
+    }
+};
+
+// Makes std::cout reach a console as UTF-16, with CR LF as its line end: the C runtime may lose letters outside ASCII,
+// and may take seconds for a long text. Files and pipes get UTF-8 when the stream is flushed. It cannot be undone.
+void PrepareStandardOutput() {
+    if (platform::is_console(GetStdHandle(STD_OUTPUT_HANDLE))) {
+        // Never destroyed: static objects print while the process ends.
+        static auto* const buffer = new CConsoleBuffer;
+        std::cout.rdbuf(buffer);
+    } else {
+        // Without a buffer, the C runtime writes to NUL character by character.
+        std::setvbuf(stdout, nullptr, _IOFBF, 4096);
+    }
 }
 
 // The default handler, which ends the process, runs after this one.

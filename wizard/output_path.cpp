@@ -6,7 +6,6 @@
 #include "common/exc/raise.h"
 #include "common/text/convert.h"
 #include "wizard/console.h"
-#include "wizard/prompts.h"
 
 namespace wizard {
 namespace {

@@ -1,9 +1,8 @@
-#include "wizard/windows_console.h"
-
 #include <array>
 
 #include "common/platform/console.h"
 #include "common/text/wipe.h"
+#include "wizard/console_device.h"
 #include "wizard/console_session.h"
 #include "common/win32.h"
 
@@ -37,18 +36,13 @@ void DropRestOfLine(CReadBuffer& buffer) {
     }
 }
 
-IConsoleDevice*& DeviceInUse() {
-    static CWindowsConsole windows_console;
-    static IConsoleDevice* device = &windows_console;
-    if (device == nullptr) device = &windows_console;
-    return device;
-}
-
-}  // namespace
-
-void CWindowsConsole::Write(const std::wstring& text) {
-    platform::write_console(GetStdHandle(STD_OUTPUT_HANDLE), text);
-}
+// Failures to write are not reported.
+class CWindowsConsole : public IConsoleDevice {
+public:
+    void Write(const std::wstring& text) override { platform::write_console(GetStdHandle(STD_OUTPUT_HANDLE), text); }
+    std::wstring ReadLine(bool hidden) override;
+    bool IsInteractive() const override { return platform::is_console(GetStdHandle(STD_INPUT_HANDLE)); }
+};
 
 std::wstring CWindowsConsole::ReadLine(bool hidden) {
     if (!hidden) PrepareVisibleInput();
@@ -64,7 +58,14 @@ std::wstring CWindowsConsole::ReadLine(bool hidden) {
     return line;
 }
 
-bool CWindowsConsole::IsInteractive() const { return platform::is_console(GetStdHandle(STD_INPUT_HANDLE)); }
+IConsoleDevice*& DeviceInUse() {
+    static CWindowsConsole windows_console;
+    static IConsoleDevice* device = &windows_console;
+    if (device == nullptr) device = &windows_console;
+    return device;
+}
+
+}  // namespace
 
 IConsoleDevice& ConsoleDevice() { return *DeviceInUse(); }
 

@@ -14,7 +14,6 @@
 #include "wizard/console.h"
 #include "wizard/console_device.h"
 #include "wizard/output_path.h"
-#include "wizard/prompts.h"
 #include "wizard/repository_selection.h"
 
 namespace wizard {

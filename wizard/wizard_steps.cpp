@@ -10,7 +10,6 @@
 #include "common/text/wipe.h"
 #include "wizard/answers.h"
 #include "wizard/console.h"
-#include "wizard/prompts.h"
 #include "wizard/repository_selection.h"
 
 namespace wizard {

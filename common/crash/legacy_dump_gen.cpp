@@ -12,10 +12,9 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
-#include "common/logging/separators.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
-#include "common/platform/version_resource.h"
+#include "common/platform/versions.h"
 #include "common/text/convert.h"
 
 #include <psapi.h>
@@ -86,7 +85,7 @@ std::string describe(HMODULE module, const symbols_t& symbols) {
 
 void write(report_t& report, const CONTEXT& thread) {
     const symbols_t symbols;
-    report.add_line(logging::report_separator);
+    report.add_line(std::string(74, '/'));
     report.add_line("Loaded modules:");
     for (const HMODULE module : loaded_modules()) report.add_line(describe(module, symbols));
     report.add_line("Stack frames:");

@@ -1,4 +1,4 @@
-// Throwing failures, and adding a catcher's sentence.
+// Error texts, throwing failures, and adding a catcher's sentence.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,10 @@
 #include "common/exc/exceptions.h"
 
 namespace exc {
+
+// Returns the English text for a Win32 or WinINet error code, in UTF-8, without trailing line breaks. Never empty, and
+// throws for no code: an unknown one gets the generic text of the error category.
+std::string get_error_text(std::uint32_t code);
 
 // Throws Exception with the message as its only part.
 template <class Exception = runtime_exc_t>

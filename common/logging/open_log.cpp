@@ -13,11 +13,9 @@
 #include "common/logging/log_file_set.h"
 #include "common/logging/logger.h"
 #include "common/logging/output_sinks.h"
-#include "common/logging/separators.h"
 #include "common/platform/module.h"
-#include "common/platform/os_version.h"
 #include "common/platform/path.h"
-#include "common/platform/version_resource.h"
+#include "common/platform/versions.h"
 #include "common/text/convert.h"
 
 namespace logging {
@@ -58,7 +56,7 @@ std::string header_block() {
         "Process Id: %5\n"
         "OS version: %6\n"
         "%1",
-        {block_separator, text::wide_to_utf8(program), version.file_version, version.comments,
+        {std::string(77, '='), text::wide_to_utf8(program), version.file_version, version.comments,
          std::to_string(GetCurrentProcessId()), platform::os_version_text()});
 }
 

@@ -1,8 +1,9 @@
+// The settings file that the plug-in's programs share.
 #pragma once
 
 #include <string>
 
-#include "common/plugin/settings_file.h"
+#include "common/plugin/settings_text.h"
 
 namespace plugin {
 

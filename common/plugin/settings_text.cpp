@@ -1,14 +1,13 @@
 #include "common/plugin/settings_text.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <string_view>
 
 #include <tinyxml.h>
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
+#include "common/text/xml_depth.h"
 
 namespace plugin {
 namespace {
@@ -16,52 +15,13 @@ namespace {
 using exc::format_message;
 using logging::plugin_common;
 
-// Moves past the next occurrence of the mark, or to the end.
-void skip_past(std::string_view& text, std::string_view mark) {
-    text.remove_prefix(std::min(text.find(mark), text.size()));
-    text.remove_prefix(std::min(mark.size(), text.size()));
-}
-
-// Moves past the tag at the beginning of the text. A ">" in a quoted value does not end it. Returns how it changes the
-// depth.
-int skip_tag(std::string_view& text) {
-    const bool closes = text.starts_with("</");
-    const bool is_element = !text.starts_with("<!") && !text.starts_with("<?");
-    char quote = '\0';
-    char last = '\0';
-    text.remove_prefix(1);
-    for (; !text.empty() && (quote != '\0' || text[0] != '>'); text.remove_prefix(1)) {
-        last = text[0];
-        if (last == '<') exc::raise("There is a \"<\" within a tag.");
-        if (quote == '\0' ? last == '"' || last == '\'' : last == quote) quote = quote == '\0' ? last : '\0';
-    }
-    if (closes) return -1;
-    return is_element && last != '/' ? 1 : 0;
-}
-
-// The parser calls itself for each element inside another: some thousands of them would exhaust the stack.
-void refuse_deep_text(std::string_view text) {
-    constexpr int deepest = 1000;
-    int depth = 0;
-    for (;;) {
-        text.remove_prefix(std::min(text.find('<'), text.size()));
-        if (text.empty()) return;
-        if (text.starts_with("<!--")) {
-            skip_past(text, "-->");
-        } else if (text.starts_with("<![CDATA[")) {
-            skip_past(text, "]]>");
-        } else {
-            depth = std::max(depth + skip_tag(text), 0);
-            if (depth > deepest) exc::raise("Elements are nested more than 1000 deep.");
-        }
-    }
-}
-
 // Returns false, and logs it, if the text is not XML.
-bool parse(const std::string& text, TiXmlDocument& document) {
-    refuse_deep_text(text);
+bool parse(const std::string& content, TiXmlDocument& document) {
+    constexpr int deepest = 1000;
+    const std::string fault = text::find_xml_fault(content, deepest);
+    if (!fault.empty()) exc::raise(fault);
     // The parser reads past the end of a text that is cut off within a character. This gives each such step an end.
-    const std::string with_ends = text + std::string(4, '\0');
+    const std::string with_ends = content + std::string(4, '\0');
     document.Parse(with_ends.c_str());
     if (!document.Error()) {
         plugin_common.info("Xml file was successfully loaded");

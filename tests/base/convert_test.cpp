@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/error_text.h"
+#include "common/exc/raise.h"
 #include "common/exc/exceptions.h"
 #include "common/text/wipe.h"
 #include "common/win32.h"

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/error_text.h"
 #include "common/exc/raise.h"
 #include "common/win32.h"
 

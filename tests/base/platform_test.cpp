@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/error_text.h"
+#include "common/exc/raise.h"
 #include "common/exc/exceptions.h"
 #include "common/platform/module.h"
 #include "common/platform/owned.h"

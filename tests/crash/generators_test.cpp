@@ -7,7 +7,7 @@
 #include "common/crash/recorder/minidump_file.h"
 #include "common/crash/recorder/value_filter.h"
 #include "common/crash/stack_frames.h"
-#include "common/exc/error_text.h"
+#include "common/exc/raise.h"
 #include "tests/crash/dump_folder_fixture.h"
 
 namespace {

@@ -40,8 +40,8 @@ TEST_F(demo_library_test, scenario_may_be_long_but_not_deep) {
     };
     const std::wstring start = L"The file " + (folder / "scenario.xml").wstring() + L" cannot be used: ";
     for (const char* level : {"<a>", "<a b='/>'>", "<a><!--</a>-->", "<a><![CDATA[</a>]]>", "<a><?b?><!c>"})
-        EXPECT_EQ(outcome_with(level), start + L"its elements are nested more than 32 levels deep (line 2)") << level;
-    EXPECT_EQ(outcome_with("<a b='</a>'>"), start + L"there is a [<] within a tag (line 2)");
+        EXPECT_EQ(outcome_with(level), start + L"Elements are nested more than 32 deep (line 2).") << level;
+    EXPECT_EQ(outcome_with("<a b='</a>'>"), start + L"There is a \"<\" within a tag (line 2).");
     EXPECT_THAT(outcome_with("<a>\xF0</a>"), testing::StartsWith(start + L"The text is not valid UTF-8: "));
 }
 

@@ -1,4 +1,4 @@
-#include "common/logging/line_layout.h"
+#include "common/logging/sink.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,7 +19,7 @@ using layout_t = void (*)(std::string&, const line_t&);
 
 std::string laid_out(layout_t layout, std::uint32_t thread, const record_t& record, std::string_view time = stamp) {
     std::string text;
-    layout(text, {time, thread, record, record.text, 0});
+    layout(text, {time, thread, record, record.text});
     return text;
 }
 

@@ -5,7 +5,7 @@
 #include "common/exc/exceptions.h"
 #include "common/logging/open_log.h"
 #include "common/platform/module.h"
-#include "common/platform/os_version.h"
+#include "common/platform/versions.h"
 #include "tests/logging/log_test_kit.h"
 #include "tests/support/test_registry.h"
 

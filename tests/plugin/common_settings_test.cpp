@@ -98,11 +98,11 @@ TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
                         unable + "There is no node with the specified name: [" + node + "]."});
     }
     std::string deep;
-    while (deep.size() < 300000) deep += "<a x='>'><!--</a>-->";
+    while (deep.size() < 300000) deep += "<a x='>'><!--></a>-->";
     Load(deep);
-    ExpectDefaults({loading, unable + "Elements are nested more than 1000 deep."});
+    ExpectDefaults({loading, unable + "Elements are nested more than 1000 deep (line 1)."});
     Load("<a x='</a>'>");
-    ExpectDefaults({loading, unable + "There is a \"<\" within a tag."});
+    ExpectDefaults({loading, unable + "There is a \"<\" within a tag (line 1)."});
     Load(std::string(1024 * 1024 + 1, ' '));
     ExpectDefaults({loading, unable + "The file is larger than 1 MiB."});
 

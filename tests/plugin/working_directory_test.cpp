@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/error_text.h"
+#include "common/exc/raise.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"

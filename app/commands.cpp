@@ -1,4 +1,4 @@
-#include "app/direct_commands.h"
+#include "app/commands.h"
 
 #include <iostream>
 #include <sstream>
@@ -12,6 +12,7 @@
 #include "common/text/convert.h"
 #include "common/text/wipe.h"
 #include "wizard/answers.h"
+#include "wizard/config_tool_wizard.h"
 #include "wizard/console.h"
 
 namespace app {
@@ -52,11 +53,12 @@ std::wstring PasswordFor(const std::wstring& account, const std::vector<std::str
     return words.size() >= 2 ? text::utf8_to_wide(words[1]) : AskPassword(account);
 }
 
-}  // namespace
-
+// Stores a new caller in direct mode in the context.
 void EnsureDirectCaller(CommandContext& context) {
     context.caller = boost::make_shared<CConfigToolLibCaller>(CallerMode::Direct);
 }
+
+}  // namespace
 
 void ShowHelp(CommandContext& context) {
     ormacon_tool.info("Executing ShowHelp command.");
@@ -128,6 +130,18 @@ void MapBackup(CommandContext& context) {
 void Uninstall(CommandContext& context) {
     EnsureDirectCaller(context);
     Caller(context).Uninstall();
+}
+
+void SetRepository(CommandContext& context) {
+    // This command does not ask the library for the edition; the limit of Standard Edition does not apply to it.
+    constexpr int unlimited_edition = 2;
+    EnsureDirectCaller(context);
+    wizard::CConfigToolWizard(context.caller, unlimited_edition).AskRepositories();
+}
+
+void StartWizard(CommandContext& context) {
+    context.caller = boost::make_shared<CConfigToolLibCaller>(CallerMode::Wizard);
+    wizard::CConfigToolWizard(context.caller).StartWizard();
 }
 
 }  // namespace app

@@ -1,12 +1,9 @@
-// The commands that call the configuration library once. They throw on failure.
+// The commands of the command line. They throw on failure.
 #pragma once
 
 #include "app/command_context.h"
 
 namespace app {
-
-// Stores a new caller in direct mode in the context.
-void EnsureDirectCaller(CommandContext& context);
 
 void ShowHelp(CommandContext& context);
 void ShowConfig(CommandContext& context);
@@ -22,5 +19,9 @@ void SetParallelism(CommandContext& context);
 void MapBackup(CommandContext& context);
 
 void Uninstall(CommandContext& context);
+
+// The wizard's step and the wizard.
+void SetRepository(CommandContext& context);
+void StartWizard(CommandContext& context);
 
 }  // namespace app
