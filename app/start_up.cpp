@@ -5,9 +5,9 @@
 
 #include "common/exc/raise.h"
 #include "common/logging/open_log.h"
-#include "common/plugin/common_settings.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
+#include "common/plugin/common_settings.h"
 #include "common/plugin/working_directory.h"
 #include "common/win32.h"
 
