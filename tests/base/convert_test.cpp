@@ -16,27 +16,23 @@ using namespace text;
 // every text that a test could build.
 int calls_until_failure = 0;
 
-bool Fails() {
-    if (calls_until_failure == 0 || --calls_until_failure > 0) return false;
-    SetLastError(ERROR_NO_UNICODE_TRANSLATION);
-    return true;
-}
-
-template <class Function>
-Function Real(const char* name) {
-    return reinterpret_cast<Function>(
-        reinterpret_cast<void (*)()>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name)));
+template <class... Args>
+int ConvertOrFail(const char* function, Args... args) {
+    if (calls_until_failure > 0 && --calls_until_failure == 0) {
+        SetLastError(ERROR_NO_UNICODE_TRANSLATION);
+        return 0;
+    }
+    const auto address = reinterpret_cast<void (*)()>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), function));
+    return reinterpret_cast<int(WINAPI*)(Args...)>(address)(args...);
 }
 
 int WINAPI ToWide(UINT page, DWORD flags, LPCCH source, int length, LPWSTR target, int size) {
-    if (Fails()) return 0;
-    return Real<decltype(&ToWide)>("MultiByteToWideChar")(page, flags, source, length, target, size);
+    return ConvertOrFail("MultiByteToWideChar", page, flags, source, length, target, size);
 }
 
 int WINAPI ToNarrow(UINT page, DWORD flags, LPCWCH source, int length, LPSTR target, int size, LPCCH other,
                     LPBOOL used) {
-    if (Fails()) return 0;
-    return Real<decltype(&ToNarrow)>("WideCharToMultiByte")(page, flags, source, length, target, size, other, used);
+    return ConvertOrFail("WideCharToMultiByte", page, flags, source, length, target, size, other, used);
 }
 
 }  // namespace

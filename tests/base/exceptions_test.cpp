@@ -63,39 +63,26 @@ TEST(Exceptions, ContextComesLastAndKeepsTraceMarks) {
     EXPECT_THAT([] { rethrow_as_runtime_error(win_sys_exc_t(7), "Context"); }, ThrowsMessage<runtime_exc_t>("Context"));
 }
 
-std::string Serialised(const exc_base_t& failure) {
-    std::ostringstream stream;
-    failure.write(stream);
-    return stream.str();
-}
-
 void Read(exc_base_t& into, const std::string& form) {
     std::istringstream stream(form);
     into.read(stream);
 }
 
-TEST(SerialisedException, ComesBackWhole) {
-    for (const std::size_t size : {0U, 1U, 4095U, 4096U, 4097U, 100000U}) {
-        runtime_exc_t original = Sample();
-        original.add_trace_text(std::string(size, 'x'));
-        runtime_exc_t copy;
-        Read(copy, Serialised(original));
-        EXPECT_STREQ(copy.what(), original.what());
-        EXPECT_EQ(Serialised(copy), Serialised(original));
-    }
-}
-
 TEST(SerialisedException, HasTheDocumentedBytes) {
-    const std::string part_and_thread("\1\0\0\0\2\0\0\0ab\1\x9\0\0\0", 15);
+    const std::string trace_text(0x1234, 'x');
+    const std::string part_and_thread =
+        std::string("\1\0\0\0\x34\x12\0\0", 8) + trace_text + std::string("\1\x9\0\0\0", 5);
     const std::string record("\2\0\0\0\3\0\0\0why", 11);
     const std::string form = part_and_thread + std::string("\2\0\0\0", 4) + record + record;
     runtime_exc_t failure;
     Read(failure, form);
-    EXPECT_STREQ(failure.what(), "--tr:ab");
+    EXPECT_EQ(failure.what(), "--tr:" + trace_text);
     EXPECT_EQ(failure.thrower_thread_id(), 9U);
     EXPECT_EQ(failure.trace_records().count({trace_event_t::context_added, "why"}), 2U);
     EXPECT_EQ(failure.trace_records().count({trace_event_t::thrown, "why"}), 0U);
-    EXPECT_EQ(Serialised(failure), form);
+    std::ostringstream stream;
+    failure.write(stream);
+    EXPECT_EQ(stream.str(), form);
 
     const std::string unknown_record("\1\0\0\0\x7\0\0\0\3\0\0\0why", 15);
     EXPECT_THAT([&] { Read(failure, part_and_thread + unknown_record); },
