@@ -1,3 +1,5 @@
+#include <process.h>
+
 #include "tests/demo_library/demo_library_test.h"
 #include "tests/support/access_list.h"
 
@@ -98,4 +100,42 @@ TEST_F(demo_library_test, lock_that_is_never_released_ends_the_call) {
                 testing::StartsWith(L"Another program has kept the file " + path + L" locked for five seconds: "));
     CloseHandle(lock);
     EXPECT_EQ(answer([&] { direct.SetPort(3); }), L"ok");
+}
+
+namespace {
+
+// Changes a value again and again, and reads each change back.
+void change(void (CConfigToolLibCaller::*set)(int), auto value) {
+    CConfigToolLibCaller library(CallerMode::Direct);
+    for (int number = 1; number <= 50; ++number) {
+        ConfigurationSnapshot stored;
+        (library.*set)(number);
+        library.GetConfig(stored);
+        ASSERT_EQ(stored.*value, number);
+    }
+}
+
+}  // namespace
+
+// The child processes of the test below.
+TEST(child, DISABLED_port) { change(&CConfigToolLibCaller::SetPort, &ConfigurationSnapshot::port); }
+TEST(child, DISABLED_parallelism) {
+    change(&CConfigToolLibCaller::SetParallelism, &ConfigurationSnapshot::parallelism);
+}
+
+TEST_F(demo_library_test, two_processes_lose_no_change_to_one_configuration) {
+    SetEnvironmentVariableW(L"ORMACON_DEMO_REPORT", nullptr);
+    std::vector<intptr_t> children;
+    for (const wchar_t* filter : {L"--gtest_filter=child.DISABLED_port", L"--gtest_filter=child.DISABLED_parallelism"})
+        children.push_back(_wspawnl(_P_NOWAIT, platform::program_path().c_str(), L"demo_library_test", filter,
+                                    L"--gtest_also_run_disabled_tests", nullptr));
+    for (const intptr_t child : children) {
+        int status = 1;
+        EXPECT_EQ(_cwait(&status, child, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    ConfigurationSnapshot stored;
+    direct.GetConfig(stored);
+    EXPECT_EQ(stored.port, 50);
+    EXPECT_EQ(stored.parallelism, 50);
 }
