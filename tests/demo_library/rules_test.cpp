@@ -19,7 +19,7 @@ TEST_F(demo_library_test, validates_the_form_of_account_and_host) {
     EXPECT_THAT(FileText(folder / "state.xml"), testing::HasSubstr("host=\"7host\""));
 }
 
-TEST_F(demo_library_test, validates_numbers_in_both_modes) {
+TEST_F(demo_library_test, validates_numbers_and_repositories_in_both_modes) {
     host.Scenario("<Server lowestParallelism='2' highestParallelism='16'/>");
     wizard.InitializeWizard();
     for (CConfigToolLibCaller* caller : {&direct, &wizard}) {
@@ -31,13 +31,6 @@ TEST_F(demo_library_test, validates_numbers_in_both_modes) {
         for (const int bad : {1, 17, -1})
             EXPECT_EQ(answer([&] { caller->SetParallelism(bad); }),
                       L"The parallelism " + std::to_wstring(bad) + L" is not allowed: it is 2 to 16.");
-    }
-    EXPECT_EQ(wizard.GetParallelismRangeString(), L"2-16");
-}
-
-TEST_F(demo_library_test, validates_repositories_in_both_modes) {
-    wizard.InitializeWizard();
-    for (CConfigToolLibCaller* caller : {&direct, &wizard}) {
         EXPECT_EQ(select(*caller, {}), L"No repository is selected: at least one is needed.");
         EXPECT_EQ(select(*caller, {L"REP-0001", L"REP-0002", L"REP-0003", L"REP-0004"}), L"ok");
         EXPECT_EQ(select(*caller, {L"REP-0001", L"REP-0002", L"REP-0003", L"REP-0004", L"REP-0005"}),
@@ -48,6 +41,7 @@ TEST_F(demo_library_test, validates_repositories_in_both_modes) {
                   L"The repository [rep-0001] is not known to the backup server. Known repositories: REP-0001, "
                   L"REP-0002, REP-0003, REP-0004, REP-0005.");
     }
+    EXPECT_EQ(wizard.GetParallelismRangeString(), L"2-16");
     host.Scenario("<Server edition='1'/>");
     EXPECT_EQ(select(direct, {L"REP-0001", L"REP-0002"}), L"ok");
     EXPECT_EQ(select(wizard, {L"REP-0001", L"REP-0002"}),
