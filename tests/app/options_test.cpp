@@ -53,7 +53,6 @@ TEST(Dispatch, ComplaintsOfTheParserGetTheirContext) {
         {{"--set-port"}, "the required argument for option '--set-port' is missing"},
         {{"--set-port", "a=b"}, "the argument ('a=b') for option '--set-port' is invalid"},
         {{"--set-host", "s", "--frobnicate"}, "unrecognised option '--frobnicate'"},
-        {{"-s"}, "unrecognised option '-s'"},
         {{"-verbose"}, "unrecognised option '-verbose'"},
         {{"--set-cred", "user", "-s3cret", "-verbose"}, "unrecognised option '***'"},
         {{"--set-credentials", "user", "--s3cret=x", "--set-port", "1"}, "unrecognised option '***'"},

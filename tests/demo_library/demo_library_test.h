@@ -1,14 +1,12 @@
 // Drives the built library in both modes, the way the tool does.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 
-#include "common/exc/exceptions.h"
 #include "common/text/convert.h"
 #include "conf_tool/lib_caller.h"
 #include "tests/support/demo_host.h"
@@ -19,14 +17,8 @@ using test_support::FileText;
 // The library, loaded anew for each test with files of its own.
 class demo_library_test : public testing::Test {
 protected:
-    // "ok" or the error text.
     static std::wstring answer(const std::function<void()>& call) {
-        try {
-            call();
-        } catch (const exc::runtime_exc_t& failure) {
-            return text::utf8_to_wide(failure.what());
-        }
-        return L"ok";
+        return text::utf8_to_wide(test_support::FailureOf(call));
     }
 
     static std::wstring select(CConfigToolLibCaller& caller, const std::vector<std::wstring>& ids) {

@@ -36,7 +36,7 @@ TEST(child, DISABLED_logs_and_ends) {
 }
 
 TEST(log_process, header_echo_and_copy_until_the_very_end) {
-    const folder_t folder;
+    const CTestFolder folder;
     const std::wstring command = L"cd /d \"" + folder.path.wstring() + L"\" && \"" + platform::program_path() +
                                  L"\" --gtest_also_run_disabled_tests --gtest_filter=child.DISABLED_logs_and_ends "
                                  L"-log -verbose >output";
@@ -64,7 +64,7 @@ TEST(log_process, header_echo_and_copy_until_the_very_end) {
 }
 
 TEST(log_process, opening_twice_closing_and_failing_to_open) {
-    const folder_t folder;
+    const CTestFolder folder;
     const std::wstring path = (folder / L"a\\b\\Ormacon.log").wstring();
     for (int run = 0; run < 2; ++run) open_log(ormacon_tool, {path, {}, {}});
     EXPECT_EQ(log_path(), path);
@@ -83,24 +83,16 @@ TEST(log_process, opening_twice_closing_and_failing_to_open) {
                                                     "Cannot init logging")));
 }
 
-// The two programs of kill_test.py. The writer announces each record that was logged.
+// The program of kill_test.py. It announces each record that was logged.
 TEST(child, DISABLED_writes) {
     constexpr size_limits_t limits{6000, 1000};
     open_log(ormacon_tool, {(fs::current_path() / L"Ormacon.log").wstring(), limits, {}});
-    std::cout << "process " << GetCurrentProcessId() << " is ready" << std::endl;
+    std::cout << "ready" << std::endl;
     int round = 0, count = 0;
     std::cin >> round >> count;
     for (int number = 1; number <= count; ++number) {
         const std::string filling(number % 50 == 0 ? 20'000 : static_cast<std::size_t>(number * 37 % 400), '.');
         ormacon_tool.info(std::to_string(round) + " " + std::to_string(number) + filling + "|");
         std::cout << '!' << std::flush;
-    }
-}
-
-TEST(child, DISABLED_terminates) {
-    for (DWORD process = 0; std::cin >> process;) {
-        const platform::unique_handle opened(OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, process));
-        TerminateProcess(opened.get(), 1);
-        WaitForSingleObject(opened.get(), INFINITE);
     }
 }

@@ -18,11 +18,7 @@ protected:
     common_settings_t Load(const std::string& content) {
         test_support::WriteFileText(folder_ / "tovak_common_config.xml", content);
         log_.Clear();
-        return plugin::load_common_settings(folder_.wstring());
-    }
-
-    common_settings_t LoadParameters(const std::string& parameters) {
-        return Load("<Config>" + parameters + "</Config>");
+        return plugin::load_common_settings(folder_.path.wstring());
     }
 
     // The defaults are in force, after these lines about the file.
@@ -37,11 +33,13 @@ protected:
 
     std::string Path() const { return text::wide_to_utf8((folder_ / "tovak_common_config.xml").wstring()); }
 
-    std::filesystem::path folder_ = test_support::FreshFolder();
+    const test_support::CTestFolder folder_;
     test_support::CRecordedLog log_;
 };
 
 TEST_F(CommonSettings, ElementsComeBeforeAttributes) {
+    std::string flat;
+    for (int i = 0; i < 1001; ++i) flat += "<x>1</x><y/>";
     for (const char* parameters :
          {"<PluginParameters><minPluginManagerPort>7001</minPluginManagerPort><managerConnectionAttempsCount> 5"
           "</managerConnectionAttempsCount><managerLockDir>C:\\\u00e4\\l</managerLockDir><logsDir>C:\\g</logsDir>"
@@ -49,7 +47,7 @@ TEST_F(CommonSettings, ElementsComeBeforeAttributes) {
           "<PluginParameters minPluginManagerPort='1' managerConnectionAttempsCount='5' "
           "managerLockDir='C:\\\u00e4\\l' logsDir='C:\\g'><minPluginManagerPort>7001</minPluginManagerPort>"
           "</PluginParameters>"}) {
-        LoadParameters(parameters);
+        Load("<Config>" + flat + parameters + "</Config>");
         EXPECT_THAT(log_.lines(),
                     ElementsAre("Loading xml file [" + Path() + "]", "Xml file was successfully loaded",
                                 "Plugin manager port is [7001]", "Plugin to manager connection attempts count is [5]",
@@ -57,19 +55,13 @@ TEST_F(CommonSettings, ElementsComeBeforeAttributes) {
     }
 }
 
-TEST_F(CommonSettings, ManyFlatElementsAreNoDepth) {
-    std::string parameters = "<PluginParameters>";
-    for (int i = 0; i < 5000; ++i) parameters += "<x>1</x><y/>";
-    EXPECT_EQ(LoadParameters(parameters + "<logsDir>C:\\l</logsDir></PluginParameters>").logsDir, "C:\\l");
-}
-
 TEST_F(CommonSettings, NumbersFallBackToTheirDefaults) {
     const std::pair<const char*, int> cases[] = {{"abc", 6791},   {"7000x", 7000}, {"", 6791},
                                                  {"x7000", 6791}, {"-1", -1},      {" 12 ", 12}};
     for (const auto& [text, port] : cases) {
-        const auto settings = LoadParameters(std::string("<PluginParameters minPluginManagerPort='") + text +
-                                             "'><managerConnectionAttemptsCount>7</managerConnectionAttemptsCount>"
-                                             "</PluginParameters>");
+        const auto settings = Load(std::string("<Config><PluginParameters minPluginManagerPort='") + text +
+                                   "'><managerConnectionAttemptsCount>7</managerConnectionAttemptsCount>"
+                                   "</PluginParameters></Config>");
         EXPECT_EQ(settings.minPluginManagerPort, port) << text;
         EXPECT_EQ(settings.managerConnectionAttempsCount, 30);
         EXPECT_EQ(settings.managerLockDir + settings.logsDir, "");
@@ -77,7 +69,7 @@ TEST_F(CommonSettings, NumbersFallBackToTheirDefaults) {
 }
 
 TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
-    plugin::load_common_settings(folder_.wstring());
+    plugin::load_common_settings(folder_.path.wstring());
     ExpectDefaults(
         {"WARN|Unable to init plugin manager settings. Using default values. Cannot find plug-in manager configuration "
          "file",

@@ -3,12 +3,14 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <regex>
 #include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "common/exc/exceptions.h"
 #include "common/platform/module.h"
 #include "common/win32.h"
 
@@ -28,27 +30,42 @@ inline std::filesystem::path BesideProgram(const wchar_t* name) {
     return std::filesystem::path(platform::program_path()).parent_path() / name;
 }
 
-// An empty folder for the running test, below the test program's.
-inline std::filesystem::path FreshFolder() {
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    const auto folder = BesideProgram(L"test_folders") / test->test_suite_name() / test->name();
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    return folder;
+// Returns the text of the failure, or "ok".
+inline std::string FailureOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const exc::runtime_exc_t& failure) {
+        return failure.what();
+    }
+    return "ok";
 }
+
+// A folder of the running test, below the test program's; empty at the start and deleted at the end.
+class CTestFolder {
+public:
+    CTestFolder() {
+        std::filesystem::remove_all(path);
+        std::filesystem::create_directories(path);
+    }
+    ~CTestFolder() { std::filesystem::remove_all(path); }
+    CTestFolder(const CTestFolder&) = delete;
+    CTestFolder& operator=(const CTestFolder&) = delete;
+
+    std::filesystem::path operator/(const std::filesystem::path& name) const { return path / name; }
+
+    const testing::TestInfo* const test = testing::UnitTest::GetInstance()->current_test_info();
+    const std::filesystem::path path = BesideProgram(L"test_folders") / test->test_suite_name() / test->name();
+};
 
 class CDemoHost {
 public:
-    CDemoHost() : folder_(FreshFolder()) {
+    CDemoHost() {
         SetEnvironmentVariableW(L"ORMACON_DEMO_STATE", (folder_ / "state.xml").c_str());
         SetEnvironmentVariableW(L"ORMACON_DEMO_REPORT", (folder_ / "report.txt").c_str());
         Scenario("");
     }
-    ~CDemoHost() { std::filesystem::remove_all(folder_); }
-    CDemoHost(const CDemoHost&) = delete;
-    CDemoHost& operator=(const CDemoHost&) = delete;
 
-    const std::filesystem::path& folder() const { return folder_; }
+    const std::filesystem::path& folder() const { return folder_.path; }
 
     // The elements of a scenario; see scenario.sample.xml.
     void Scenario(const std::string& elements) const {
@@ -74,7 +91,7 @@ public:
     }
 
 private:
-    std::filesystem::path folder_;
+    const CTestFolder folder_;
 };
 
 }  // namespace test_support

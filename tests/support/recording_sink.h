@@ -1,6 +1,6 @@
-// Collects the lines of each record that is logged during its lifetime: the marker if there is one, then the text.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,6 +10,21 @@
 
 namespace test_support {
 
+// Keeps each line: a marker for most levels, then the text. May do something of its own with it.
+struct recording_sink_t : logging::receiver::sink_t {
+    explicit recording_sink_t(std::function<void(const logging::line_t&)> own_action = {}) : action(own_action) {}
+
+    void write_line(const logging::line_t& line) override {
+        const char* const markers[] = {"TRC |", "", "", "WARN|", "ERR |"};
+        lines.push_back(markers[line.record.level] + std::string(line.piece));
+        if (action) action(line);
+    }
+
+    std::vector<std::string> lines;
+    std::function<void(const logging::line_t&)> action;
+};
+
+// The lines that this process logs during the lifetime of this object.
 class CRecordedLog {
 public:
     CRecordedLog() { logging::process_logger().attach(sink_); }
@@ -19,24 +34,9 @@ public:
 
     const std::vector<std::string>& lines() const { return sink_->lines; }
     void Clear() { sink_->lines.clear(); }
-    bool Contains(const std::string& text) const {
-        for (const std::string& line : lines()) {
-            if (line.find(text) != std::string::npos) return true;
-        }
-        return false;
-    }
 
 private:
-    struct sink_t : logging::receiver::sink_t {
-        void write_line(const logging::line_t& line) override {
-            const unsigned level = line.record.level;
-            const char* marker = level == 3 ? "WARN|" : level == 4 ? "ERR |" : "";
-            lines.push_back(marker + std::string(line.piece));
-        }
-        std::vector<std::string> lines;
-    };
-
-    boost::shared_ptr<sink_t> sink_ = boost::make_shared<sink_t>();
+    const boost::shared_ptr<recording_sink_t> sink_ = boost::make_shared<recording_sink_t>();
 };
 
 }  // namespace test_support

