@@ -1,4 +1,5 @@
-// The least that a program with the same libraries contains: it calls what Ormacon calls of them, and does nothing else.
+// The least that a program with the same libraries contains: it calls what Ormacon calls of them, and does nothing
+// else.
 #include <iostream>
 #include <locale>
 #include <sstream>
