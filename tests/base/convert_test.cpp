@@ -91,8 +91,10 @@ TEST(Wipe, OverwritesShortAndLongTexts) {
     for (const std::size_t size : {3U, 100U}) {
         std::wstring secret(size, L's');
         const wchar_t* memory = secret.data();
-        secret.resize(1);  // the rest of the text is still in memory
-        { const wipe_at_exit_t wipe(secret); }
+        {
+            const wipe_at_exit_t wipe(secret);
+            secret.resize(1);  // the rest of the text is still in memory
+        }
         EXPECT_TRUE(secret.empty());
         // cppcheck-suppress invalidContainer ; a shorter text keeps its memory
         EXPECT_EQ(std::wstring(memory, size), std::wstring(size, L'\0'));

@@ -78,7 +78,7 @@ TEST(Owned, ClosesOnceAndKeepsTheLastError) {
     DWORD flags = 0;
     EXPECT_FALSE(GetHandleInformation(event, &flags));
     SetLastError(42);
-    { const unique_handle closed_again(event); }  // fails
+    unique_handle(event).reset();  // fails
     EXPECT_EQ(GetLastError(), 42U);
     EXPECT_FALSE(unique_file(INVALID_HANDLE_VALUE));
     EXPECT_FALSE(unique_file());
