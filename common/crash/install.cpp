@@ -9,6 +9,7 @@
 
 #include "common/crash/crash_entry.h"
 #include "common/crash/die.h"
+#include "common/crash/stack_frames.h"
 #include "common/crash/watchdog.h"
 #include "common/logging/log_exception.h"
 #include "common/logging/log_settings.h"
@@ -24,7 +25,7 @@ constexpr std::uint32_t abort_code = 0x40000015;              // STATUS_FATAL_AP
 constexpr std::uint32_t heap_corruption_code = 0xC0000374;    // STATUS_HEAP_CORRUPTION
 constexpr std::uint32_t invalid_parameter_code = 0xC0000417;  // STATUS_INVALID_CRUNTIME_PARAMETER
 
-// What the main thread keeps for the handling of its own stack overflow. Wine ignores it and leaves some 6 KiB.
+// What the main thread keeps for the handling of its own stack overflow.
 constexpr ULONG stack_guarantee = 131'072;
 
 // What the search for a handler needs, with the last page, which is never used.
@@ -53,9 +54,9 @@ bool ends_here(DWORD code) {
     constexpr DWORD is_error = 0xC0000000;
     if (code == heap_corruption_code) return true;
     if (code == EXCEPTION_STACK_OVERFLOW && stack_left() < search_needs) return true;
-    // A fault of a crash handler. Windows ends a process at once whose unhandled-exception filter faults, so that the
-    // filter is not called for it again.
-    return (code & is_error) == is_error && is_running_handlers();
+    // A fault of a crash handler, or of the unwinder on a damaged stack. Windows ends a process at once whose
+    // unhandled-exception filter faults, and the search for a handler would unwind the same stack.
+    return (code & is_error) == is_error && (is_running_handlers() || is_unwinding());
 }
 
 LONG WINAPI on_exception(EXCEPTION_POINTERS* pointers) {

@@ -17,4 +17,7 @@ void check_architecture(WORD architecture);
 // check_architecture() throws.
 void walk_stack(const CONTEXT& thread, const std::function<void(std::uint64_t)>& visit);
 
+// Whether the calling thread is in the system's unwinder, called by walk_stack().
+bool is_unwinding() noexcept;
+
 }  // namespace crash
