@@ -97,7 +97,7 @@ class Crash:
         names = [re.fullmatch(rf"Ormacon_crash_{process_id}{case.dump}", file.name) for file in self.files]
         check(self.name, all(names) and len(names) == (case.dump is not NO_DUMP), f"files {self.files}")
         check(self.name, not (self.folder / RECORDER).is_file(), "the recorder's file was left behind")
-        check(self.name, self.seconds < 30, f"took {self.seconds} s")
+        # Printed last: it is missing when the watching thread had to end the process.
         notice = f"The program has crashed with 0x{case.status:08X}. {case.notice}" if case.notice else ""
         check(self.name, self.notice == notice.format(windows_path(self.dumps)), f"notice {self.notice!r}")
         self.check_log(log)
