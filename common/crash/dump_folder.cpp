@@ -54,8 +54,7 @@ void for_each_dump(const std::wstring& folder, const std::wstring& pattern, cons
 std::vector<WIN32_FIND_DATAW> dumps_oldest_first(const std::wstring& folder) {
     std::vector<WIN32_FIND_DATAW> dumps;
     for_each_dump(folder, dump_pattern, [&](const WIN32_FIND_DATAW& entry) { dumps.push_back(entry); });
-    std::sort(dumps.begin(), dumps.end(),
-              [](const auto& first, const auto& second) { return compare_age(first, second) < 0; });
+    std::ranges::sort(dumps, [](const auto& first, const auto& second) { return compare_age(first, second) < 0; });
     return dumps;
 }
 
