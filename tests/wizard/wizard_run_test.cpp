@@ -29,7 +29,10 @@ constexpr wchar_t restart_question[] =
 
 // A user with prepared answers. The transcript shows them in angle brackets, hidden ones with a "#".
 struct CScriptedConsole : wizard::IConsoleDevice {
-    explicit CScriptedConsole(Answers prepared) : answers(std::move(prepared)) { wizard::UseConsoleDevice(this); }
+    explicit CScriptedConsole(Answers prepared, bool somebody_answers = true)
+        : interactive(somebody_answers), answers(std::move(prepared)) {
+        wizard::UseConsoleDevice(this);
+    }
     ~CScriptedConsole() override { wizard::UseConsoleDevice(nullptr); }
 
     void Write(const std::wstring& text) override { transcript += text; }
@@ -46,7 +49,7 @@ struct CScriptedConsole : wizard::IConsoleDevice {
 
     bool IsInteractive() const override { return interactive; }
 
-    bool interactive = true;
+    const bool interactive;
     std::function<void()> at_first_answer;
     Answers answers;
     std::wstring transcript;
@@ -272,8 +275,7 @@ TEST_F(WizardRun, NoneOrManyRepositoriesAreOffered) {
 
 TEST_F(WizardRun, NothingIsRepeatedWhereNobodyCanAnswer) {
     for (const Answers& answers : {Answers(9, L""), FirstTime({L"", L"", L"", L""})}) {
-        CScriptedConsole console(answers);
-        console.interactive = false;
+        CScriptedConsole console(answers, false);
         Start();
         EXPECT_THAT(console.transcript, EndsWith(std::wstring(restart_question) + L"<>"));
     }
