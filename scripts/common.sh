@@ -9,7 +9,7 @@ say() { printf '== %s\n' "$*" >&2; }
 die() { printf '!! %s\n' "$*" >&2; exit 1; }
 
 # step TITLE COMMAND...: runs a long command with its output in a file; shows the
-# output's end when it fails, so that the failing step and the reason stand together.
+# output's end when it fails, so that the failing step and the reason are together.
 # On a terminal the step's line shows how far it is.
 step() {
     local title=$1 log status=0 ticker=

@@ -28,7 +28,7 @@ WINDOWS_LIBRARIES = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", 
 
 
 def dll_characteristics(file):
-    """The DllCharacteristics of a program file and of those that it holds as data."""
+    """The DllCharacteristics of a program file and of those that it contains as data."""
     begins = [match.start() for match in re.finditer(b"MZ", file)]
     headers = [begin + int.from_bytes(file[begin + 0x3c:begin + 0x40], "little") for begin in begins]
     return [int.from_bytes(file[header + 0x5e:header + 0x60], "little")

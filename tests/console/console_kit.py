@@ -41,7 +41,7 @@ def run_quietly(*command, check=True):
 
 
 def forms(secret):
-    """A text as files may hold it: itself, in hexadecimal digits, and in base64 at each place of a longer text."""
+    """A text as files may contain it: itself, in hexadecimal digits, and in base64 at each place of a longer text."""
     for encoding in ("utf-8", "utf-16-le"):
         raw = secret.encode(encoding)
         yield from (raw, raw.hex().encode())
