@@ -40,7 +40,8 @@ class Interrupts(ConsoleTest):
         terminal = self.start_in_shell("wait", RUNS, "--set-credentials", "userRUN")
         for run in range(1, RUNS + 1):
             self.await_prompt(terminal, f"Enter password for user{run}: ")
-            terminal.type("secret"[:run % 4])
+            if run == 1:  # then Wine keeps the line of the read that has ended, and echoes in it what nobody reads yet
+                terminal.type("secret")
             terminal.press("C-c")
             self.await_ends(terminal, run)
         self.check_nothing_was_changed()
