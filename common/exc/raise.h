@@ -9,8 +9,8 @@
 
 namespace exc {
 
-// Returns the English text for a Win32 or WinINet error code, in UTF-8, without trailing line breaks. Never empty, and
-// throws for no code: an unknown one gets the generic text of the error category.
+// Returns the English text for a Win32 or WinINet error code, in UTF-8, without trailing line breaks. Never empty: an
+// unknown code gets the generic text of the error category.
 std::string get_error_text(std::uint32_t code);
 
 // Throws Exception with the message as its only part.
