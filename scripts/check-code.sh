@@ -17,8 +17,8 @@ look_with_cppcheck() {
         -D_WIN32 -D_WIN64 -D__GNUC__=12 -D__x86_64__ -DUNICODE -DNOMINMAX -DWIN32_LEAN_AND_MEAN -I. "${sources[@]}"
 }
 
-# The commands of the test build, without what clang does not know: an option and an attribute. For clang the target's headers are those
-# of the cross compiler; only the compiler's own must be clang's.
+# The commands of the test build, without what clang does not know: an option and an attribute. The target's headers are
+# those of the cross compiler; only the compiler's own must be clang's.
 prepare_clang_tidy() {
     [ -f build/test/build.ninja ] || step "configuring the test build" cmake --preset test
     ninja -C build/test build.ninja >/dev/null
@@ -33,7 +33,7 @@ prepare_clang_tidy() {
     } >"$database/options"
 }
 
-# One source; its name is the progress, what was found follows it.
+# Checks one source. Prints its name, to show the progress, and then the findings.
 look_into() {
     local found options status=0
     mapfile -t options <"$database/options"

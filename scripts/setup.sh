@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs the packages that are missing on Debian or Ubuntu and builds the libraries for the Windows target into .deps/.
-# With --bench, --fuzz or --check, also what only the benchmarks, the fuzzing or the search for faults need. Quick when
-# there is nothing to do.
+# Installs the packages that are missing on Debian or Ubuntu, and builds the libraries for Windows in .deps/. With
+# --bench, --fuzz or --check, also what only the benchmarks, the fuzzing or the static analysis need. Quick when there is
+# nothing to do.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -92,7 +92,8 @@ source_entries() {
 }
 
 # fetch_source LIBRARY PACKAGE [RELEASE]: the source package with the distribution's patches, of this machine's release
-# or another one, in .deps/src/LIBRARY/tree; its version in .deps/src/LIBRARY.version. apt gives up root's rights where it can.
+# or another one, in .deps/src/LIBRARY/tree; its version in .deps/src/LIBRARY.version. apt gives up root's rights where
+# it can.
 fetch_source() {
     local dir=$deps/src/$1 package=$2 suite=${3:-$(system_name VERSION_CODENAME)} apt=$deps/apt/${3:-own} options
     options=(-o Dir::Etc::sourcelist="$apt/sources.list" -o Dir::Etc::sourceparts="$apt/parts"
