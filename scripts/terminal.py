@@ -190,7 +190,8 @@ def main():
         sys.stdin.reconfigure(encoding="utf-8", errors="replace", newline="\n")
     with Terminal(sys.argv[1:], columns=COLUMNS) as terminal:
         complaint = play(terminal, answers(sys.stdin, terminal))
-        print(terminal.screen())
+        if shown := terminal.screen():
+            print(shown)
         status = 1 if complaint else terminal.exit_status()
     if complaint:
         print(f"!! {complaint}", file=sys.stderr)
