@@ -65,6 +65,8 @@ class ConsoleTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         prepare_windows_environment()
+        # What a run that was interrupted has set, such as limits of the log.
+        run_quietly("wine64", "reg", "delete", SETTINGS, "/f", check=False)
 
     def setUp(self):
         self.folder = os.path.join(WORK, "runs", self.id().split(".", 1)[1])
