@@ -75,11 +75,12 @@ void logger_t::seize(std::uint32_t crashed_thread, std::chrono::milliseconds wai
 
 // Asks again every millisecond: to wake a thread that waits costs the one that unlocks more than writing a record.
 bool logger_t::lock_within(std::chrono::milliseconds wait) noexcept {
+    if (lock_.try_lock()) return true;
     const ULONGLONG begin = GetTickCount64();
-    while (!lock_.try_lock()) {
+    do {
         if (GetTickCount64() - begin >= static_cast<ULONGLONG>(wait.count())) return false;
         Sleep(1);
-    }
+    } while (!lock_.try_lock());
     return true;
 }
 
