@@ -8,19 +8,13 @@
 namespace crash {
 namespace {
 
-constexpr SIZE_T spare_stack = 524'288;
 constexpr std::size_t handling_needs = 98'304;
-
-// Never closed: a crash may come at any time until the process is gone.
-HANDLE spare_thread = nullptr;
-HANDLE spare_thread_needed = nullptr;
 
 std::atomic<DWORD> crashed_thread{0};
 std::atomic<DWORD> handling_thread{0};
 failure_t failure;
 
-[[noreturn]] void end_process() noexcept {
-    TerminateProcess(GetCurrentProcess(), failure.code);
+[[noreturn]] void wait_for_end() noexcept {
     Sleep(INFINITE);
     __builtin_unreachable();
 }
@@ -29,27 +23,11 @@ failure_t failure;
     handling_thread = GetCurrentThreadId();
     start_watchdog(failure.code);
     handle_crash(failure);
-    end_process();
-}
-
-DWORD WINAPI run_spare_thread(void*) {
-    WaitForSingleObject(spare_thread_needed, INFINITE);
-    handle_here();
-}
-
-// False when there is no such thread, which includes a process that is exiting, and when this is it.
-bool wake_spare_thread() noexcept {
-    return GetThreadId(spare_thread) != GetCurrentThreadId() && WaitForSingleObject(spare_thread, 0) == WAIT_TIMEOUT &&
-           SetEvent(spare_thread_needed);
+    TerminateProcess(GetCurrentProcess(), failure.code);
+    wait_for_end();
 }
 
 }  // namespace
-
-void prepare_spare_thread() noexcept {
-    spare_thread_needed = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    if (spare_thread_needed == nullptr) return;
-    spare_thread = CreateThread(nullptr, spare_stack, &run_spare_thread, nullptr, 0, nullptr);
-}
 
 std::size_t stack_left() noexcept {
     ULONG_PTR lowest = 0;
@@ -64,12 +42,9 @@ void die(EXCEPTION_POINTERS* pointers) noexcept {
     if (crashed_thread.compare_exchange_strong(nobody, self)) {
         failure = {pointers->ExceptionRecord->ExceptionCode, self, pointers};
     } else if (self != handling_thread) {
-        Sleep(INFINITE);
+        wait_for_end();
     }
-    if (stack_left() < handling_needs && wake_spare_thread()) {
-        WaitForSingleObject(spare_thread, INFINITE);
-        end_process();
-    }
+    if (stack_left() < handling_needs && run_on_watching_thread(&handle_here, failure.code)) wait_for_end();
     handle_here();
 }
 

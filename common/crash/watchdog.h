@@ -1,4 +1,5 @@
-// A thread that ends the process if the handling of a crash hangs.
+// A thread that ends the process if the handling of a crash hangs, and that handles the crash of a thread whose stack is
+// full. There is only one until then: each thread is paid for by every start of the program.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +16,10 @@ void prepare_watchdog() noexcept;
 
 // Gives the handling of the crash one minute; after that, the process is ended with this exit status.
 void start_watchdog(std::uint32_t exit_status) noexcept;
+
+// Starts the watchdog and has the watching thread call the function, which does not return; a new thread watches. Does
+// not block. Returns false, and does nothing, if there is no watching thread.
+bool run_on_watching_thread(void (*function)(), std::uint32_t exit_status) noexcept;
 
 // Returns the id of the watching thread, or 0 if there is none. Whoever writes a dump of this process must not suspend
 // that thread.

@@ -116,7 +116,7 @@ class Crash:
             check(self.name, any(re.search(line, found) for found in rest), f"{line!r} is not in its place in {log}")
         check(self.name, list(rest) == [] or self.case.lines[-1] not in RECORDED, f"lines after the end of {log}")
         threads = {line.partition(">")[0].partition("<")[2] for line in log[begin - 1:]}
-        # So have the lines of the spare thread, which handles the stack overflow of a second thread.
+        # So have the lines of the watching thread, which handles the stack overflow of a second thread.
         check(self.name, len(threads) == 1, f"several threads in {log}")
 
 
