@@ -22,6 +22,8 @@ class Results:
                 if run.get("error_occurred"):
                     sys.exit(f"!! the benchmark {run['name']} failed: {run['error_message']}")
                 repetitions.setdefault(run["run_name"], []).append(run["real_time"] * NANOSECONDS[run["time_unit"]])
+                if "baseline_seconds" in run:  # measured together
+                    repetitions.setdefault(f"{run['run_name']}/baseline", []).append(run["baseline_seconds"] * 1e9)
                 if "memory" in run:
                     self.memory[run["run_name"]] = run["memory"]
             self.times |= {name: statistics.median(times) for name, times in repetitions.items()}
@@ -125,10 +127,10 @@ def convert_rows(table, results):
 
 def process_rows(table, results):
     for option in ("help", "show-config"):
-        if not results.has(f"process/product/{option}/real_time"):
+        name = f"process/{option}/manual_time"
+        if not results.has(name):
             return
-        table.at_most(f"--{option}", results[f"process/product/{option}/real_time"],
-                      results[f"process/minimal/{option}/real_time"], "minimal program", 1.1)
+        table.at_most(f"--{option}", results[name], results[f"{name}/baseline"], "minimal program", 1.1)
 
 
 def repository_rows(table, results):
