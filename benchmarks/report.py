@@ -84,7 +84,7 @@ def log_rows(table, results):
     if not results.has(one.format("product")):
         return
     record = results[one.format("product")]
-    table.at_least("log record, 1 thread", record, results[one.format("write_file")], "WriteFile", 0.7)
+    table.at_least("log record, 1 thread", record, results[one.format("write_file")], "WriteFile", 0.75)
     table.at_most("log record, composed only", results["log/unwritten"], results[one.format("write_file")], "WriteFile")
     table.at_least("log record, 1 thread", record, results[one.format("spdlog")], "spdlog", 1.4)
     shared = results[eight.format("product")]

@@ -19,17 +19,15 @@ constexpr const char* unwritable = "Cannot write to log file. Log path: [%1].";
 
 log_file_t::log_file_t(const size_limits_t& limits) : limits_(limits), archive_at_(limits.log_size) {}
 
-void log_file_t::write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) {
+void log_file_t::write(const line_head_t& head, const record_t& record) {
     constexpr std::size_t usual_capacity = 65'536;
     const std::uint64_t lost = lost_++;  // this one too, until it has been written
     archive_when_due();
     lines_.clear();
-    const auto warn = [&](std::string_view text) {
-        sink_t::write(time_stamp, thread_id, {.level = level_warning, .text = text});
-    };
+    const auto warn = [&](std::string_view text) { sink_t::write(head, {.level = level_warning, .text = text}); };
     if (!warnings_.empty()) warn(warnings_);
     if (lost > 0) warn(exc::format_message("Records that could not be written to the log: %1.", std::to_string(lost)));
-    sink_t::write(time_stamp, thread_id, record);
+    sink_t::write(head, record);
     append(lines_);
     lost_ = 0;
     size_ += lines_.size();
@@ -39,7 +37,8 @@ void log_file_t::write(std::string_view time_stamp, std::uint32_t thread_id, con
 
 void log_file_t::write_line(const line_t& line) {
     append_file_line(lines_, line);
-    lines_.append("\r\n", 2);
+    lines_ += '\r';
+    lines_ += '\n';
 }
 
 void log_file_t::add_warning(std::string_view text) {

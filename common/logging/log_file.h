@@ -17,7 +17,7 @@ class log_file_t : public sink_t {
 public:
     explicit log_file_t(const size_limits_t& limits);
 
-    void write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) override;
+    void write(const line_head_t& head, const record_t& record) override;
 
     // Adds a warning that is written before the next record.
     void add_warning(std::string_view text);

@@ -57,7 +57,7 @@ private:
 
     // Guarded by the lock.
     std::uint32_t crashed_thread_ = 0;
-    time_stamp_clock_t clock_;
+    line_head_clock_t clock_;
     std::vector<attached_t> sinks_;
     std::vector<boost::shared_ptr<cout_multiplexor_t>> multiplexors_;
 };

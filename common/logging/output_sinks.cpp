@@ -27,12 +27,13 @@ void write_stream(HANDLE stream, std::string_view text) {
 }  // namespace
 
 // OutputDebugStringW throws and handles a structured exception, which costs more than writing the line to the file.
-void COutputDebugStringLog::write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) {
-    if (looked_at_ != time_stamp) {
-        looked_at_ = time_stamp;
+void COutputDebugStringLog::write(const line_head_t& head, const record_t& record) {
+    const std::uint64_t second = GetTickCount64() / 1000;
+    if (looked_at_ != second) {
+        looked_at_ = second;
         somebody_listens_ = IsDebuggerPresent() || monitor_runs();
     }
-    if (somebody_listens_) sink_t::write(time_stamp, thread_id, record);
+    if (somebody_listens_) sink_t::write(head, record);
 }
 
 void COutputDebugStringLog::write_line(const line_t& line) {
@@ -48,9 +49,9 @@ stdout_log_file_t::stdout_log_file_t()
     if (output_ == nullptr || output_ == INVALID_HANDLE_VALUE) exc::raise("Standard output is not available.");
 }
 
-void stdout_log_file_t::write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) {
+void stdout_log_file_t::write(const line_head_t& head, const record_t& record) {
     lines_.clear();
-    sink_t::write(time_stamp, thread_id, record);
+    sink_t::write(head, record);
     std::fflush(stdout);  // what was printed before the record comes first
     if (!is_console_) return write_stream(output_, lines_);
     std::ranges::replace(lines_, '\0', ' ');  // the conversion would end there

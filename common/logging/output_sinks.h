@@ -1,6 +1,7 @@
 // The sinks other than the log file.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -9,17 +10,17 @@
 namespace logging::receiver {
 
 // Passes each line in the short layout to the debugger, or to the program that monitors debugger output. Does nothing
-// while there is neither; looks again whenever the time stamp has changed.
+// while there is neither; looks again at most once per second.
 class COutputDebugStringLog : public sink_t {
 public:
-    void write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) override;
+    void write(const line_head_t& head, const record_t& record) override;
 
 protected:
     void write_line(const line_t& line) override;
 
 private:
     std::string text_;
-    std::string looked_at_;  // time stamp
+    std::uint64_t looked_at_ = 0;  // second since the start of the system
     bool somebody_listens_ = false;
 };
 
@@ -30,7 +31,7 @@ public:
     // Throws exc::runtime_exc_t "Standard output is not available." when the process has none.
     stdout_log_file_t();
 
-    void write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) override;
+    void write(const line_head_t& head, const record_t& record) override;
 
 protected:
     void write_line(const line_t& line) override;

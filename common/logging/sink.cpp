@@ -1,7 +1,5 @@
 #include "common/logging/sink.h"
 
-#include <array>
-
 #include "common/text/find_unit.h"
 
 namespace logging {
@@ -32,28 +30,12 @@ void append(std::string& target, std::string_view text) {
     if (!text.empty()) target.append(text);
 }
 
-void append_thread(std::string& target, std::uint32_t id, std::ptrdiff_t width) {
-    std::array<char, 13> text;  // written from its end
-    char* const digits_end = text.data() + text.size() - 2;
-    digits_end[0] = '>';
-    digits_end[1] = ' ';
-    char* at = digits_end;
-    do {
-        *--at = static_cast<char>('0' + id % 10);
-        id /= 10;
-    } while (id > 0);
-    while (digits_end - at < width) *--at = ' ';
-    *--at = '<';
-    target.append(at, digits_end + 2);
-}
-
 std::size_t indentation(const line_t& line) { return std::size_t{2} * line.record.depth; }
 
 }  // namespace
 
 void append_file_line(std::string& target, const line_t& line) {
-    target.append(line.time_stamp);
-    append_thread(target, line.thread_id, 6);
+    target.append(line.head.in_file());
     append(target, line.record.prefix);
     append(target, file_marker(line.record));
     if (line.record.depth > 0) target.append(indentation(line), ' ');
@@ -65,19 +47,18 @@ void append_console_line(std::string& target, const line_t& line) {
 }
 
 void append_short_line(std::string& target, const line_t& line) {
-    target.append(line.time_stamp);
-    append_thread(target, line.thread_id % 100, 2);
+    target.append(line.head.time_stamp()).append(thread_text(line.head.thread_id() % 100, 2));
     append_console_line(target, line);
 }
 
-void receiver::sink_t::write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record) {
+void receiver::sink_t::write(const line_head_t& head, const record_t& record) {
     std::string_view rest = record.text;
     for (;;) {
         const std::size_t end = text::find_unit(rest, '\n');
         std::string_view piece = rest.substr(0, end);
         // A carriage return before the line feed is half of the same line end.
         if (end < rest.size() && piece.ends_with('\r')) piece.remove_suffix(1);
-        write_line({time_stamp, thread_id, record, piece});
+        write_line({head, record, piece});
         if (end == rest.size()) return;
         rest.remove_prefix(end + 1);
     }

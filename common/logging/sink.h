@@ -1,23 +1,22 @@
 // What one line of the log looks like, without its line end, and where lines go.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "common/logging/component.h"
+#include "common/logging/time_stamp.h"
 
 namespace logging {
 
 // One line of a record on its way to a sink.
 struct line_t {
-    std::string_view time_stamp;  // as render_time_stamp() returns it
-    std::uint32_t thread_id;      // of the thread that logs
+    const line_head_t& head;
     const record_t& record;
     std::string_view piece;  // this line's part of the record's text
 };
 
-// Appends time stamp, thread in six characters, prefix, level marker, indentation, text. Lines after the first one
+// Appends the head, prefix, level marker, indentation, text. Lines after the first one
 // carry all of it again, so that each can be found and read by itself.
 void append_file_line(std::string& target, const line_t& line);
 
@@ -39,7 +38,7 @@ public:
     sink_t& operator=(const sink_t&) = delete;
 
     // Cuts the text at its line feeds and passes each piece to write_line().
-    virtual void write(std::string_view time_stamp, std::uint32_t thread_id, const record_t& record);
+    virtual void write(const line_head_t& head, const record_t& record);
 
 protected:
     virtual void write_line(const line_t& line) = 0;

@@ -1,5 +1,6 @@
 #include "common/logging/time_stamp.h"
 
+#include <algorithm>
 #include <locale>
 #include <sstream>
 
@@ -31,8 +32,19 @@ std::string render_time_stamp(std::uint64_t seconds) noexcept try {
     return "TIME ---";
 }
 
+// No more than 13 characters, for which a string allocates no memory.
+std::string thread_text(std::uint32_t thread_id, std::size_t width) noexcept {
+    const std::string digits = std::to_string(thread_id);
+    return '<' + std::string(width - std::min(width, digits.size()), ' ') + digits + "> ";
+}
+
+line_head_t::line_head_t(std::string_view time_stamp, std::uint32_t thread_id) noexcept
+    : time_stamp_size_(time_stamp.copy(text_.data(), longest_time_stamp)),
+      size_(time_stamp_size_ + thread_text(thread_id, 6).copy(text_.data() + time_stamp_size_, longest_thread)),
+      thread_id_(thread_id) {}
+
 // The tick count is a plain read of memory; the time can cost a system call, which is too much for each record.
-std::string_view time_stamp_clock_t::now() noexcept {
+const line_head_t& line_head_clock_t::now(std::uint32_t thread_id) noexcept {
     const std::uint64_t tick = GetTickCount64();
     if (tick != tick_) {
         tick_ = tick;
@@ -41,10 +53,11 @@ std::string_view time_stamp_clock_t::now() noexcept {
         const std::uint64_t units = (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
         if (units / units_per_second != second_) {
             second_ = units / units_per_second;
-            size_ = render_time_stamp(second_).copy(text_.data(), text_.size());
+            head_ = {render_time_stamp(second_), thread_id};
         }
     }
-    return {text_.data(), size_};
+    if (thread_id != head_.thread_id()) head_ = {head_.time_stamp(), thread_id};
+    return head_;
 }
 
 }  // namespace logging

@@ -168,7 +168,7 @@ void check_lines(const std::string& input) {
     record.level = static_cast<unsigned>(parts[1].size());
     record.depth = static_cast<unsigned>(parts[2].size());
     joining_sink_t sink;
-    sink.write(parts[4], 1U << input.size() % 32, record);
+    sink.write({parts[4], 1U << input.size() % 32}, record);
     for (std::size_t at = 0; (at = parts[0].find("\r\n", at)) != std::string::npos;) parts[0].erase(at++, 1);
     require(sink.joined == parts[0], "can be joined");
 }

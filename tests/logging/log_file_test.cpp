@@ -200,7 +200,7 @@ TEST(log_file, sixteen_threads_lose_double_and_mix_nothing) {
     const auto file = boost::make_shared<win_log_file_t>((folder / L"A.log").wstring(), size_limits_t{40'000, 100});
     int foreign_ids = 0;
     const auto answering = boost::make_shared<recording_sink_t>([&](const line_t& line) {
-        foreign_ids += line.thread_id != GetCurrentThreadId();
+        foreign_ids += line.head.thread_id() != GetCurrentThreadId();
         if (line.piece.ends_with(" ask")) ormacon_tool.info(std::string(line.piece) + " answered");
     });
     const boost::shared_ptr<receiver::sink_t> sinks[] = {file, answering};
