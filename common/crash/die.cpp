@@ -14,17 +14,12 @@ std::atomic<DWORD> crashed_thread{0};
 std::atomic<DWORD> handling_thread{0};
 failure_t failure;
 
-[[noreturn]] void wait_for_end() noexcept {
-    Sleep(INFINITE);
-    __builtin_unreachable();
-}
-
 [[noreturn]] void handle_here() noexcept {
     handling_thread = GetCurrentThreadId();
     start_watchdog(failure.code);
     handle_crash(failure);
     TerminateProcess(GetCurrentProcess(), failure.code);
-    wait_for_end();
+    for (;;) Sleep(INFINITE);
 }
 
 }  // namespace
@@ -42,9 +37,9 @@ void die(EXCEPTION_POINTERS* pointers) noexcept {
     if (crashed_thread.compare_exchange_strong(nobody, self)) {
         failure = {pointers->ExceptionRecord->ExceptionCode, self, pointers};
     } else if (self != handling_thread) {
-        wait_for_end();
+        Sleep(INFINITE);
     }
-    if (stack_left() < handling_needs && run_on_watching_thread(&handle_here, failure.code)) wait_for_end();
+    if (stack_left() < handling_needs && run_on_watching_thread(&handle_here, failure.code)) Sleep(INFINITE);
     handle_here();
 }
 

@@ -6,7 +6,7 @@
 #include <boost/make_shared.hpp>
 
 #include "common/exc/binary_stream.h"
-#include "common/exc/thread_id.h"
+#include "common/exc/raise.h"
 
 namespace exc {
 

@@ -44,6 +44,8 @@ std::string wininet_text(std::uint32_t code) {
 
 }  // namespace
 
+std::uint32_t current_thread_id() noexcept { return GetCurrentThreadId(); }
+
 std::string get_error_text(std::uint32_t code) {
     std::string text = system_text(from_system, nullptr, code, english);
     if (text.empty()) text = wininet_text(code);

@@ -1,4 +1,4 @@
-// Error texts, throwing failures, and adding a catcher's sentence.
+// What the system says, throwing failures, and adding a catcher's sentence.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,9 @@
 #include "common/exc/exceptions.h"
 
 namespace exc {
+
+// Returns the Win32 id of the calling thread.
+std::uint32_t current_thread_id() noexcept;
 
 // Returns the English text for a Win32 or WinINet error code, in UTF-8, without trailing line breaks. Never empty: an
 // unknown code gets the generic text of the error category.

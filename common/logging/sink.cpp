@@ -1,5 +1,7 @@
 #include "common/logging/sink.h"
 
+#include <algorithm>
+
 #include "common/text/find_unit.h"
 
 namespace logging {
@@ -30,9 +32,21 @@ void append(std::string& target, std::string_view text) {
     if (!text.empty()) target.append(text);
 }
 
+// In angle brackets, right-aligned in at least this many characters, and a space. No more than 13 characters, for which
+// a string allocates no memory.
+std::string thread_text(std::uint32_t thread_id, std::size_t width) noexcept {
+    const std::string digits = std::to_string(thread_id);
+    return '<' + std::string(width - std::min(width, digits.size()), ' ') + digits + "> ";
+}
+
 std::size_t indentation(const line_t& line) { return std::size_t{2} * line.record.depth; }
 
 }  // namespace
+
+line_head_t::line_head_t(std::string_view time_stamp, std::uint32_t thread_id) noexcept
+    : time_stamp_size_(time_stamp.copy(text_.data(), longest_time_stamp)),
+      size_(time_stamp_size_ + thread_text(thread_id, 6).copy(text_.data() + time_stamp_size_, longest_thread)),
+      thread_id_(thread_id) {}
 
 void append_file_line(std::string& target, const line_t& line) {
     target.append(line.head.in_file());

@@ -1,6 +1,5 @@
 #include "common/logging/time_stamp.h"
 
-#include <algorithm>
 #include <locale>
 #include <sstream>
 
@@ -31,17 +30,6 @@ std::string render_time_stamp(std::uint64_t seconds) noexcept try {
 } catch (const std::exception&) {
     return "TIME ---";
 }
-
-// No more than 13 characters, for which a string allocates no memory.
-std::string thread_text(std::uint32_t thread_id, std::size_t width) noexcept {
-    const std::string digits = std::to_string(thread_id);
-    return '<' + std::string(width - std::min(width, digits.size()), ' ') + digits + "> ";
-}
-
-line_head_t::line_head_t(std::string_view time_stamp, std::uint32_t thread_id) noexcept
-    : time_stamp_size_(time_stamp.copy(text_.data(), longest_time_stamp)),
-      size_(time_stamp_size_ + thread_text(thread_id, 6).copy(text_.data() + time_stamp_size_, longest_thread)),
-      thread_id_(thread_id) {}
 
 // The tick count is a plain read of memory; the time can cost a system call, which is too much for each record.
 const line_head_t& line_head_clock_t::now(std::uint32_t thread_id) noexcept {

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <random>
 
-#include "common/exc/thread_id.h"
+#include "common/exc/raise.h"
 #include "common/logging/component.h"
 #include "common/text/convert.h"
 #include "tests/fuzz/fuzz_units.h"
