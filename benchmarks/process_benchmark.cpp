@@ -1,6 +1,5 @@
 // --help and --show-config as whole processes, from CreateProcess to the end of the process. Baseline: the minimal
-// program, which is run after each run of the product, so that a machine whose speed changes slows both.
-#include <chrono>
+// program.
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -8,7 +7,6 @@
 #include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/platform/owned.h"
-#include "common/text/convert.h"
 #include "common/win32.h"
 
 namespace {
@@ -35,46 +33,27 @@ bool run_to_end(std::wstring command_line, HANDLE output) {
     return GetExitCodeProcess(process.get(), &status) && status == 0;
 }
 
-class program_t {
-public:
-    program_t(const wchar_t* name, const wchar_t* option)
-        : command_line_(L"\"" + platform::join_path(platform::parent_of(platform::program_path()), name) + L"\" " +
-                        option) {}
-
-    // Returns how many seconds the program took, or a negative number if it failed.
-    double run() const {
-        const auto start = std::chrono::steady_clock::now();
-        if (!run_to_end(command_line_, output_.get())) return -1;
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    }
-
-private:
-    std::wstring command_line_;
-    platform::unique_file output_ = open_nowhere();
-};
-
-void run_both(benchmark::State& state, const wchar_t* option) {
-    const program_t product(L"Ormacon.exe", option);
-    const program_t minimal(L"minimal_program.exe", option);
-    double baseline = 0;
+void run_process(benchmark::State& state, const wchar_t* program, const wchar_t* option) {
+    const std::wstring folder = platform::parent_of(platform::program_path());
+    const std::wstring command_line = L"\"" + folder + L"\\" + program + L"\" " + option;
+    const platform::unique_file output = open_nowhere();
     for (auto _ : state) {
-        const double seconds = product.run();
-        const double least = minimal.run();
-        if (seconds < 0 || least < 0) return state.SkipWithError("the program failed");
-        state.SetIterationTime(seconds);
-        baseline += least;
+        if (!run_to_end(command_line, output.get())) state.SkipWithError("the program failed");
     }
-    state.counters["baseline_seconds"] = benchmark::Counter(baseline, benchmark::Counter::kAvgIterations);
+}
+
+void add(const char* name, const wchar_t* program, const wchar_t* option) {
+    benchmark::RegisterBenchmark(name, run_process, program, option)->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    for (const wchar_t* option : {L"--help", L"--show-config"}) {
-        const std::string name = "process/" + text::wide_to_utf8(option + 2);
-        benchmark::RegisterBenchmark(name.c_str(), run_both, option)->UseManualTime()->Unit(benchmark::kMillisecond);
-    }
+    add("process/product/help", L"Ormacon.exe", L"--help");
+    add("process/minimal/help", L"minimal_program.exe", L"--help");
+    add("process/product/show-config", L"Ormacon.exe", L"--show-config");
+    add("process/minimal/show-config", L"minimal_program.exe", L"--show-config");
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

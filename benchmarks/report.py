@@ -1,4 +1,4 @@
-"""Reads the results of Google Benchmark and prints the table. Each figure is the median of the repetitions."""
+"""Reads the results of Google Benchmark and prints the table. Each figure is the median of the rounds."""
 import json
 import statistics
 import subprocess
@@ -9,24 +9,18 @@ NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
 class Results:
-    """Median times in nanoseconds, and counters, by the name of the benchmark."""
+    """Times in nanoseconds, one of each round, and counters, by the name of the benchmark."""
 
     def __init__(self, folder):
         self.times = {}
         self.memory = {}
         for file in sorted(folder.glob("*.json")):
-            repetitions = {}
             for run in json.loads(file.read_text())["benchmarks"]:
-                if run["run_type"] != "iteration":
-                    continue
                 if run.get("error_occurred"):
                     sys.exit(f"!! the benchmark {run['name']} failed: {run['error_message']}")
-                repetitions.setdefault(run["run_name"], []).append(run["real_time"] * NANOSECONDS[run["time_unit"]])
-                if "baseline_seconds" in run:  # measured together
-                    repetitions.setdefault(f"{run['run_name']}/baseline", []).append(run["baseline_seconds"] * 1e9)
+                self.times.setdefault(run["name"], []).append(run["real_time"] * NANOSECONDS[run["time_unit"]])
                 if "memory" in run:
-                    self.memory[run["run_name"]] = run["memory"]
-            self.times |= {name: statistics.median(times) for name, times in repetitions.items()}
+                    self.memory[run["name"]] = run["memory"]
 
     def has(self, name):
         return name in self.times
@@ -35,7 +29,13 @@ class Results:
         return self.times[name]
 
 
-def duration(nanoseconds):
+def median_ratio(times, baselines):
+    """The figures of a round are compared with each other: the machine's speed may change between rounds."""
+    return statistics.median(time / baseline for time, baseline in zip(times, baselines))
+
+
+def duration(rounds):
+    nanoseconds = statistics.median(rounds)
     for unit, factor in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
         if nanoseconds >= factor:
             return f"{nanoseconds / factor:.3g} {unit}"
@@ -61,13 +61,13 @@ class Table:
 
     def at_most(self, benchmark, result, baseline, name, limit=None):
         """The time as a multiple of the baseline's."""
-        ratio = result / baseline
+        ratio = median_ratio(result, baseline)
         self.row(benchmark, duration(result), f"{name} {duration(baseline)}", f"{rounded(ratio, limit)}× the time",
                  "" if limit is None else f"≤ {limit:.2f}×", limit is None or ratio <= limit)
 
     def at_least(self, benchmark, result, baseline, name, limit=None):
         """The speed as a multiple of the baseline's."""
-        ratio = baseline / result
+        ratio = median_ratio(baseline, result)
         self.row(benchmark, duration(result), f"{name} {duration(baseline)}", f"{rounded(ratio, limit)}× the speed",
                  "" if limit is None else f"≥ {limit:.2f}×", limit is None or ratio >= limit)
 
@@ -127,18 +127,18 @@ def convert_rows(table, results):
 
 def process_rows(table, results):
     for option in ("help", "show-config"):
-        name = f"process/{option}/manual_time"
-        if not results.has(name):
+        if not results.has(f"process/product/{option}/real_time"):
             return
-        table.at_most(f"--{option}", results[name], results[f"{name}/baseline"], "minimal program", 1.1)
+        table.at_most(f"--{option}", results[f"process/product/{option}/real_time"],
+                      results[f"process/minimal/{option}/real_time"], "minimal program", 1.1)
 
 
 def repository_rows(table, results):
     for part, name in (("step", "repositories/step/{}/manual_time"), ("selection", "repositories/selection/{}")):
         if not results.has(name.format(1000)):
             return
-        each = [results[name.format(count)] / count for count in (1000, 10_000, 100_000)]
-        growth = max(each) / each[0]
+        each = [[time / count for time in results[name.format(count)]] for count in (1000, 10_000, 100_000)]
+        growth = max(median_ratio(times, each[0]) for times in each)
         table.row(f"repository {part}, each of 1,000, 10,000, 100,000", ", ".join(map(duration, each)), "",
                   f"{rounded(growth, 1.25)}× the first", "≤ 1.25×" if part == "step" else "", growth <= 1.25)
 
