@@ -1,5 +1,5 @@
-// A thread that ends the process if the handling of a crash hangs, and that handles the crash of a thread whose stack is
-// full. There is only one until then: each thread is paid for by every start of the program.
+// A thread that ends the process if the handling of a crash hangs, and that handles the crash of a thread whose stack
+// is full. There is only one until then: each thread is paid for by every start of the program.
 #pragma once
 
 #include <cstdint>
