@@ -15,7 +15,7 @@ add_link_options(-static -fstack-protector-strong -Wl,--dynamicbase,--nxcompat,-
 # The shipped files do not depend on when and in which folder they are built. Debuggers find the sources when they are
 # started in the folder of the project.
 add_link_options(-Wl,--no-insert-timestamp)
-# Wine maps the sections of such a file; of any other it reads the whole at every start.
+# Wine maps a program whose sections are aligned like pages; any other it reads whole at every start.
 add_link_options(-Wl,--file-alignment,4096)
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
   add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")

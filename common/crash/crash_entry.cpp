@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <utility>
 
 #include "common/crash/dump_folder.h"
 #include "common/crash/handler_registry.h"
@@ -26,6 +27,7 @@ constinit std::atomic<const std::wstring*> dump_folder{nullptr};
 
 // What a stage leaves to the later ones. Only one thread at a time runs them.
 std::size_t next_stage = 0;
+DWORD logging_thread = 0;
 std::atomic<DWORD> handlers_thread{0};
 bool handlers_succeeded = false;
 bool is_folder_ready = false;
@@ -46,10 +48,7 @@ std::wstring known_folder() {
     return folder == nullptr ? std::wstring() : *folder;
 }
 
-void begin(const failure_t& failure) {
-    logging::begin_crash_logging(failure.thread_id, longest_log_wait);
-    logging::ormacon_tool.info("Trying to generate crash dump");
-}
+void begin(const failure_t&) { logging::ormacon_tool.info("Trying to generate crash dump"); }
 
 void execute_handlers(const failure_t&) {
     logging::ormacon_tool.info("Executing crash handlers.");
@@ -124,6 +123,11 @@ constexpr stage_t stages[] = {
 void set_dump_folder(const std::wstring& folder) { dump_folder = new std::wstring(folder); }
 
 void handle_crash(const failure_t& failure) noexcept {
+    // Once for each thread that handles the crash: the one before may be the one that keeps the log's lock.
+    const DWORD self = GetCurrentThreadId();
+    if (std::exchange(logging_thread, self) != self) {
+        logging::begin_crash_logging(failure.thread_id, longest_log_wait);
+    }
     while (next_stage < std::size(stages)) stages[next_stage++](failure);
 }
 

@@ -8,21 +8,50 @@
 namespace crash {
 namespace {
 
+constexpr SIZE_T spare_stack = 524'288;
 constexpr std::size_t handling_needs = 98'304;
+
+// Never closed: a crash may come at any time until the process is gone.
+HANDLE spare_thread = nullptr;
+std::atomic<bool> spare_thread_needed{false};
 
 std::atomic<DWORD> crashed_thread{0};
 std::atomic<DWORD> handling_thread{0};
 failure_t failure;
 
+[[noreturn]] void end_process() noexcept {
+    TerminateProcess(GetCurrentProcess(), failure.code);
+    Sleep(INFINITE);
+    __builtin_unreachable();
+}
+
 [[noreturn]] void handle_here() noexcept {
     handling_thread = GetCurrentThreadId();
     start_watchdog(failure.code);
     handle_crash(failure);
-    TerminateProcess(GetCurrentProcess(), failure.code);
-    for (;;) Sleep(INFINITE);
+    end_process();
+}
+
+// Whoever resumes all threads of the process starts this one too early.
+DWORD WINAPI run_spare_thread(void*) {
+    while (!spare_thread_needed) Sleep(100);
+    handle_here();
+}
+
+// False when there is no such thread, which includes a process that is exiting, and when this is it.
+bool wake_spare_thread() noexcept {
+    if (GetThreadId(spare_thread) == GetCurrentThreadId()) return false;
+    if (WaitForSingleObject(spare_thread, 0) != WAIT_TIMEOUT) return false;
+    spare_thread_needed = true;
+    return ResumeThread(spare_thread) != static_cast<DWORD>(-1);
 }
 
 }  // namespace
+
+void prepare_spare_thread() noexcept {
+    // It starts when it is needed: Wine clears the stack of each thread that starts, which every run would pay for.
+    spare_thread = CreateThread(nullptr, spare_stack, &run_spare_thread, nullptr, CREATE_SUSPENDED, nullptr);
+}
 
 std::size_t stack_left() noexcept {
     ULONG_PTR lowest = 0;
@@ -39,7 +68,10 @@ void die(EXCEPTION_POINTERS* pointers) noexcept {
     } else if (self != handling_thread) {
         Sleep(INFINITE);
     }
-    if (stack_left() < handling_needs && run_on_watching_thread(&handle_here, failure.code)) Sleep(INFINITE);
+    if (stack_left() < handling_needs && wake_spare_thread()) {
+        WaitForSingleObject(spare_thread, INFINITE);
+        end_process();
+    }
     handle_here();
 }
 

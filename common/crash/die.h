@@ -5,13 +5,16 @@
 
 namespace crash {
 
+// Creates the suspended spare thread, which handles the crash of a thread that has too little stack left. If the spare thread
+// cannot be created, such a thread handles its crash itself.
+void prepare_spare_thread() noexcept;
+
 // Returns how many bytes of the calling thread's stack are still free.
 std::size_t stack_left() noexcept;
 
 // Handles the crash of the calling thread and ends the process with the exception's code. The calling thread does the
-// work itself if it has enough stack left, because the locks that it holds (heap, loader, log) do not block it;
-// otherwise the watching thread does it. Another thread that crashes meanwhile blocks forever. If a stage of the
-// handling crashes, the next stage follows.
+// work itself if it has enough stack left, because the locks that it holds (heap, loader, log) do not block it. Another
+// thread that crashes meanwhile blocks forever. If a stage of the handling crashes, the next stage follows.
 [[noreturn]] void die(EXCEPTION_POINTERS* pointers) noexcept;
 
 }  // namespace crash

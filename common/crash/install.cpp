@@ -102,6 +102,7 @@ void install(const std::wstring& log_folder) noexcept {
     static std::atomic_flag installed;
     if (installed.test_and_set()) return;
     prepare_watchdog();
+    prepare_spare_thread();
     install_hooks();
     try {
         set_dump_folder(platform::join_path(logging::log_folder_path(log_folder), L"Dumps"));

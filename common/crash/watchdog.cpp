@@ -7,15 +7,12 @@ namespace crash {
 namespace {
 
 constexpr DWORD limit = 60'000;  // milliseconds
-constexpr DWORD interval = 500;  // milliseconds
-constexpr SIZE_T stack_size = 524'288;
+constexpr SIZE_T stack_size = 16'384;
 
 // Never closed: a crash may come at any time until the process is gone.
-HANDLE called = nullptr;
+HANDLE started = nullptr;
 HANDLE main_thread = nullptr;
-HANDLE thread = nullptr;
 DWORD thread_id = 0;
-std::atomic<void (*)()> task{nullptr};
 LONG(NTAPI* resume_process)(HANDLE process) = nullptr;
 std::atomic<std::uint32_t> status{0};
 std::atomic<ULONGLONG> end{0};
@@ -38,24 +35,11 @@ void end_with_main_thread() {
     TerminateProcess(GetCurrentProcess(), code == 0 ? 1 : code);
 }
 
-DWORD WINAPI watch(void*);
-
-void start_thread() noexcept { thread = CreateThread(nullptr, stack_size, &watch, nullptr, 0, &thread_id); }
-
-// A crashed thread that has the loader's lock keeps the successor from starting: then nobody watches.
-void run_task() {
-    if (const auto function = task.exchange(nullptr)) {
-        start_thread();
-        function();
-    }
-}
-
 // Only calls that need no lock of the process: a thread that hangs may have any of them.
 DWORD WINAPI watch(void*) {
-    const HANDLE events[] = {called, main_thread};
+    const HANDLE events[] = {started, main_thread};
     if (WaitForMultipleObjects(2, events, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) end_with_main_thread();
-    for (; GetTickCount64() < end; WaitForSingleObject(called, interval)) {
-        run_task();
+    for (; GetTickCount64() < end; Sleep(500)) {
         if (has_ended(awaited)) resume();
     }
     TerminateProcess(GetCurrentProcess(), status);
@@ -65,25 +49,18 @@ DWORD WINAPI watch(void*) {
 }  // namespace
 
 void prepare_watchdog() noexcept {
-    called = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    started = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     resume_process = reinterpret_cast<decltype(resume_process)>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtResumeProcess")));
     main_thread = OpenThread(SYNCHRONIZE | THREAD_QUERY_LIMITED_INFORMATION, FALSE, GetCurrentThreadId());
-    if (called != nullptr && main_thread != nullptr) start_thread();
+    if (started == nullptr || main_thread == nullptr) return;
+    if (const HANDLE thread = CreateThread(nullptr, stack_size, &watch, nullptr, 0, &thread_id)) CloseHandle(thread);
 }
 
 void start_watchdog(std::uint32_t exit_status) noexcept {
     status = exit_status;
     grant(limit);
-    SetEvent(called);
-}
-
-bool run_on_watching_thread(void (*function)(), std::uint32_t exit_status) noexcept {
-    // A process that is exiting no longer has the thread.
-    if (WaitForSingleObject(thread, 0) != WAIT_TIMEOUT) return false;
-    task = function;
-    start_watchdog(exit_status);
-    return true;
+    SetEvent(started);
 }
 
 std::uint32_t watching_thread() noexcept { return thread_id; }

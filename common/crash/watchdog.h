@@ -1,5 +1,4 @@
-// A thread that ends the process if the handling of a crash hangs, and that handles the crash of a thread whose stack
-// is full. There is only one until then: each thread is paid for by every start of the program.
+// A thread that ends the process if the handling of a crash hangs.
 #pragma once
 
 #include <cstdint>
@@ -16,10 +15,6 @@ void prepare_watchdog() noexcept;
 
 // Gives the handling of the crash one minute; after that, the process is ended with this exit status.
 void start_watchdog(std::uint32_t exit_status) noexcept;
-
-// Starts the watchdog and has the watching thread call the function, which does not return; a new thread watches. Does
-// not block. Returns false, and does nothing, if there is no watching thread.
-bool run_on_watching_thread(void (*function)(), std::uint32_t exit_status) noexcept;
 
 // Returns the id of the watching thread, or 0 if there is none. Whoever writes a dump of this process must not suspend
 // that thread.

@@ -1,4 +1,4 @@
-// What the system says, throwing failures, and adding a catcher's sentence.
+// The thread's id, error texts, throwing failures, and adding a catcher's sentence.
 #pragma once
 
 #include <cstdint>

@@ -37,8 +37,7 @@ void log_file_t::write(const line_head_t& head, const record_t& record) {
 
 void log_file_t::write_line(const line_t& line) {
     append_file_line(lines_, line);
-    lines_ += '\r';
-    lines_ += '\n';
+    lines_ += "\r\n";
 }
 
 void log_file_t::add_warning(std::string_view text) {

@@ -27,13 +27,8 @@ constexpr std::string_view console_label(unsigned level) {
     }
 }
 
-// Most pieces of a line are empty most of the time.
-void append(std::string& target, std::string_view text) {
-    if (!text.empty()) target.append(text);
-}
-
-// In angle brackets, right-aligned in at least this many characters, and a space. No more than 13 characters, for which
-// a string allocates no memory.
+// Returns the id in angle brackets, right-aligned to the width, and a space: at most 13 characters, which a string
+// holds without allocating.
 std::string thread_text(std::uint32_t thread_id, std::size_t width) noexcept {
     const std::string digits = std::to_string(thread_id);
     return '<' + std::string(width - std::min(width, digits.size()), ' ') + digits + "> ";
@@ -49,11 +44,8 @@ line_head_t::line_head_t(std::string_view time_stamp, std::uint32_t thread_id) n
       thread_id_(thread_id) {}
 
 void append_file_line(std::string& target, const line_t& line) {
-    target.append(line.head.in_file());
-    append(target, line.record.prefix);
-    append(target, file_marker(line.record));
-    if (line.record.depth > 0) target.append(indentation(line), ' ');
-    append(target, line.piece);
+    target.append(line.head.in_file()).append(line.record.prefix).append(file_marker(line.record));
+    target.append(indentation(line), ' ').append(line.piece);
 }
 
 void append_console_line(std::string& target, const line_t& line) {

@@ -11,7 +11,7 @@
 
 namespace logging {
 
-// What each line of a record begins with. Made once for all records of a thread within a second.
+// What each line of a record begins with.
 class line_head_t {
 public:
     // A longer time stamp than render_time_stamp() returns is cut off.
@@ -20,7 +20,7 @@ public:
     std::string_view time_stamp() const { return {text_.data(), time_stamp_size_}; }
     std::uint32_t thread_id() const { return thread_id_; }
 
-    // Returns the time stamp and the thread in six characters.
+    // Returns the time stamp, and the thread's id in a field of six characters.
     std::string_view in_file() const { return {text_.data(), size_}; }
 
 private:

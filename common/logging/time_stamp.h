@@ -11,7 +11,7 @@ namespace logging {
 // argument counts the seconds since the beginning of 1601 (UTC).
 std::string render_time_stamp(std::uint64_t seconds) noexcept;
 
-// Makes the heads of lines, a new one at most once per second and change of the thread. Not thread-safe.
+// Makes the heads of lines. Composes one anew only when the second or the thread has changed. Not thread-safe.
 class line_head_clock_t {
 public:
     // The time is at most one tick of the system (16 ms) old. Valid until the next call.

@@ -64,14 +64,16 @@ struct blocking_sink_t : logging::receiver::sink_t {
     }
 };
 
-WAY stack_overflow() { overflow_stack(); }
 // The records of a crash have the id of the thread that crashed, as this one has.
-WAY stack_overflow_second_thread() {
-    std::thread([] {
+void run_on_second_thread(void (*crash)()) {
+    std::thread([crash] {
         logging::ormacon_tool.info("This thread crashes.");
-        overflow_stack();
+        crash();
     }).join();
 }
+
+WAY stack_overflow() { overflow_stack(); }
+WAY stack_overflow_second_thread() { run_on_second_thread(overflow_stack); }
 // With the guard page at the stack's end, the fault comes in the midst of it: too little is left for a report.
 WAY stack_overflow_unreported() { recurse<2048>(zeros); }
 WAY uncaught_int() { throw 42; }
@@ -102,6 +104,11 @@ WAY faulting_handler() {
 WAY aborting_handler() {
     crash::register_handler(std::abort);
     std::abort();
+}
+// The crashed thread has the log's lock and no stack left.
+WAY overflowing_handler() {
+    crash::register_handler(overflow_stack);
+    run_on_second_thread(write_through_null);
 }
 WAY no_dump_folder() {
     crash::set_dump_folder(L"");

@@ -49,6 +49,7 @@ CASES = [
     Case("crash_while_exiting", ACCESS_VIOLATION, "write_through_null"),
     Case("faulting_handler", ACCESS_VIOLATION, "faulting_handler", FAULTY),
     Case("aborting_handler", ABORT, "aborting_handler", FAULTY),
+    Case("overflowing_handler", ACCESS_VIOLATION, "write_through_null", BEGIN[:2]),
     # No library of the folder that the recorder is run from may be loaded.
     Case("password_in_use", ACCESS_VIOLATION, "password_in_use", obstacle="dbghelp.dll"),
     Case("password_and_abort", ABORT, "password_and_abort"),
@@ -116,7 +117,7 @@ class Crash:
             check(self.name, any(re.search(line, found) for found in rest), f"{line!r} is not in its place in {log}")
         check(self.name, list(rest) == [] or self.case.lines[-1] not in RECORDED, f"lines after the end of {log}")
         threads = {line.partition(">")[0].partition("<")[2] for line in log[begin - 1:]}
-        # So have the lines of the watching thread, which handles the stack overflow of a second thread.
+        # So have the lines of the spare thread, which handles the stack overflow of a second thread.
         check(self.name, len(threads) == 1, f"several threads in {log}")
 
 
