@@ -5,8 +5,8 @@
 
 namespace crash {
 
-// Creates the suspended spare thread, which handles the crash of a thread that has too little stack left. If the spare thread
-// cannot be created, such a thread handles its crash itself.
+// Creates the spare thread, suspended: it handles the crash of a thread that has too little stack left. If it cannot be
+// created, such a thread handles its crash itself.
 void prepare_spare_thread() noexcept;
 
 // Returns how many bytes of the calling thread's stack are still free.
