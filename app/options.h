@@ -16,7 +16,7 @@ inline constexpr char option_set_parallelism[] = "set-parallelism";
 inline constexpr char option_map_backup[] = "map-backup";
 inline constexpr char option_uninstall[] = "uninstall";
 
-// Declares the ten options. Throws exc::runtime_exc_t that ends in "Failed to configure parser".
+// Declares the options. Throws exc::runtime_exc_t that ends in "Failed to configure parser".
 void BuildOptions(CommandContext& context);
 
 }  // namespace app

@@ -43,7 +43,7 @@ look_into() {
 }
 
 look_with_clang_tidy() {
-    say "clang-tidy in $# sources (a few minutes) ..."
+    say "clang-tidy in $# sources ..."
     prepare_clang_tidy
     export -f look_into
     printf '%s\0' "$@" | xargs -0 -n1 -P"$(nproc)" bash -c 'look_into "$1"' bash ||

@@ -24,6 +24,7 @@ QUIET_LIMIT = 120       # seconds without a change before a program that does no
 SETTLE_TIME = 0.15      # seconds for which a prompt must not change
 LAST_SETTLE_TIME = 1.0  # the same when the input has ended: the last answer may still be on its way
 POLL_TIME = 0.03
+END_TITLE = "ormacon-ended"  # of the terminal, set after everything that the program has printed
 
 
 class Terminal:
@@ -38,7 +39,8 @@ class Terminal:
         self._require("start-server", ";", "set", "-g", "history-limit", "200000", ";",
                    "set", "-g", "remain-on-exit", "on", ";", "set", "-g", "remain-on-exit-format", "", ";",
                    "new-session", "-d", "-x", str(columns), "-y", str(rows), *(["-c", cwd] if cwd else []),
-                   f"trap : INT; {shlex.join(command)}; echo $? >{self._status.name}")
+                   f"trap : INT; {shlex.join(command)}; echo $? >{self._status.name}; "
+                   f"printf '\\033]2;{END_TITLE}\\033\\\\'; exec sleep infinity")
 
     def _run(self, *arguments, input_text=None):
         return subprocess.run(["tmux", "-u", "-f", "/dev/null", "-L", self._socket, *arguments], input=input_text,
@@ -63,7 +65,10 @@ class Terminal:
         return "\n".join(lines)
 
     def ended(self):
-        return self._state("pane_dead") != "0"
+        """Whether the program has ended and all that it printed is on the screen. A terminal whose last process ends
+        now and then loses the end of what was printed, so another process keeps it open."""
+        state = self._tmux("display-message", "-p", "#{pane_dead} #{pane_title}").strip()
+        return not state.startswith("0") or state == f"0 {END_TITLE}"
 
     def exit_status(self):
         """Of a program that has ended. Not from tmux, which loses one status in four."""

@@ -152,6 +152,8 @@ def check_crashes_at_once():
     case = Case("uncaught_int", TERMINATE, None)
     with concurrent.futures.ThreadPoolExecutor(4) as programs:
         crashes = list(programs.map(lambda _: Crash(case, "at_once"), range(4)))
+    for crash in crashes:
+        check("at_once", crash.status == TERMINATE, f"status {crash.status:08X}, notice {crash.notice!r}")
     dumps = set(crashes[0].dumps.iterdir())
     check("at_once", len(dumps) == 4 and all(dump.suffix == ".mdmp" for dump in dumps), f"{dumps}")
     check("at_once", not (crashes[0].folder / RECORDER).exists(), "the recorder's file was left behind")
