@@ -30,7 +30,6 @@ void logger_t::log(const record_t& record) noexcept {
     if (record.level < lowest_level_.load(std::memory_order_relaxed)) return;
     lock_within(forever);
     const std::lock_guard guard(lock_, std::adopt_lock);
-    // A copy: a record that a sink logs meanwhile has another head.
     const line_head_t head = clock_.now(crashed_thread_ != 0 ? crashed_thread_ : GetCurrentThreadId());
     for (attached_t& attached : sinks_) {
         if (std::exchange(attached.busy, true)) continue;

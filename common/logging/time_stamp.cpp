@@ -32,7 +32,7 @@ std::string render_time_stamp(std::uint64_t seconds) noexcept try {
 }
 
 // The tick count is a plain read of memory; the time can cost a system call, which is too much for each record.
-const line_head_t& line_head_clock_t::now(std::uint32_t thread_id) noexcept {
+line_head_t line_head_clock_t::now(std::uint32_t thread_id) noexcept {
     const std::uint64_t tick = GetTickCount64();
     if (tick != tick_) {
         tick_ = tick;

@@ -14,8 +14,8 @@ std::string render_time_stamp(std::uint64_t seconds) noexcept;
 // Makes the heads of lines. Composes one anew only when the second or the thread has changed. Not thread-safe.
 class line_head_clock_t {
 public:
-    // The time is at most one tick of the system (16 ms) old. Valid until the next call.
-    const line_head_t& now(std::uint32_t thread_id) noexcept;
+    // Returns a copy, with a time that is at most one tick of the system (16 ms) old.
+    line_head_t now(std::uint32_t thread_id) noexcept;
 
 private:
     std::uint64_t tick_ = 0;

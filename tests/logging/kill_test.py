@@ -52,7 +52,7 @@ class Writer:
 
     def wait_for(self, condition, pause=0):
         while not condition():
-            assert self.process.poll() is None, f"status {self.process.poll()}: {self.output.read_text()}"
+            assert self.process.poll() is None, f"status {self.process.returncode}: {self.output.read_text()}"
             time.sleep(pause)
 
     def logged(self):
