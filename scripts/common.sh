@@ -1,6 +1,12 @@
 # Shared by the scripts of this project; sourced, never run.
 # Paths, messages, and the environment in which Windows programs run here.
 
+# Linux 6.9 or newer may put the heap of Debian 12's Wine at 0x7ffe0000, which every Windows program needs: one start in
+# 8,000 fails with status 1 and no message. So everything runs with fixed addresses, unless a container forbids it.
+if [ -z "${ORMACON_FIXED_ADDRESSES-}" ] && [ -f "$0" ] && setarch -R true 2>/dev/null; then
+    ORMACON_FIXED_ADDRESSES=yes exec setarch -R "$BASH" "$0" "$@"
+fi
+
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 deps=$root/.deps
 export LANG=C.UTF-8 LC_ALL=C.UTF-8
