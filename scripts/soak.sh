@@ -68,6 +68,7 @@ print_table() {
         "$results/outcomes.txt" | sort
 }
 
+[ "$*" != --interrupts ] || die "how many interrupts? For example: scripts/soak.sh --interrupts 100"
 "$root/scripts/setup.sh"
 build test
 mkdir -p "$results"
@@ -76,7 +77,7 @@ start_wine
 start_load
 status=0
 if [ "${1-}" = --interrupts ]; then
-    interrupt "${2:?the number of interrupts is missing}" || status=1
+    interrupt "$2" || status=1
 else
     rounds=${1:-1}
     for ((done = 0; done < rounds; done++)); do

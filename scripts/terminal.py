@@ -7,6 +7,7 @@ see it. It ends when the program ends, when the program asks for more than the i
 while, or after ANSWER_LIMIT answers.
 """
 import os
+import pathlib
 import queue
 import shlex
 import subprocess
@@ -30,20 +31,17 @@ END_TITLE = "ormacon-ended"  # of the terminal, set after everything that the pr
 class Terminal:
     """One program in one tmux session on a server of its own."""
 
-    _count = 0
-
     def __init__(self, command, columns=200, rows=50, cwd=None):
-        Terminal._count += 1
-        self._socket = f"ormacon-{os.getpid()}-{Terminal._count}"
-        self._status = tempfile.NamedTemporaryFile(prefix="ormacon-status-")
+        self._folder = tempfile.TemporaryDirectory(prefix="ormacon-", ignore_cleanup_errors=True)
+        self._socket, self._status = (pathlib.Path(self._folder.name, name) for name in ("socket", "status"))
         self._require("start-server", ";", "set", "-g", "history-limit", "200000", ";",
                    "set", "-g", "remain-on-exit", "on", ";", "set", "-g", "remain-on-exit-format", "", ";",
                    "new-session", "-d", "-x", str(columns), "-y", str(rows), *(["-c", cwd] if cwd else []),
-                   f"trap : INT; {shlex.join(command)}; echo $? >{self._status.name}; "
+                   f"trap : INT; {shlex.join(command)}; echo $? >{self._status}; "
                    f"printf '\\033]2;{END_TITLE}\\033\\\\'; exec sleep infinity")
 
     def _run(self, *arguments, input_text=None):
-        return subprocess.run(["tmux", "-u", "-f", "/dev/null", "-L", self._socket, *arguments], input=input_text,
+        return subprocess.run(["tmux", "-u", "-f", "/dev/null", "-S", self._socket, *arguments], input=input_text,
                               capture_output=True, encoding="utf-8", errors="replace", check=False)
 
     def _tmux(self, *arguments):
@@ -72,8 +70,7 @@ class Terminal:
 
     def exit_status(self):
         """Of a program that has ended. Not from tmux, which loses one status in four."""
-        with open(self._status.name, encoding="ascii") as status:
-            return int(status.read() or -1)
+        return int(self._status.read_text()) if self._status.exists() else -1
 
     def reads(self):
         """Whether the program has begun to read. Until its first read Wine leaves the terminal in the kernel's line
@@ -139,7 +136,7 @@ class Terminal:
     def close(self):
         """Closes the window, whatever the program is doing."""
         self._tmux("kill-server")
-        self._status.close()
+        self._folder.cleanup()
 
     def __enter__(self):
         return self
@@ -190,13 +187,20 @@ def play(terminal, lines):
     return None if terminal.ended() else "the program stopped responding; its terminal was closed"
 
 
+def show(text):
+    try:
+        if text:
+            print(text, flush=True)
+    except BrokenPipeError:  # the reader, such as head, has enough
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+
+
 def main():
     if sys.stdin:
         sys.stdin.reconfigure(encoding="utf-8", errors="replace", newline="\n")
     with Terminal(sys.argv[1:], columns=COLUMNS) as terminal:
         complaint = play(terminal, answers(sys.stdin, terminal))
-        if shown := terminal.screen():
-            print(shown)
+        show(terminal.screen())
         status = 1 if complaint else terminal.exit_status()
     if complaint:
         print(f"!! {complaint}", file=sys.stderr)
