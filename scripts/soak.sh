@@ -68,7 +68,8 @@ print_table() {
         "$results/outcomes.txt" | sort
 }
 
-[ "$*" != --interrupts ] || die "how many interrupts? For example: scripts/soak.sh --interrupts 100"
+[[ ${1-} != --interrupts || ${2-} =~ ^[1-9][0-9]*$ ]] ||
+    die "how many interrupts? For example: scripts/soak.sh --interrupts 100"
 "$root/scripts/setup.sh"
 build test
 mkdir -p "$results"
@@ -86,4 +87,5 @@ else
     done
 fi
 print_table
+[ "$status" = 0 ] || say "the output of the failing rounds is in $results"
 exit "$status"

@@ -3,6 +3,8 @@
 kill_test.py PROGRAM FOLDER [ROUNDS [SEED]]: the seed, which is printed, decides how and when each round ends.
 """
 import collections
+import contextlib
+import glob
 import os
 import pathlib
 import random
@@ -33,6 +35,16 @@ def records():
     content += (WORK / "Ormacon.log").read_bytes()
     assert b"Cannot" not in content, content[content.index(b"Cannot"):][:300]
     return [(int(match[1]), int(match[2])) for match in RECORD.finditer(content)]
+
+
+def is_open(path):
+    """Wine's server carries out what a killed program has asked for last, a renaming for example, and then closes its
+    files."""
+    for opened in glob.iglob("/proc/[0-9]*/fd/*"):
+        with contextlib.suppress(OSError):  # closed meanwhile, or another user's
+            if os.readlink(opened) == str(path):
+                return True
+    return False
 
 
 class Writer:
@@ -70,6 +82,8 @@ class Writer:
             time.sleep(random.uniform(0, 0.005))
         self.process.kill()
         self.process.wait()
+        while is_open(WORK / "Ormacon.log"):
+            time.sleep(0.001)
 
 
 def run_rounds(rounds):
