@@ -47,6 +47,15 @@ std::wstring system_path(const std::wstring& path) {
     return full.size() >= 2 && full[1] == L':' ? L"\\\\?\\" + full : full;
 }
 
+std::wstring final_path(HANDLE opened) {
+    std::wstring path(GetFinalPathNameByHandleW(opened, nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
+    const DWORD size =
+        GetFinalPathNameByHandleW(opened, path.data(), static_cast<DWORD>(path.size()), FILE_NAME_NORMALIZED);
+    if (size >= path.size()) return {};
+    path.resize(size);
+    return path;
+}
+
 void create_directories(const std::wstring& path) {
     if (path.empty() || is_directory(path)) return;
     if (CreateDirectoryW(system_path(path).c_str(), nullptr)) return;

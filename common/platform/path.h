@@ -23,6 +23,11 @@ std::wstring full_path(const std::wstring& path);
 // what people read. A path that already has such a prefix or names a device ("NUL") gets none.
 std::wstring system_path(const std::wstring& path);
 
+// Returns where an open file or folder really is, in the form of system_path() and without any link on the way. A path
+// that leads through a link, a substituted drive or a short name differs from it. Returns an empty text if the system
+// cannot say.
+std::wstring final_path(void* opened);
+
 // Creates the folder and any missing folders above it. Throws exc::win_sys_exc_t "Cannot create directory [%1].".
 void create_directories(const std::wstring& path);
 
