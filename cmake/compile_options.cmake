@@ -8,9 +8,12 @@ option(ORMACON_UBSAN "Trap on undefined behaviour" OFF)
 option(ORMACON_COVERAGE "Note which lines and branches have run" OFF)
 
 add_compile_definitions(
-  UNICODE _UNICODE _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX _GLIBCXX_ASSERTIONS
+  UNICODE _UNICODE _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX
   BOOST_ALL_NO_LIB BOOST_BIND_GLOBAL_PLACEHOLDERS BOOST_SYSTEM_USE_UTF8)
-add_compile_options(-Wall -Wextra -Wconversion -Wshadow -fstack-protector-strong)
+# What guards the memory of the program: also of the libraries that scripts/setup.sh builds.
+file(STRINGS "${PROJECT_SOURCE_DIR}/cmake/hardening.txt" hardening)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/hardening.txt")
+add_compile_options(-Wall -Wextra -Wconversion -Wshadow ${hardening})
 add_link_options(-static -fstack-protector-strong -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
 # The shipped files do not depend on when and in which folder they are built. Debuggers find the sources when they are
 # started in the folder of the project.

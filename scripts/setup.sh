@@ -9,6 +9,7 @@ packages=(
     g++-mingw-w64-x86-64-posix cmake ninja-build    # cross compiler and build tools
     wine64                                          # runs the programs built
     libz-mingw-w64-dev                              # zlib for the target; Boost's tools: see oldest_boost
+    libtinyxml-dev                                  # tells which version the archive has; its source is built
     googletest dpkg-dev patch xz-utils              # sources, and what unpacks them
     tmux python3 python3-markdown clang-format lldb # console tests, HTML page, format check, dump reader
     ca-certificates git
@@ -85,7 +86,7 @@ source_entries() {
     # shellcheck disable=SC2016  # apt replaces these names
     apt-get indextargets --format '$(SITE) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
         awk -v own="$codename" -v suite="$suite" -v keyring="$keyring" '
-            $2 == own || suite == own && $2 ~ "^" own "-(updates|security)$" {
+            $2 == own || $2 == own "-security" || suite == own && $2 == own "-updates" {
                 sub("^" own, suite, $2)
                 print "deb-src " keyring $0
             }'
@@ -98,7 +99,7 @@ fetch_source() {
     local dir=$deps/src/$1 package=$2 suite=${3:-$(system_name VERSION_CODENAME)} apt=$deps/apt/${3:-own} options
     options=(-o Dir::Etc::sourcelist="$apt/sources.list" -o Dir::Etc::sourceparts="$apt/parts"
         -o Dir::State::lists="$apt/lists")
-    rm -rf "$dir"
+    rm -rf "$dir" "$dir.version"
     mkdir -p "$dir" "$apt/lists/partial" "$apt/parts"
     source_entries "$suite" >"$apt/sources.list"
     if [ ! -s "$apt/sources.list" ]; then  # the machine has no package lists yet
@@ -111,6 +112,9 @@ fetch_source() {
         dpkg-source -x ./*.dsc tree && sed -n 's/^Version: //p' ./*.dsc >"$dir.version"
 }
 
+# What the program itself is built with, for the libraries that are linked into it.
+hardening=$(tr '\n' ' ' <"$root/cmake/hardening.txt")
+
 # b2 gets relative paths only, so the libraries do not depend on where they are built.
 build_boost() {
     local only=(--with-program_options --with-filesystem --with-date_time)
@@ -119,8 +123,8 @@ build_boost() {
     echo "using gcc : mingw : x86_64-w64-mingw32-g++-posix ;" >user-config.jam
     b2 -j"$(nproc)" -d1 --user-config=user-config.jam --prefix="$deps/boost" --build-dir="$deps/build/boost" \
         toolset=gcc-mingw target-os=windows address-model=64 link=static runtime-link=static \
-        threading=multi variant=release threadapi=win32 define=BOOST_SYSTEM_USE_UTF8 --layout=system \
-        "${only[@]}" install
+        threading=multi variant=release threadapi=win32 define=BOOST_SYSTEM_USE_UTF8 \
+        cxxflags="$hardening" --layout=system "${only[@]}" install
 }
 cmake_install() {
     local library=$1 source=$2
@@ -131,7 +135,7 @@ cmake_install() {
 }
 build_tinyxml() {
     cp "$root/cmake/tinyxml.CMakeLists.txt" "$deps/src/tinyxml/tree/CMakeLists.txt"
-    cmake_install tinyxml "$deps/src/tinyxml/tree"
+    cmake_install tinyxml "$deps/src/tinyxml/tree" -DCMAKE_CXX_FLAGS="$hardening"
 }
 build_googletest() { cmake_install googletest /usr/src/googletest -DBUILD_GMOCK=ON; }
 # Debian's sources take the version from outside; with 0.0.0 they take the one of their own project() call.
@@ -169,9 +173,12 @@ add_peers() { build_peers; }
 ingredients() {
     printf '%s %s\n' compiler "${installed[g++-mingw-w64-x86-64-posix]}"
     case $1 in
-        boost) printf 'boost %s\n' "${installed[libboost1.$boost-tools-dev]}" ;;
+        boost) printf 'boost %s\n%s\n' "${installed[libboost1.$boost-tools-dev]}" "$hardening" ;;
         googletest) printf 'googletest %s\n' "${installed[googletest]}" ;;
-        tinyxml) cat "$root/cmake/tinyxml.CMakeLists.txt" ;;
+        tinyxml)
+            printf 'tinyxml %s\n%s\n' "${installed[libtinyxml-dev]}" "$hardening"
+            cat "$root/cmake/tinyxml.CMakeLists.txt"
+            ;;
     esac
     declare -f "build_$1" cmake_install
 }
