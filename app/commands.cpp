@@ -14,6 +14,7 @@
 #include "wizard/answers.h"
 #include "wizard/config_tool_wizard.h"
 #include "wizard/console.h"
+#include "wizard/shown_text.h"
 
 namespace app {
 namespace {
@@ -23,6 +24,7 @@ using conf_tool::CConfigToolLibCaller;
 using exc::format_message;
 using logging::ormacon_tool;
 using wizard::PrintToConsole;
+using wizard::ShownValue;
 
 CConfigToolLibCaller& Caller(CommandContext& context) {
     BOOST_ASSERT(context.caller);
@@ -34,17 +36,19 @@ Value& ValueOf(CommandContext& context, const char* option) {
     return context.variables.find(option)->second.as<Value>();
 }
 
-void PrintSetting(const wchar_t* label, const std::wstring& value) { PrintToConsole(label + value + L"\n"); }
+void PrintSetting(const wchar_t* label, const std::wstring& value) {
+    PrintToConsole(label + ShownValue(value) + L"\n");
+}
 
 void PrintRepositories(const std::vector<conf_tool::RepositoryEntry>& repositories) {
     PrintToConsole(L"Repository: \n");
     for (std::size_t i = 0; i < repositories.size(); ++i) {
-        PrintToConsole(std::to_wstring(i + 1) + L". " + repositories[i].name + L"\n");
+        PrintToConsole(std::to_wstring(i + 1) + L". " + ShownValue(repositories[i].name) + L"\n");
     }
 }
 
 std::wstring AskPassword(const std::wstring& account) {
-    PrintToConsole(L"Enter password for " + account + L": ");
+    PrintToConsole(L"Enter password for " + ShownValue(account) + L": ");
     return wizard::ReadFromConsole(true);
 }
 
@@ -124,7 +128,7 @@ void MapBackup(CommandContext& context) {
     ormacon_tool.info(
         format_message("Map backup results [%1] [%2]", {std::to_string(result.code), text::wide_to_utf8(result.text)}));
     if (result.code != 0) PrintToConsole(L"Error has occurred\n");
-    PrintToConsole(result.text);
+    PrintToConsole(wizard::ShownText(result.text));
 }
 
 void Uninstall(CommandContext& context) {

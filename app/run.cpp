@@ -8,7 +8,9 @@
 #include "app/options.h"
 #include "app/start_up.h"
 #include "common/crash/install.h"
+#include "common/text/convert.h"
 #include "wizard/console_session.h"
+#include "wizard/shown_text.h"
 
 namespace app {
 namespace {
@@ -21,7 +23,10 @@ void RunCommand(int argc, const char* const* argv) {
     context.ReleaseCaller();
 }
 
-void Print(const char* message) { std::cout << (message == nullptr ? "Unknown error" : message) << std::endl; }
+void Print(const char* message) {
+    const std::wstring text = text::utf8_to_wide(message == nullptr ? "Unknown error" : message);
+    std::cout << text::wide_to_utf8(wizard::ShownText(text)) << std::endl;
+}
 
 }  // namespace
 

@@ -11,6 +11,7 @@
 #include "common/text/convert.h"
 #include "wizard/console_device.h"
 #include "wizard/console_session.h"
+#include "wizard/shown_text.h"
 
 namespace wizard {
 
@@ -31,7 +32,7 @@ std::wstring ReadFromConsole(bool hidden) {
 
 std::wstring FormatPrompt(std::string_view format, std::initializer_list<std::wstring> arguments) {
     std::vector<std::string> narrow;
-    for (const std::wstring& argument : arguments) narrow.push_back(text::wide_to_utf8(argument));
+    for (const std::wstring& argument : arguments) narrow.push_back(text::wide_to_utf8(ShownValue(argument)));
     return text::utf8_to_wide(exc::format_message(format, narrow));
 }
 

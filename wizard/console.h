@@ -18,7 +18,7 @@ void PrintToConsole(std::wstring text);
 // line is returned by the next calls. The rest of a hidden line is dropped, so that it cannot answer the next question.
 std::wstring ReadFromConsole(bool hidden = false);
 
-// The positional formatter for prompts.
+// The positional formatter for prompts. The arguments are shown as ShownValue() returns them.
 std::wstring FormatPrompt(std::string_view format, std::initializer_list<std::wstring> arguments);
 
 // Returns " [value]", or an empty text for an empty value.

@@ -15,6 +15,7 @@
 #include "wizard/console_device.h"
 #include "wizard/output_path.h"
 #include "wizard/repository_selection.h"
+#include "wizard/shown_text.h"
 
 namespace wizard {
 namespace {
@@ -60,7 +61,7 @@ bool WantsRestart() {
 bool AskAfterFailure(const std::exception& failure) {
     logging::log_exception(ormacon_tool, "Failed to execute wizard ", failure);
     ormacon_tool.info("Prompting user to re-run wizard");
-    PrintToConsole(text::utf8_to_wide(MessageOf(failure)) + L"\r\n");
+    PrintToConsole(ShownText(text::utf8_to_wide(MessageOf(failure))) + L"\r\n");
     return WantsRestart();
 }
 
@@ -152,6 +153,6 @@ void CConfigToolWizard::ExportRmanConfigFile() {
     PrintToConsole(L"Saved\r\n");
 }
 
-void CConfigToolWizard::ShowResult() { PrintToConsole(caller_->GetResult()); }
+void CConfigToolWizard::ShowResult() { PrintToConsole(ShownText(caller_->GetResult())); }
 
 }  // namespace wizard

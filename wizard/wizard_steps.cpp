@@ -11,6 +11,7 @@
 #include "wizard/answers.h"
 #include "wizard/console.h"
 #include "wizard/repository_selection.h"
+#include "wizard/shown_text.h"
 
 namespace wizard {
 namespace {
@@ -57,7 +58,7 @@ void LogReceived(const std::vector<RepositoryEntry>& repositories) {
 void ListRepositories(const std::vector<RepositoryEntry>& repositories) {
     PrintToConsole(L"Tovak repositories: \r\n");
     for (std::size_t i = 0; i < repositories.size(); ++i) {
-        PrintToConsole(std::to_wstring(i + 1) + L". " + repositories[i].name + L"\r\n");
+        PrintToConsole(std::to_wstring(i + 1) + L". " + ShownValue(repositories[i].name) + L"\r\n");
     }
 }
 
@@ -125,7 +126,7 @@ void CConfigToolWizard::AskParallelism() {
 void CConfigToolWizard::ShowSummary() {
     const std::wstring summary = caller_->GetSummary();
     PrintToConsole(L"\r\n");
-    PrintToConsole(summary);
+    PrintToConsole(ShownText(summary));
 }
 
 }  // namespace wizard

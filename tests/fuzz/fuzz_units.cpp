@@ -12,6 +12,7 @@
 #include "common/plugin/settings_text.h"
 #include "wizard/answers.h"
 #include "wizard/repository_selection.h"
+#include "wizard/shown_text.h"
 
 namespace fuzz {
 
@@ -23,6 +24,8 @@ const std::vector<unit_t>& units() {
         "<Config><PluginParameters ~logsDir='x' ~minPluginManagerPort='7001' ~/></Config>~<logsDir></logsDir>~"
         "<managerLockDir>~</managerLockDir>~<minPluginManagerPort>-1</minPluginManagerPort>~<~>~/>~='~'~&#x~&amp;~;~"
         "<!--~-->~<![CDATA[~]]>~<!~<?xml ~encoding='~UTF-8~?>~\xef\xbb\xbf~\xef\xbb\xbf<a>\xf0";
+    constexpr char units[] =
+        "a\0~\n\0~\r\0\n\0~\r\0~\t\0~\x1f\0~\x7f\0~\x9f\0~\x1c\x06~\x0e\x20~\x29\x20~\x2e\x20~\x66\x20~\x69\x20";
     static const std::vector<unit_t> all = {
         {"account", check_account, pieces("\\~/~@~CORP~oracle~CORP\\oracle", '~')},
         {"exception", check_exception, pieces({exceptions, sizeof exceptions - 1}, '~')},
@@ -31,6 +34,7 @@ const std::vector<unit_t>& units() {
         {"lines", check_lines, pieces("\n~\r\n~\r~|~4~3~prefix ~0123456789abcde~sixteen or more ", '~')},
         {"selection", check_selection, pieces(" ~1 ~ 2~3 ~+4 ~05 ~0 ~-1~  ~|~||6 rep.|~|SE|6 rep.|", '~')},
         {"settings", check_settings, pieces(settings, '~')},
+        {"shown", check_shown, pieces({units, sizeof units - 1}, '~')},
     };
     return all;
 }
@@ -171,6 +175,24 @@ void check_lines(const std::string& input) {
     sink.write({parts[4], 1U << input.size() % 32}, record);
     for (std::size_t at = 0; (at = parts[0].find("\r\n", at)) != std::string::npos;) parts[0].erase(at++, 1);
     require(sink.joined == parts[0], "can be joined");
+}
+
+// Two bytes are one UTF-16 unit.
+void check_shown(const std::string& input) {
+    constexpr std::wstring_view marks =
+        L"\u061c\u200e\u200f\u2028\u2029\u202a\u202b\u202c\u202d\u202e\u2066\u2067\u2068\u2069";
+    std::wstring text;
+    for (std::size_t i = 1; i < input.size(); i += 2) {
+        text += static_cast<wchar_t>(input[i - 1] & 0xff) + static_cast<wchar_t>((input[i] & 0xff) << 8);
+    }
+    const std::wstring value = wizard::ShownValue(text), lines = wizard::ShownText(text);
+    require(value.size() == text.size() && lines.size() == text.size(), "replaces unit by unit");
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool replaced = text[i] < 32 || (text[i] > 126 && text[i] < 160) || marks.find(text[i]) != marks.npos;
+        require(value[i] == (replaced ? 0xfffd : text[i]), "replaces controls and marks in a value");
+        const bool kept = text[i] == L'\t' || text[i] == L'\n' || text.compare(i, 2, L"\r\n") == 0;
+        require(lines[i] == (kept ? text[i] : value[i]), "keeps tabs and line ends in a text");
+    }
 }
 
 // The input is once the whole text, and once the content of the element with the values.

@@ -1,59 +1,30 @@
 #include <algorithm>
-#include <deque>
 #include <functional>
 
 #include <boost/make_shared.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/raise.h"
 #include "tests/support/demo_host.h"
 #include "tests/support/recording_sink.h"
+#include "tests/support/scripted_console.h"
 #include "tests/support/test_registry.h"
 #include "wizard/config_tool_wizard.h"
-#include "wizard/console_device.h"
 
 namespace {
 
 using namespace conf_tool;
+using test_support::Answers;
+using test_support::CScriptedConsole;
 using testing::Contains;
 using testing::EndsWith;
 using testing::HasSubstr;
-using Answers = std::deque<std::wstring>;
 
 constexpr wchar_t menu[] =
     L"Save configuration?\r\n1. Apply configuration to the Oracle environment\r\n2. Export configuration into a file "
     L"for manual setup\r\n3. Cancel without saving\r\nEnter: ";
 constexpr wchar_t restart_question[] =
     L"Some errors occurred while applying the configuration. Restart the wizard? (y/n): ";
-
-// A user with prepared answers. The transcript shows them in angle brackets, hidden ones with a "#".
-struct CScriptedConsole : wizard::IConsoleDevice {
-    explicit CScriptedConsole(Answers prepared, bool somebody_answers = true)
-        : interactive(somebody_answers), answers(std::move(prepared)) {
-        wizard::UseConsoleDevice(this);
-    }
-    ~CScriptedConsole() override { wizard::UseConsoleDevice(nullptr); }
-
-    void Write(const std::wstring& text) override { transcript += text; }
-
-    // Without further answers, behaves like a user who presses Ctrl+C.
-    std::wstring ReadLine(bool hidden) override {
-        if (at_first_answer) std::exchange(at_first_answer, nullptr)();
-        if (answers.empty()) exc::raise<exc::term_exc_t>("no more answers");
-        std::wstring answer = answers.front();
-        answers.pop_front();
-        transcript += (hidden ? L"<#" : L"<") + answer + L">";
-        return answer;
-    }
-
-    bool IsInteractive() const override { return interactive; }
-
-    const bool interactive;
-    std::function<void()> at_first_answer;
-    Answers answers;
-    std::wstring transcript;
-};
 
 // Answers all questions on a host without a configuration.
 Answers FirstTime(Answers then) {
@@ -249,6 +220,17 @@ TEST_F(WizardRun, WhatIsWrongWithAnAnswerIsShown) {
         EXPECT_THAT(Play(answers),
                     EndsWith(std::wstring(L"<") + c.answer + L">" + c.message + L"\r\n" + restart_question + L"<n>"));
     }
+}
+
+TEST_F(WizardRun, NamesAndTextsCannotRewriteTheScreen) {
+    host_.Scenario(
+        "<Repositories><Repository id='A&#x202E;' name='Good&#13;&#10;1. Evil&#x202E;'/></Repositories>"
+        "<Function name='Commit' fail='A&#9;b&#13;&#10;c&#13;d&#27;[2Je'/>");
+    const std::wstring transcript = Play({L"h", L"1", L"CORP\\u\u202e", L"", L"1", L"1", L"1", L"n"});
+    EXPECT_THAT(transcript, HasSubstr(L"Enter password for CORP\\u\ufffd: <#>Tovak repositories: \r\n"
+                                      L"1. Good\ufffd\ufffd1. Evil\ufffd\r\nSpecify"));
+    EXPECT_THAT(transcript, HasSubstr(L"User name: CORP\\u\ufffd\r\n"));
+    EXPECT_THAT(transcript, HasSubstr(L"A\tb\r\nc\ufffdd\ufffd[2Je\r\n" + std::wstring(restart_question)));
 }
 
 TEST_F(WizardRun, NoneOrManyRepositoriesAreOffered) {
