@@ -22,6 +22,7 @@ void PrintToConsole(std::wstring text) {
 }
 
 std::wstring ReadFromConsole(bool hidden) {
+    if (hidden && !ConsoleDevice().IsInteractive()) exc::raise("There is no console to read an answer from");
     std::optional<CEchoGuard> no_echo;
     if (hidden) no_echo.emplace();
     std::wstring line = ConsoleDevice().ReadLine(hidden);
@@ -42,10 +43,6 @@ std::wstring Ask(const std::wstring& prompt, const std::wstring& default_answer)
     PrintToConsole(prompt);
     std::wstring answer = ReadFromConsole();
     return answer.empty() ? default_answer : answer;
-}
-
-void RequireInteractiveConsole() {
-    if (!ConsoleDevice().IsInteractive()) exc::raise("There is no console to read an answer from");
 }
 
 std::wstring ToLowerText(const std::wstring& text) {

@@ -11,8 +11,9 @@ namespace wizard {
 void PrintToConsole(std::wstring text);
 
 // Blocks until a line is entered; returns it without its line end. Hidden input is not echoed. Logs "Read from console
-// [%1]", with "Hidden data" in place of hidden input. Returns an empty text for an empty line, and if there has never
-// been a console. If the user presses Ctrl+C or closes the window, the process ends.
+// [%1]", with "Hidden data" in place of hidden input. Returns an empty text for an empty line. If there has never been
+// a console, returns an empty text, too, but for hidden input throws exc::runtime_exc_t "There is no console to read an
+// answer from": nobody chose an empty password. If the user presses Ctrl+C or closes the window, the process ends.
 //
 // Of a line of more than 1,024 UTF-16 units, line end included, only the beginning is returned. The rest of a visible
 // line is returned by the next calls. The rest of a hidden line is dropped, so that it cannot answer the next question.
@@ -26,10 +27,6 @@ std::wstring BracketedDefault(const std::wstring& value);
 
 // Shows the prompt and returns the answer, or the default if the answer is empty.
 std::wstring Ask(const std::wstring& prompt, const std::wstring& default_answer);
-
-// Call this before asking a question again. Throws exc::runtime_exc_t "There is no console to read an answer from" if
-// there is no console, because every answer would then be empty.
-void RequireInteractiveConsole();
 
 // Returns a copy in lower case, for comparing yes/no answers.
 std::wstring ToLowerText(const std::wstring& text);

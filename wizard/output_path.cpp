@@ -49,10 +49,7 @@ fs::path AskOutputPath(const std::wstring& prompt, const fs::path& default_path)
         fs::path path = Ask(prompt, default_path.wstring());
         if (!IsTaken(path)) return path;
         fs::path existing = ToAbsolute(path);
-        if (!AgreesToReplace(existing)) {
-            RequireInteractiveConsole();
-            continue;
-        }
+        if (!AgreesToReplace(existing)) continue;
         RemoveExisting(existing);
         return existing;
     }

@@ -121,7 +121,6 @@ int CConfigToolWizard::AskSaveChoice() {
         int choice = 0;
         if (ReadSaveChoice(ReadFromConsole(), choice)) return choice;
         PrintToConsole(L"Unable to parse the value, please try again.");
-        RequireInteractiveConsole();
     }
 }
 

@@ -48,4 +48,11 @@ TEST_F(Commands, NamesAndTextsAreShownHarmlessAndPassedOnAsTheyAre) {
     EXPECT_EQ(config.domain + config.user_name, L"CORP\x200fu\x2066");
 }
 
+TEST_F(Commands, APasswordThatNobodyCanTypeIsNotSet) {
+    test_support::CScriptedConsole console({L""}, false);
+    EXPECT_EQ(Run({"--set-credentials", "CORP\\oracle"}),
+              "There is no console to read an answer from\nFailed to execute method SetCredentials");
+    EXPECT_EQ(host_.Calls("SetCredentialsDirect"), 0);
+}
+
 }  // namespace

@@ -255,11 +255,16 @@ TEST_F(WizardRun, NoneOrManyRepositoriesAreOffered) {
                 Contains(HasSubstr("CConfigToolWizard received repos id=[R1] name=[N] capacity=[10] free_space=[5]")));
 }
 
-TEST_F(WizardRun, NothingIsRepeatedWhereNobodyCanAnswer) {
-    for (const Answers& answers : {Answers(9, L""), FirstTime({L"", L"", L"", L""})}) {
+TEST_F(WizardRun, NothingIsRepeatedWhereNobodyCanAnswerAndNoPasswordIsAssumed) {
+    const std::wstring end = std::wstring(restart_question) + L"<>";
+    for (const auto& [answers, ending] :
+         {std::pair(Answers{L"", L""}, L"<>The backup server is empty: a host name or an IP address is needed.\r\n"),
+          std::pair(Answers{L"h", L"1", L"user", L""},
+                    L"Enter password for user: There is no console to read an answer from\r\n")}) {
         CScriptedConsole console(answers, false);
         Start();
-        EXPECT_THAT(console.transcript, EndsWith(std::wstring(restart_question) + L"<>"));
+        EXPECT_THAT(console.transcript, EndsWith(ending + end));
+        EXPECT_EQ(host_.Calls("SetCredentials"), 0);
     }
 }
 
