@@ -1,17 +1,24 @@
 #include "conf_tool/lib_caller.h"
 
+#include <boost/algorithm/string/replace.hpp>
+
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/method_scope.h"
 #include "common/text/convert.h"
+#include "common/text/wipe.h"
 #include "conf_tool/library_memory.h"
 
 namespace conf_tool {
 namespace {
 
-std::string TakeErrorText(LibraryError error, FreeStringFn free_string) {
+std::string TakeErrorText(LibraryError error, FreeStringFn free_string, const std::wstring& secret) {
     const CLibraryText text(error, free_string);
-    return text ? text::wide_to_utf8(text.Get()) : "Configuration library returned an unknown error";
+    if (!text) return "Configuration library returned an unknown error";
+    std::wstring shown = text.Get();
+    const text::wipe_at_exit_t wipe_shown(shown);
+    if (!secret.empty()) boost::replace_all(shown, secret, L"***");
+    return text::wide_to_utf8(shown);
 }
 
 void LogReceived(const RepositoryEntry& entry) {
@@ -25,11 +32,12 @@ void LogReceived(const RepositoryEntry& entry) {
 
 // The frame of every call: log scope, error pointer, translation of a failure, and only then the results.
 template <class Invoke, class TakeResults>
-void CConfigToolLibCaller::Call(const char* name, const char* failure_name, Invoke invoke, TakeResults take_results) {
+void CConfigToolLibCaller::Call(const char* name, const char* failure_name, Invoke invoke, TakeResults take_results,
+                                const std::wstring& secret) {
     logging::method_scope_t scope(logging::ormacon_tool, exc::format_message("Calling %1 function", name),
                                   exc::format_message("Failed to call %1 function", failure_name));
     LibraryError error = nullptr;
-    if (invoke(&error) != 0) exc::raise(TakeErrorText(error, functions_.FreeString));
+    if (invoke(&error) != 0) exc::raise(TakeErrorText(error, functions_.FreeString, secret));
     take_results();
     scope.succeed();
 }
@@ -57,9 +65,11 @@ void CConfigToolLibCaller::InitializeWizard() { Call("InitializeWizard", functio
 
 void CConfigToolLibCaller::SetCredentials(const std::wstring& domain, const std::wstring& user_name,
                                           const std::wstring& password) {
-    Call("SetCredentials", [&](LibraryError* error) {
+    const auto invoke = [&](LibraryError* error) {
         return functions_.SetCredentials(domain.c_str(), user_name.c_str(), password.c_str(), error);
-    });
+    };
+    const auto take_nothing = [] {};
+    Call("SetCredentials", "SetCredentials", invoke, take_nothing, password);
 }
 
 void CConfigToolLibCaller::SetHost(const std::wstring& host) {

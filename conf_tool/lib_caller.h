@@ -11,8 +11,9 @@ namespace conf_tool {
 
 // Use it only from the thread that created it. Each call operation blocks until the library returns. It logs "Calling
 // <name> function", then the same with " ok." or "Failed to call <name> function". If the library fails, it throws
-// exc::runtime_exc_t with the library's error text as its whole message, or "Configuration library returned an unknown
-// error". When an operation ends, in whatever way, it has returned all of the library's memory.
+// exc::runtime_exc_t with the library's error text as its whole message, with "***" in place of the password of this
+// call, or "Configuration library returned an unknown error". When an operation ends, in whatever way, it has returned
+// all of the library's memory.
 class CConfigToolLibCaller {
 public:
     // Loads OrmaconLib.dll and resolves every export of the mode. Throws exc::runtime_exc_t for an unknown mode or a
@@ -66,7 +67,8 @@ private:
     template <class Invoke, class TakeResults>
     void Call(const char* name, Invoke invoke, TakeResults take_results);
     template <class Invoke, class TakeResults>
-    void Call(const char* name, const char* failure_name, Invoke invoke, TakeResults take_results);
+    void Call(const char* name, const char* failure_name, Invoke invoke, TakeResults take_results,
+              const std::wstring& secret = {});
     std::wstring CallForText(const char* name, GetTextFn function);
 
     FunctionTable functions_{};

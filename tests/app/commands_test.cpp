@@ -48,6 +48,16 @@ TEST_F(Commands, NamesAndTextsAreShownHarmlessAndPassedOnAsTheyAre) {
     EXPECT_EQ(config.domain + config.user_name, L"CORP\x200fu\x2066");
 }
 
+TEST_F(Commands, APasswordInTheLibrarysTextIsConcealed) {
+    host_.Scenario("<Function name='SetCredentialsDirect' fail='pw-%1: CORP has no pw-%1'/>");
+    test_support::CScriptedConsole console({L"pw-%1", L""});
+    for (const auto& [words, shown] : {std::pair(std::vector{"--set-credentials", "CORP\\u"}, "***: CORP has no ***"),
+                                       {{"--set-credentials", "CORP\\u", "CORP"}, "pw-%1: *** has no pw-%1"},
+                                       {{"--set-credentials", "CORP\\u"}, "pw-%1: CORP has no pw-%1"}}) {
+        EXPECT_EQ(Run(words), shown + std::string("\nFailed to execute method SetCredentials"));
+    }
+}
+
 TEST_F(Commands, APasswordThatNobodyCanTypeIsNotSet) {
     test_support::CScriptedConsole console({L""}, false);
     EXPECT_EQ(Run({"--set-credentials", "CORP\\oracle"}),
