@@ -37,7 +37,8 @@ private:
 
     boost::shared_ptr<conf_tool::CConfigToolLibCaller> caller_;
     int scope_edition_;
-    boost::shared_ptr<const conf_tool::ConfigurationSnapshot> previous_;  // never null
+    boost::shared_ptr<const conf_tool::ConfigurationSnapshot> previous_;  // never null; without the password
+    bool has_password_ = false;                                           // whether one is configured
     bool cancelled_ = false;
 };
 

@@ -10,6 +10,7 @@
 #include "common/logging/log_exception.h"
 #include "common/plugin/working_directory.h"
 #include "common/text/convert.h"
+#include "common/text/wipe.h"
 #include "wizard/answers.h"
 #include "wizard/console.h"
 #include "wizard/console_device.h"
@@ -105,6 +106,8 @@ void CConfigToolWizard::RunIteration() {
 void CConfigToolWizard::LoadPreviousConfig() {
     const auto config = boost::make_shared<conf_tool::ConfigurationSnapshot>();
     caller_->GetConfig(*config);
+    has_password_ = !config->password.empty();
+    text::wipe(config->password);
     previous_ = config;
 }
 

@@ -35,13 +35,17 @@ std::wstring AccountText(const ConfigurationSnapshot& config) {
     return account == L"\\" ? L"" : account;
 }
 
-// An empty answer keeps the password that is configured.
-std::wstring AskPassword(const std::wstring& account, const std::wstring& configured) {
+std::wstring AskPassword(const std::wstring& account, bool has_password) {
     PrintToConsole(FormatPrompt("Enter password for %1%2: ",
-                                {account, configured.empty() ? L"" : L" [(do not change the existing password)]"}));
-    std::wstring password = ReadFromConsole(true);
-    if (password.empty()) password = configured;
-    return password;
+                                {account, has_password ? L" [(do not change the existing password)]" : L""}));
+    return ReadFromConsole(true);
+}
+
+// It is fetched only when it is needed, so that it is not in memory during the other questions.
+void TakeConfigured(std::wstring& password, conf_tool::CConfigToolLibCaller& caller) {
+    ConfigurationSnapshot config;
+    caller.GetConfig(config);
+    password = config.password;
 }
 
 void LogReceived(const std::vector<RepositoryEntry>& repositories) {
@@ -97,8 +101,9 @@ void CConfigToolWizard::AskCredentials() {
     const std::wstring shown = AccountText(*previous);
     const std::wstring account_text = Ask(FormatPrompt("Enter username%1: ", {BracketedDefault(shown)}), shown);
     const Account account = SplitAccount(account_text);
-    std::wstring password = AskPassword(account_text, previous->password);
+    std::wstring password = AskPassword(account_text, has_password_);
     const text::wipe_at_exit_t wipe_password(password);
+    if (password.empty() && has_password_) TakeConfigured(password, *caller_);
     caller_->SetCredentials(account.domain, account.user_name, password);
 }
 

@@ -68,6 +68,16 @@ TEST_F(WizardRun, DefaultsShowWhatIsConfiguredAndStillOffered) {
     EXPECT_EQ(host_.Calls("Commit"), 1);
 }
 
+TEST_F(WizardRun, TheConfiguredPasswordIsFetchedOnlyToBeKept) {
+    CConfigToolLibCaller(CallerMode::Direct).SetCredentials(L"", L"u", L"secret");
+    host_.Scenario("<Function name='SetCredentials' fail='No: secret' first='1'/>");
+    test_support::CRecordedLog log;
+    EXPECT_THAT(Play({L"h", L"1", L"", L"", L"y", L"h", L"1", L"", L"s3cr3t", L"1", L"1", L"3"}),
+                HasSubstr(L"[(do not change the existing password)]: <#>No: ***\r\n" + std::wstring(restart_question)));
+    EXPECT_THAT(log.lines(), Contains("WARN|No: ***"));
+    EXPECT_EQ(host_.Calls("GetConfig"), 3);
+}
+
 TEST_F(WizardRun, ExportWritesBothFilesAndReplacesOnlyOnAYes) {
     test_support::CTestRegistry registry;  // without what the system needs to protect a password, so none is given
     registry.SetText(L"SOFTWARE\\Tovak\\Tovak RMAN Plugin", L"LinkTargetPath", host_.folder());
