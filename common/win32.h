@@ -1,4 +1,4 @@
-// The one way in which Windows' headers come in; included last, after the C++ and project headers.
+// Windows' headers. Include this instead of them, last, after the C++ and project headers.
 #pragma once
 
 #ifndef WIN32_LEAN_AND_MEAN

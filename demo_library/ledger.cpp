@@ -70,7 +70,7 @@ void write_report(const std::wstring& path, const std::string& text) {
     CloseHandle(file);
 }
 
-// A report that cannot be written is no failure of the call.
+// A report that cannot be written is not a failure of the call.
 void report() noexcept try {
     const std::wstring path = environment_text(L"ORMACON_DEMO_REPORT");
     if (!path.empty()) write_report(path, report_text());

@@ -1,5 +1,4 @@
-// Keeps the books: the memory that the tool has to give back, what it has given back, and how often it called each
-// function.
+// Records the memory that the tool must give back, what it has given back, and how often it called each function.
 //
 // When the environment variable ORMACON_DEMO_REPORT names a file, that file is rewritten at every change, so that it is
 // up to date even after the program was killed:

@@ -1,4 +1,4 @@
-"""Adds up what gcov knows of a coverage build: lines and branches per folder, and the files below 85 % of lines.
+"""Adds up what gcov reports about a coverage build: lines and branches per folder, and the files below 85 % of lines.
 
 coverage.py ROOT
 A branch is one way out of a condition; those on which an exception leaves are not counted.
@@ -15,7 +15,7 @@ PRODUCT = ("app", "common", "conf_tool", "demo_library", "wizard")
 
 
 def gcov(notes):
-    """What gcov says of one object; its .gcda file is missing where nothing of it ran."""
+    """What gcov reports about one object; its .gcda file is missing where nothing of it ran."""
     command = ["x86_64-w64-mingw32-gcov-posix", "--json-format", "--stdout", "--branch-probabilities", str(notes)]
     output = subprocess.run(command, capture_output=True, text=True, cwd=notes.parent, check=True).stdout
     return [json.loads(line) for line in output.splitlines() if line.startswith("{")]

@@ -1,4 +1,4 @@
-// Texts from outside, as the screen may show them. Otherwise whoever names a repository could rewrite the list around
+// Texts from outside, as the screen may show them. Otherwise the name of a repository could rewrite the list around
 // it.
 #pragma once
 
