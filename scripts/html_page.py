@@ -1,8 +1,11 @@
 """Turns a Markdown page into one HTML file that needs nothing else: no network, no other file.
 
-    html_page.py PAGE.md > PAGE.html
+    html_page.py PAGE.md EDITION > PAGE.html
+
+EDITION is shown below the title.
 """
 import html
+import itertools
 import re
 import sys
 
@@ -29,13 +32,34 @@ th { background: #f1f3f5; }
 .option { white-space: nowrap; }
 td code { background: none; padding: 0; }
 td:first-child { min-width: 11em; }
+.edition { color: #5f5f5f; margin-top: -.3em; }
+.up { float: right; margin-left: 1em; font-size: 14px; font-weight: normal; text-decoration: none; }
 @media (max-width: 40em) {
   body { padding: .5em .8em 2em; }
   ol, ul { padding-left: 1.4em; }
+  .up { float: none; margin-left: .3em; }
+  .table thead { display: none; }
+  .table table, .table tbody, .table tr, .table td { display: block; }
+  .table table { border-top: 1px solid #c8c8c8; }
+  .table td { border-width: 0 1px; }
+  .table td:first-child { background: #f1f3f5; border-top: 1px solid #c8c8c8; }
+  .table tr:last-child td:last-child { border-bottom: 1px solid #c8c8c8; }
+  .table td + td::before { content: attr(data-column) ": "; color: #5f5f5f; }
+}
+@media screen and (prefers-color-scheme: dark) {
+  body { color: #e4e4e4; background: #1b1b1b; }
+  a { color: #7db8f0; }
+  h2 { border-color: #4a4a4a; }
+  code, pre, th, .table td:first-child { background: #2a2d30; }
+  td code { background: none; }
+  th, td, .table table, .table td:first-child, .table tr:last-child td:last-child { border-color: #4a4a4a; }
+  pre { border-color: #7db8f0; }
+  .edition, .table td + td::before { color: #a8a8a8; }
 }
 @media print {
   body { font-size: 10pt; max-width: none; margin: 0; padding: 0; }
   a { color: inherit; text-decoration: none; }
+  .up { display: none; }
   h2, h3 { page-break-after: avoid; }
   tr, pre { page-break-inside: avoid; }
   thead { display: table-header-group; }
@@ -69,11 +93,27 @@ def check_links(body):
             sys.exit(f"!! the page has a link to {target}, which is not on it")
 
 
-def html_page(text):
-    """The page as a string. Its title is the first heading."""
+def framed(match):
+    """A table in a frame. On a narrow screen its cells are stacked; each then shows the title of its column."""
+    table = match[0]
+    titles = itertools.cycle(re.sub(r"<[^>]*>", "", title) for title in re.findall(r"<th>(.*?)</th>", table))
+    return '<div class="table">' + re.sub("<td>", lambda _: f'<td data-column="{next(titles)}">', table) + "</div>"
+
+
+def unbroken(match):
+    """Inline code whose options are not broken at their hyphens."""
+    return "<code>" + re.sub(r"(?<![\w-])--?[a-z][a-z-]*:?", r'<span class="option">\g<0></span>', match[1]) + "</code>"
+
+
+def html_page(text, edition):
+    """The page as a string. Its title is the first heading. Headings below the contents lead back to them."""
     body = markdown.markdown(text, extensions=["fenced_code", "sane_lists", "tables", "toc"], output_format="html")
-    body = re.sub(r"<code>(--[a-z-]+)</code>", r'<code class="option">\1</code>', body)  # not broken at its hyphens
-    body = body.replace("<table>", '<div class="table"><table>').replace("</table>", "</table></div>")
+    body = re.sub(r"(?<!<pre>)<code>(.*?)</code>", unbroken, body)
+    body = re.sub(r"<table>.*?</table>", framed, body, flags=re.DOTALL)
+    above, contents, below = body.partition('<h2 id="contents">Contents</h2>')
+    below = re.sub(r"</h[23]>", r' <a class="up" href="#contents">Contents</a>\g<0>', below)
+    body = above + contents + below
+    body = body.replace("</h1>", f'</h1>\n<p class="edition">{html.escape(edition)}</p>', 1)
     check_links(body)
     title = re.sub(r"<[^>]*>", "", re.search(r"<h1[^>]*>(.*?)</h1>", body)[1])
     return PAGE % (html.escape(html.unescape(title)), STYLE, body)
@@ -81,4 +121,4 @@ def html_page(text):
 
 if __name__ == "__main__":
     with open(sys.argv[1], encoding="utf-8") as file:
-        sys.stdout.write(html_page(file.read()))
+        sys.stdout.write(html_page(file.read(), sys.argv[2]))

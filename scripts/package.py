@@ -1,16 +1,18 @@
 #!/usr/bin/env python3
 """Packs what has been built.
 
-    package.py ZIP_FILE                     the release build in build/bin, for an administrator
-    package.py --tests VERSION ZIP_FILE     the release build and the tests in build/test/bin, for someone with Windows
+    package.py VERSION PROGRAM ZIP_FILE             the release build, for an administrator
+    package.py --tests VERSION PROGRAM ZIP_FILE     the release build and the tests, for someone with Windows
 
-The same files give the same archive: entries are sorted, and their time is that of the last commit. The notices of the
-linked libraries come from the machine that builds. Run it with Debian's own /usr/bin/python3, which has the library for
-html_page.
+PROGRAM is Ormacon.exe; all other files are those of the build. The same files give the same archive: entries are sorted,
+and their time is that of the last commit, which the archive names. The notices of the linked libraries come from the
+machine that builds. Run it with Debian's own /usr/bin/python3, which has the library for html_page.
 """
+import argparse
 import glob
 import os
 import re
+import struct
 import subprocess
 import sys
 import time
@@ -34,6 +36,10 @@ def read(path):
 
 def output_of(*command):
     return subprocess.run(command, cwd=ROOT, check=True, capture_output=True, text=True).stdout.strip()
+
+
+def commit():
+    return output_of("git", "describe", "--always", "--abbrev=40", "--exclude=*", "--dirty=-changed")
 
 
 def version_of(package):
@@ -63,7 +69,7 @@ def compiler_exception(path):
             part(text, "GCC RUNTIME LIBRARY EXCEPTION", "libquadmath", "exception of GCC"))
 
 
-def notices():
+def notices(version):
     boost = read(".deps/src/boost.version").strip()
     boost_tools = "libboost%s-tools-dev" % re.match(r"\d+\.\d+", boost)[0]
     zlib, gcc, mingw = "libz-mingw-w64-dev", "gcc-mingw-w64-x86-64-posix-runtime", "mingw-w64-x86-64-dev"
@@ -75,8 +81,28 @@ def notices():
         ("libstdc++ and libgcc, the runtime libraries of GCC", version_of(gcc), compiler_exception(INSTALLED % gcc)),
         ("The runtime of MinGW-w64 with winpthreads", version_of(mingw), read(INSTALLED % mingw)),
     ]
-    head = "Ormacon.exe contains parts of the following works, linked statically, in these package versions.\n"
+    head = (f"Ormacon {version}, built from commit {commit()}.\n\n"
+            "Ormacon.exe contains parts of the following works, linked statically, in these package versions.\n")
     return head + "".join(f"\n{RULE}\n{title}, {version}\n{RULE}\n\n{text}" for title, version, text in chapters)
+
+
+def check_images(content):
+    """A program file, and those that it contains as data: high-entropy addresses, addresses chosen at each start, no
+    execution of data, and nothing that is both writable and executable."""
+    images = 0
+    for match in re.finditer(b"MZ", content):
+        header = match.start() + int.from_bytes(content[match.start() + 0x3c:match.start() + 0x40], "little")
+        if content[header:header + 4] != b"PE\0\0":
+            continue
+        images += 1
+        count, options_size = (struct.unpack_from("<H", content, header + offset)[0] for offset in (6, 20))
+        if struct.unpack_from("<H", content, header + 0x5e)[0] & 0x0160 != 0x0160:
+            sys.exit(f"!! the program file at {match.start()} lacks a protection: see add_link_options")
+        for section in range(header + 24 + options_size, header + 24 + options_size + 40 * count, 40):
+            if struct.unpack_from("<I", content, section + 36)[0] & 0xa0000000 == 0xa0000000:
+                sys.exit(f"!! a section is writable and executable: {content[section:section + 8]}")
+    if not images:
+        sys.exit("!! this is not a program file")
 
 
 def for_windows(text):
@@ -84,31 +110,39 @@ def for_windows(text):
     return text.replace("\n", "\r\n").encode("utf-8-sig")
 
 
-def for_administrator():
+def for_interpreter(text):
+    return text.replace("\n", "\r\n").encode("ascii")
+
+
+def for_administrator(version, program):
+    changes = read("CHANGELOG.md")
+    if f"\n## {version} (" not in changes:
+        sys.exit(f"!! CHANGELOG.md has no chapter about version {version}")
     return {
-        "Administrator.html": for_windows(html_page(read("docs/administrator.md"))),
-        "Changes.txt": for_windows(read("CHANGELOG.md")),
-        "Notices.txt": for_windows(notices()),
+        "Administrator.html": for_windows(html_page(read("docs/administrator.md"), f"Ormacon {version}")),
+        "Changes.txt": for_windows(changes),
+        "Notices.txt": for_windows(notices(version)),
         "Ormacon.debug": read_bytes("build/bin/Ormacon.debug"),
-        "Ormacon.exe": read_bytes("build/bin/Ormacon.exe"),
+        "Ormacon.exe": program,
+        **{name: for_interpreter(read(f"scripts/{name}")) for name in ("ormacon-checked.cmd", "ormacon-checked.ps1")},
     }
 
 
-def for_testing(version):
+def for_testing(version, program):
     """The GoogleTest programs, which are the tests that need only Windows."""
     built = os.path.join(ROOT, "build/test/bin")
     programs = [os.path.relpath(path, built) for path in glob.glob(f"{built}/**/*_test.exe", recursive=True)]
     if not programs:
         sys.exit(f"!! there are no test programs in {built}: run ./package --tests, which builds them")
-    script = read("scripts/run-tests.cmd").replace("@VERSION@", version)
-    script = script.replace("@COMMIT@", output_of("git", "describe", "--always", "--dirty=-changed"))
+    script = read("scripts/run-tests.cmd").replace("@VERSION@", version).replace("@COMMIT@", commit())
     script = script.replace("@PROGRAMS@", " ".join(sorted(programs)).replace("/", "\\"))
-    files = {f"tests/{name}": read_bytes(f"build/test/bin/{name}")
-             for name in [*programs, "OrmaconLib.dll", "scenario.sample.xml"]}
-    files["run-tests.cmd"] = script.replace("\n", "\r\n").encode("ascii")
-    for name in ("Ormacon.exe", "OrmaconLib.dll"):
-        files[name] = read_bytes(f"build/bin/{name}")
-    return files
+    beside = ["OrmaconLib.dll", "ormacon-checked.cmd", "ormacon-checked.ps1", "scenario.sample.xml"]
+    return {
+        "run-tests.cmd": for_interpreter(script),
+        "Ormacon.exe": program,
+        "OrmaconLib.dll": read_bytes("build/bin/OrmaconLib.dll"),
+        **{f"tests/{name}": read_bytes(f"build/test/bin/{name}") for name in [*programs, *beside]},
+    }
 
 
 def write_archive(target, files):
@@ -122,7 +156,11 @@ def write_archive(target, files):
 
 
 if __name__ == "__main__":
-    if sys.argv[1] == "--tests":
-        write_archive(sys.argv[3], for_testing(sys.argv[2]))
-    else:
-        write_archive(sys.argv[1], for_administrator())
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--tests", action="store_const", const=for_testing, default=for_administrator, dest="files")
+    for name in ("version", "program", "zip_file"):
+        parser.add_argument(name)
+    wanted = parser.parse_args()
+    program_file = read_bytes(wanted.program)
+    check_images(program_file)
+    write_archive(wanted.zip_file, wanted.files(wanted.version, program_file))

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the packages that are missing on Debian or Ubuntu, and builds the libraries for Windows in .deps/. With
-# --bench, --fuzz or --check, also what only the benchmarks, the fuzzing or the static analysis need. Quick when there is
-# nothing to do.
+# --bench, --fuzz, --check or --sign, also what only the benchmarks, the fuzzing, the static analysis or the signing need.
+# Quick when there is nothing to do.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -23,6 +23,7 @@ case ${1-} in
         ;;
     --fuzz) packages+=(clang libclang-rt-dev llvm) ;;  # libFuzzer; function names in its reports
     --check) packages+=(cppcheck clang-tidy) ;;
+    --sign) packages+=(osslsigncode) ;;
 esac
 
 system_name() { (. /etc/os-release && printf '%s' "${!1-}") 2>/dev/null; }
