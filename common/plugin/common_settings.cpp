@@ -1,15 +1,14 @@
 #include "common/plugin/common_settings.h"
 
-#include <array>
-#include <cstdio>
-#include <memory>
-
-#include <boost/filesystem.hpp>
+#include <boost/filesystem/path.hpp>
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
+#include "common/platform/owned.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
+#include "common/win32.h"
 
 namespace plugin {
 namespace {
@@ -17,30 +16,37 @@ namespace {
 using exc::format_message;
 using logging::plugin_common;
 
-// More than any settings need, and little enough to be read whole.
-constexpr std::size_t largest_file = 1'048'576;
-
-struct close_file_t {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
+// More than any settings need, and little enough for the parser, whose time grows with the square of the size.
+constexpr DWORD largest_file = 65'536;
 
 void require_settings_file(const std::wstring& path) {
-    boost::system::error_code failure;
-    if (!boost::filesystem::exists(path, failure)) exc::raise("Cannot find plug-in manager configuration file");
+    if (GetFileAttributesW(platform::system_path(path).c_str()) != INVALID_FILE_ATTRIBUTES) return;
+    const DWORD code = GetLastError();
+    // For any other reason, opening the file fails and tells it.
+    if (code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND) {
+        exc::raise("Cannot find plug-in manager configuration file");
+    }
+}
+
+[[noreturn]] void raise_unread(const char* sentence, const std::string& name) {
+    const DWORD code = GetLastError();
+    exc::raise_win_error(code, format_message(sentence, name));
 }
 
 std::string read_text(const std::wstring& path) {
     const std::string name = text::wide_to_utf8(path);
     plugin_common.info(format_message("Loading xml file [%1]", name));
-    const std::unique_ptr<std::FILE, close_file_t> file(_wfopen(path.c_str(), L"rb"));
-    if (!file) exc::raise(format_message("Failed to open configuration file from path: %1", name));
-    std::string content;
-    std::array<char, 4096> chunk{};
-    while (const std::size_t size = std::fread(chunk.data(), 1, chunk.size(), file.get())) {
-        content.append(chunk.data(), size);
-        if (content.size() > largest_file) exc::raise("The file is larger than 1 MiB.");
+    const platform::unique_file file(CreateFileW(platform::system_path(path).c_str(), GENERIC_READ,
+                                                 FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                                 OPEN_EXISTING, 0, nullptr));
+    if (!file) raise_unread("Failed to open configuration file from path: %1", name);
+    std::string content(largest_file + 1, '\0');
+    DWORD size = 0;
+    if (!ReadFile(file.get(), content.data(), largest_file + 1, &size, nullptr)) {
+        raise_unread("Failed to load configuration file: %1", name);
     }
-    if (std::ferror(file.get())) exc::raise(format_message("Failed to load configuration file: %1", name));
+    if (size > largest_file) exc::raise("The file is larger than 64 KiB.");
+    content.resize(size);
     return content;
 }
 

@@ -22,7 +22,8 @@ bool parse(const std::string& content, TiXmlDocument& document) {
     if (!fault.empty()) exc::raise(fault);
     // The parser reads past the end of a text that is cut off within a character. This gives each such step an end.
     const std::string with_ends = content + std::string(4, '\0');
-    document.Parse(with_ends.c_str());
+    TiXmlBase::SetCondenseWhiteSpace(false);
+    document.Parse(with_ends.c_str(), nullptr, TIXML_ENCODING_UTF8);
     if (!document.Error()) {
         plugin_common.info("Xml file was successfully loaded");
         return true;
@@ -34,12 +35,20 @@ bool parse(const std::string& content, TiXmlDocument& document) {
     return false;
 }
 
+// All of the element's text, without the blanks and line ends around it.
+std::string text_of(const TiXmlElement& element) {
+    std::string text;
+    for (const TiXmlNode* node = element.FirstChild(); node != nullptr; node = node->NextSibling()) {
+        if (node->ToText() != nullptr) text += node->ValueStr();
+    }
+    constexpr const char* blanks = " \t\r\n";
+    text.erase(text.find_last_not_of(blanks) + 1);
+    return text.erase(0, text.find_first_not_of(blanks));
+}
+
 // Values may be child elements with text, or attributes. The element is looked at first.
 std::string value_of(const TiXmlElement& parameters, const char* name) {
-    if (const TiXmlElement* child = parameters.FirstChildElement(name)) {
-        const char* value = child->GetText();
-        return value == nullptr ? "" : value;
-    }
+    if (const TiXmlElement* child = parameters.FirstChildElement(name)) return text_of(*child);
     const char* value = parameters.Attribute(name);
     return value == nullptr ? "" : value;
 }

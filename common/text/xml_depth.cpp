@@ -45,8 +45,13 @@ std::string find_xml_fault(std::string_view content, int deepest) {
         } else if (rest.starts_with("<![CDATA[")) {
             skip_past(rest, "]]>");
         } else {
+            const bool is_declaration = rest.starts_with("<!");
             depth = std::max(depth + skip_tag(rest), 0);
-            if (rest.starts_with('<')) return fault_at(content, rest, "There is a \"<\" within a tag");
+            if (rest.starts_with('<')) {
+                return fault_at(
+                    content, rest,
+                    is_declaration ? "A DOCTYPE with a \"<\" in it is not supported" : "There is a \"<\" within a tag");
+            }
             if (depth > deepest) {
                 return fault_at(content, rest, "Elements are nested more than " + std::to_string(deepest) + " deep");
             }

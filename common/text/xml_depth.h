@@ -7,8 +7,9 @@
 
 namespace text {
 
-// Returns what is wrong, as an English sentence with the line, or an empty text. Wrong are elements that are nested
-// deeper than the limit, and "<" within a tag: XML forbids it, and the parser takes it for text.
+// Returns what is wrong, as an English sentence with the line, or an empty text: elements that are nested deeper than
+// the limit, or a "<" within a tag. XML forbids it there, and the parser takes it for text; only in a DOCTYPE it is
+// allowed, which the parser does not understand either.
 std::string find_xml_fault(std::string_view content, int deepest);
 
 }  // namespace text

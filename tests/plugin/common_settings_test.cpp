@@ -3,22 +3,60 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/exceptions.h"
+#include "common/exc/raise.h"
+#include "common/platform/path.h"
 #include "common/text/convert.h"
 #include "tests/support/demo_host.h"
 #include "tests/support/recording_sink.h"
+#include "tests/support/system_function.h"
 
 namespace {
 
 using plugin::common_settings_t;
+using test_support::SystemFunction;
 using testing::ElementsAre;
+
+DWORD refusal = ERROR_SUCCESS;  // with which the system refuses the settings file
+
+// Windows refuses a long path in its ordinary form, unless the machine allows it. Wine never does.
+bool IsRefused(const std::wstring& path) {
+    const bool is_long = path.size() >= MAX_PATH && !path.starts_with(L"\\\\?\\");
+    const DWORD code = is_long ? ERROR_PATH_NOT_FOUND : path.ends_with(L"tovak_common_config.xml") ? refusal : 0;
+    if (code != ERROR_SUCCESS) SetLastError(code);
+    return code != ERROR_SUCCESS;
+}
+
+DWORD WINAPI GetAttributes(LPCWSTR path) {
+    return IsRefused(path) ? INVALID_FILE_ATTRIBUTES
+                           : SystemFunction<decltype(GetFileAttributesW)>("GetFileAttributesW")(path);
+}
+
+HANDLE WINAPI Open(LPCWSTR path, DWORD access, DWORD sharing, LPSECURITY_ATTRIBUTES security, DWORD disposition,
+                   DWORD flags, HANDLE like) {
+    return IsRefused(path) ? INVALID_HANDLE_VALUE
+                           : SystemFunction<decltype(CreateFileW)>("CreateFileW")(path, access, sharing, security,
+                                                                                  disposition, flags, like);
+}
+
+}  // namespace
+
+extern "C" {
+decltype(&GetAttributes) __imp_GetFileAttributesW = &GetAttributes;
+decltype(&Open) __imp_CreateFileW = &Open;
+}
+
+namespace {
 
 class CommonSettings : public testing::Test {
 protected:
     common_settings_t Load(const std::string& content) {
         test_support::WriteFileText(folder_ / "tovak_common_config.xml", content);
+        return LoadFrom(folder_.path);
+    }
+
+    common_settings_t LoadFrom(const std::filesystem::path& folder) {
         log_.Clear();
-        return plugin::load_common_settings(folder_.path.wstring());
+        return plugin::load_common_settings(folder.wstring());
     }
 
     // The defaults are in force, after these lines about the file.
@@ -42,16 +80,16 @@ TEST_F(CommonSettings, ElementsComeBeforeAttributes) {
     for (int i = 0; i < 1001; ++i) flat += "<x>1</x><y/>";
     for (const char* parameters :
          {"<PluginParameters><minPluginManagerPort>7001</minPluginManagerPort><managerConnectionAttempsCount> 5"
-          "</managerConnectionAttempsCount><managerLockDir>C:\\\u00e4\\l</managerLockDir><logsDir>C:\\g</logsDir>"
-          "</PluginParameters>",
+          "</managerConnectionAttempsCount><managerLockDir>\r\n <!-- x -->C:\\&#xE4;<!-- x -->  l\t</managerLockDir>"
+          "<logsDir>C:\\g</logsDir></PluginParameters>",
           "<PluginParameters minPluginManagerPort='1' managerConnectionAttempsCount='5' "
-          "managerLockDir='C:\\\u00e4\\l' logsDir='C:\\g'><minPluginManagerPort>7001</minPluginManagerPort>"
+          "managerLockDir='C:\\\u00e4  l' logsDir='C:\\g'><minPluginManagerPort>7001</minPluginManagerPort>"
           "</PluginParameters>"}) {
-        Load("<Config>" + flat + parameters + "</Config>");
+        Load("<!DOCTYPE Config SYSTEM 'c'><Config>" + flat + parameters + "</Config>");
         EXPECT_THAT(log_.lines(),
                     ElementsAre("Loading xml file [" + Path() + "]", "Xml file was successfully loaded",
                                 "Plugin manager port is [7001]", "Plugin to manager connection attempts count is [5]",
-                                "Manager lock directory is [C:\\\u00e4\\l]", "Logs directory is [C:\\g]"));
+                                "Manager lock directory is [C:\\\u00e4  l]", "Logs directory is [C:\\g]"));
     }
 }
 
@@ -68,15 +106,32 @@ TEST_F(CommonSettings, NumbersFallBackToTheirDefaults) {
     }
 }
 
-TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
-    plugin::load_common_settings(folder_.path.wstring());
-    ExpectDefaults(
-        {"WARN|Unable to init plugin manager settings. Using default values. Cannot find plug-in manager configuration "
-         "file",
-         "WARN|Failed to read plug-in manager configuration file"});
+TEST_F(CommonSettings, AreReadBelowALongPath) {
+    const std::wstring longer = (folder_ / std::wstring(250, L'x')).wstring();
+    const std::wstring file = platform::system_path(longer) + L"\\tovak_common_config.xml";
+    ASSERT_TRUE(CreateDirectoryW(platform::system_path(longer).c_str(), nullptr));
+    test_support::WriteFileText(file, "<Config><PluginParameters minPluginManagerPort='7001'/></Config>");
+    EXPECT_EQ(LoadFrom(longer).minPluginManagerPort, 7001);
+    EXPECT_TRUE(DeleteFileW(file.c_str()));
+    EXPECT_TRUE(RemoveDirectoryW(platform::system_path(longer).c_str()));
+}
 
+TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
     const std::string loading = "Loading xml file [" + Path() + "]";
     const std::string unable = "WARN|Unable to load params from file [" + Path() + "]. ";
+    for (const DWORD missing : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND}) {
+        refusal = missing;
+        LoadFrom(folder_.path);
+        ExpectDefaults(
+            {"WARN|Unable to init plugin manager settings. Using default values. Cannot find plug-in manager "
+             "configuration file",
+             "WARN|Failed to read plug-in manager configuration file"});
+    }
+    refusal = ERROR_ACCESS_DENIED;
+    LoadFrom(folder_.path);
+    ExpectDefaults({loading, unable + exc::get_error_text(refusal),
+                    "WARN|Failed to open configuration file from path: " + Path(), "WARN|--tr:Error code: 0x00000005"});
+    refusal = ERROR_SUCCESS;
     Load("<Config><PluginParameters minPluginManagerPort='7'>");
     ExpectDefaults({loading, "WARN|Error due parsing xml file, code: [5], description: [Error reading Element value.]",
                     "WARN|Xml file wasn't loaded. Ignore it."});
@@ -90,18 +145,18 @@ TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
                         unable + "There is no node with the specified name: [" + node + "]."});
     }
     std::string deep;
-    while (deep.size() < 300000) deep += "<a x='>'><!--></a>-->";
+    while (deep.size() < 60000) deep += "<a x='>'><!--></a>-->";
     Load(deep);
     ExpectDefaults({loading, unable + "Elements are nested more than 1000 deep (line 1)."});
     Load("<a x='</a>'>");
     ExpectDefaults({loading, unable + "There is a \"<\" within a tag (line 1)."});
-    Load(std::string(1024 * 1024 + 1, ' '));
-    ExpectDefaults({loading, unable + "The file is larger than 1 MiB."});
-
-    std::filesystem::remove(folder_ / "tovak_common_config.xml");
-    std::filesystem::create_directory(folder_ / "tovak_common_config.xml");
-    Load("not written");
-    ExpectDefaults({loading, unable + "Failed to open configuration file from path: " + Path()});
+    Load("<!DOCTYPE Config [\n<!ELEMENT Config ANY>]><Config/>");
+    ExpectDefaults({loading, unable + "A DOCTYPE with a \"<\" in it is not supported (line 2)."});
+    const std::string content = "<Config><PluginParameters/></Config>";
+    Load(content + std::string(64 * 1024 - content.size(), ' '));
+    ExpectDefaults({loading, "Xml file was successfully loaded"});
+    Load(std::string(64 * 1024 + 1, ' '));
+    ExpectDefaults({loading, unable + "The file is larger than 64 KiB."});
 }
 
 }  // namespace
