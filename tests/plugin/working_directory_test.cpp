@@ -1,5 +1,8 @@
 #include "common/plugin/working_directory.h"
 
+#include <cstring>
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,7 +11,49 @@
 #include "common/platform/path.h"
 #include "common/text/convert.h"
 #include "tests/support/recording_sink.h"
+#include "tests/support/system_function.h"
 #include "tests/support/test_registry.h"
+
+namespace {
+
+using test_support::SystemFunction;
+
+// What the hooks below say, where set.
+HMODULE runs_in = nullptr;  // the module that this code is in
+bool is_link = false;       // each file is a symbolic link, with this content
+bool has_path = true;       // otherwise, the path of a module cannot be read
+
+const struct {
+    DWORD tag;
+    USHORT data_size, reserved, name_at, name_size, shown_at, shown_size;
+    DWORD is_relative;
+    wchar_t name[15];
+} link = {IO_REPARSE_TAG_SYMLINK, 42, 0, 0, 28, 0, 28, 0, L"D:\\links\\t.exe"};
+
+BOOL WINAPI FindModule(DWORD flags, LPCWSTR address, HMODULE* module) {
+    const auto original = SystemFunction<decltype(GetModuleHandleExW)>("GetModuleHandleExW");
+    return runs_in != nullptr ? (*module = runs_in, TRUE) : original(flags, address, module);
+}
+
+DWORD WINAPI ModulePath(HMODULE module, LPWSTR path, DWORD size) {
+    if (has_path) return SystemFunction<decltype(GetModuleFileNameW)>("GetModuleFileNameW")(module, path, size);
+    SetLastError(ERROR_MOD_NOT_FOUND);
+    return 0;
+}
+
+BOOL WINAPI Control(HANDLE file, DWORD, void*, DWORD, void* out, DWORD, DWORD* size, OVERLAPPED*) {
+    SetLastError(ERROR_NOT_A_REPARSE_POINT);
+    if (is_link) std::memcpy(out, &link, *size = sizeof link);
+    return file != INVALID_HANDLE_VALUE && is_link;
+}
+
+}  // namespace
+
+extern "C" {
+decltype(&FindModule) __imp_GetModuleHandleExW = &FindModule;
+decltype(&ModulePath) __imp_GetModuleFileNameW = &ModulePath;
+decltype(&Control) __imp_DeviceIoControl = &Control;
+}
 
 TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) {
     test_support::CTestRegistry registry;
@@ -18,10 +63,11 @@ TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) 
         EXPECT_EQ(log.lines(), lines);
     };
     const std::wstring program = platform::program_path(), folder = platform::parent_of(program);
-    const std::string no_path = "Cannot find target link path in the registry: ";
-    const std::string no_text = no_path + "The registry value is not a text or is empty.";
-    const std::string by_module = "Getting current directory by module path [" + text::wide_to_utf8(program) + "]";
-    expect(folder, {no_path + exc::get_error_text(ERROR_FILE_NOT_FOUND),
+    const std::string shown = text::wide_to_utf8(program);
+    const std::string no_text =
+        "Cannot find target link path in the registry: The registry value is not a text or is empty.";
+    const std::string by_module = "Getting current directory by module path [" + shown + "]";
+    expect(folder, {"Cannot find target link path in the registry: " + exc::get_error_text(ERROR_FILE_NOT_FOUND),
                     "Cannot open registry key [SOFTWARE\\Tovak\\Tovak RMAN Plugin].", "--tr:Error code: 0x00000002",
                     by_module});
     const DWORD number = 1;
@@ -29,6 +75,22 @@ TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) 
     expect(folder, {no_text, by_module});
     registry.SetText(plugin::plugin_registry_key, L"LinkTargetPath", L"");
     expect(folder, {no_text, by_module});
+
+    is_link = true;
+    expect(L"D:\\links", {no_text, by_module, "Path to executable [" + shown + "] is symlink to [D:\\links\\t.exe]"});
+    is_link = false;
+    runs_in = GetModuleHandleW(L"kernel32.dll");
+    const std::wstring library = platform::module_path(runs_in);
+    expect(platform::parent_of(library),
+           {no_text, "Getting current directory by dynamic lib path [" + text::wide_to_utf8(library) + "]"});
+    runs_in = nullptr;
+    has_path = false;
+    const std::wstring current = std::filesystem::current_path().wstring();
+    expect(current, {no_text, "WARN|" + exc::get_error_text(ERROR_MOD_NOT_FOUND), "WARN|Cannot get module path.",
+                     "WARN|--tr:Error code: 0x0000007e",
+                     "Failed to get current directory path. Temporary value [" + text::wide_to_utf8(current) + "]"});
+    has_path = true;
+
     registry.SetText(plugin::plugin_registry_key, L"LinkTargetPath", L"D:\\links \u4e2d");
     expect(L"D:\\links \u4e2d", {"Target link path: D:\\links \u4e2d"});
 }
