@@ -1,6 +1,5 @@
 #include "conf_tool/library_memory.h"
 
-#include <algorithm>
 #include <type_traits>
 
 #include "common/exc/format_message.h"
@@ -9,8 +8,10 @@
 namespace conf_tool {
 namespace {
 
-// More than any backup server has. A larger count was never set, and its memory does not exist.
+// More than any backup server has. Another count was never set, and the memory that it speaks of does not exist.
 constexpr std::int32_t most_repositories = 1'000'000;
+
+bool IsImpossible(std::int32_t count) { return count < 0 || count > most_repositories; }
 
 std::wstring CopyOrEmpty(const wchar_t* text) { return text == nullptr ? std::wstring() : std::wstring(text); }
 
@@ -30,16 +31,16 @@ const wchar_t* CLibraryText::Get() const {
 }
 
 CLibraryRepositories::~CLibraryRepositories() {
-    if (records_ != nullptr || count_ == 0) free_repositories_(records_, count_);
+    if (count_ == 0 || (records_ != nullptr && !IsImpossible(count_))) free_repositories_(records_, count_);
 }
 
 std::int32_t CLibraryRepositories::Count() const {
     if (records_ == nullptr && count_ > 0) exc::raise("Configuration library returned no repositories");
-    if (count_ > most_repositories) {
+    if (IsImpossible(count_)) {
         exc::raise(exc::format_message("Configuration library returned an impossible number of repositories: [%1]",
                                        std::to_string(count_)));
     }
-    return std::max(count_, 0);
+    return count_;
 }
 
 RepositoryEntry CLibraryRepositories::Entry(std::int32_t index) const {

@@ -25,7 +25,8 @@ private:
     std::unique_ptr<wchar_t, FreeStringFn> owner_;
 };
 
-// An array of repository records that the library returned.
+// An array of repository records that the library returned. With an impossible count it is not given back: the library
+// would walk through memory that is not there.
 class CLibraryRepositories {
 public:
     CLibraryRepositories(LibraryRecords records, std::int32_t count, FreeRepositoriesFn free_repositories) noexcept
@@ -34,9 +35,9 @@ public:
     CLibraryRepositories(const CLibraryRepositories&) = delete;
     CLibraryRepositories& operator=(const CLibraryRepositories&) = delete;
 
-    // Returns the number of records, or 0 if the library gave a negative one. Throws exc::runtime_exc_t "Configuration
-    // library returned no repositories" for a null array with a count above 0, and "Configuration library returned an
-    // impossible number of repositories: [%1]" for a count above a million.
+    // Returns the number of records. Throws exc::runtime_exc_t "Configuration library returned no repositories" for a
+    // null array with a count above 0, and "Configuration library returned an impossible number of repositories: [%1]"
+    // for a negative count and for one above a million.
     std::int32_t Count() const;
 
     // Returns a copy of a record; the index is less than Count(). A null record or a null text is returned as empty.
