@@ -11,7 +11,7 @@
 namespace platform {
 namespace {
 
-using RtlGetVersionFn = LONG(WINAPI*)(OSVERSIONINFOEXW*);
+using RtlGetVersionFn = LONG WINAPI(OSVERSIONINFOEXW*);
 
 const char* architecture() {
     SYSTEM_INFO system{};
@@ -26,6 +26,20 @@ const char* architecture() {
     }
 }
 
+// Null if there is no such function, or no library.
+template <class Function>
+Function* find_function(HMODULE library, const char* name) {
+    if (library == nullptr) return nullptr;
+    return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(GetProcAddress(library, name)));
+}
+
+// Loaded at the first use, and kept. It is not imported: Windows looks for an import of this name in the program's
+// folder first.
+HMODULE version_library() {
+    static const HMODULE library = LoadLibraryExW(L"version.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+    return library;
+}
+
 struct translation_t {
     WORD language;
     WORD code_page;
@@ -33,10 +47,11 @@ struct translation_t {
 
 template <class Value>
 const Value* find(const std::vector<char>& resource, const wchar_t* name) {
+    const auto query = find_function<decltype(VerQueryValueW)>(version_library(), "VerQueryValueW");
     void* value = nullptr;
     UINT size = 0;
-    return VerQueryValueW(resource.data(), name, &value, &size) && size > 0 ? static_cast<const Value*>(value)
-                                                                            : nullptr;
+    const bool found = query != nullptr && query(resource.data(), name, &value, &size) && size > 0;
+    return found ? static_cast<const Value*>(value) : nullptr;
 }
 
 std::string file_version(const std::vector<char>& resource) {
@@ -63,8 +78,7 @@ std::string comments(const std::vector<char>& resource) {
 std::string os_version_text() {
     OSVERSIONINFOEXW version{};
     version.dwOSVersionInfoSize = sizeof version;
-    const auto get_version = reinterpret_cast<RtlGetVersionFn>(
-        reinterpret_cast<void (*)()>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion")));
+    const auto get_version = find_function<RtlGetVersionFn>(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion");
     if (get_version == nullptr || get_version(&version) != 0) return "unknown";
     const std::string text =
         exc::format_message("Windows %1.%2.%3 (%4, %5)",
@@ -75,8 +89,11 @@ std::string os_version_text() {
 }
 
 version_resource_t read_version_resource(const std::wstring& path) {
-    std::vector<char> resource(GetFileVersionInfoSizeW(path.c_str(), nullptr));
-    if (!GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(resource.size()), resource.data())) return {};
+    const auto size = find_function<decltype(GetFileVersionInfoSizeW)>(version_library(), "GetFileVersionInfoSizeW");
+    const auto read = find_function<decltype(GetFileVersionInfoW)>(version_library(), "GetFileVersionInfoW");
+    if (size == nullptr || read == nullptr) return {};
+    std::vector<char> resource(size(path.c_str(), nullptr));
+    if (!read(path.c_str(), 0, static_cast<DWORD>(resource.size()), resource.data())) return {};
     return {file_version(resource), comments(resource)};
 }
 

@@ -23,7 +23,7 @@ HELP = """\
 EMPTY_CONFIG = "Backup server:\nPort: 0\nUser name:\nDomain name:\nParallelism: 1\nRepository:"
 LOADING, UNLOADING = "Loading configuration library in %s mode", "Unloading configuration library"
 PARSING, PARSED = "Parsing incoming values", "Parsing incoming values ok."
-WINDOWS_LIBRARIES = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "shell32.dll", "version.dll",
+WINDOWS_LIBRARIES = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "shell32.dll",
                      "api-ms-win-core-synch-l1-2-0.dll"}
 
 
