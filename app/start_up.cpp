@@ -1,9 +1,14 @@
 #include "app/start_up.h"
 
-#include <exception>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include <boost/make_shared.hpp>
+
+#include "common/exc/format_message.h"
 #include "common/exc/raise.h"
+#include "common/logging/logger.h"
 #include "common/logging/open_log.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
@@ -16,25 +21,48 @@
 namespace app {
 namespace {
 
-// Newer than the headers of some supported compilers.
-constexpr int redirection_trust_policy = 16;
-constexpr DWORD enforce_redirection_trust = 1;
+// Keeps what is logged before the log is open.
+class CEarlyRecords : public logging::receiver::sink_t {
+public:
+    void write(const logging::line_head_t&, const logging::record_t& record) override {
+        records_.emplace_back(record.level, record.text);
+    }
 
-using set_policy_t = BOOL(WINAPI*)(int policy, const void* value, SIZE_T size);
+    void LogAgain() const {
+        for (const auto& [level, text] : records_) logging::ormacon_tool.log(level, text);
+    }
 
-void RefuseForeignJunctions() noexcept {
-    const auto set_policy = reinterpret_cast<set_policy_t>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "SetProcessMitigationPolicy")));
-    const DWORD policy = enforce_redirection_trust;
-    if (set_policy != nullptr) set_policy(redirection_trust_policy, &policy, sizeof policy);
+private:
+    void write_line(const logging::line_t&) override {}
+
+    std::vector<std::pair<unsigned, std::string>> records_;
+};
+
+const boost::shared_ptr<CEarlyRecords>& EarlyRecords() {
+    static const auto records = boost::make_shared<CEarlyRecords>();
+    return records;
 }
 
-// Any folder that is named here takes the current folder's place in the search. The program's own is searched before it
-// anyway. An empty text would do as well on Windows, but Wine ignores it.
-void LeaveCurrentFolderOut() noexcept try {
-    SetDllDirectoryW(platform::parent_of(platform::program_path()).c_str());
-} catch (const std::exception&) {
-    SetDllDirectoryW(L"");
+void Report(bool succeeded, const char* measure) {
+    const DWORD code = GetLastError();
+    logging::ormacon_tool.log(succeeded ? logging::level_info : logging::level_warning,
+                              exc::format_message("%1: %2", {measure, succeeded ? "ok" : exc::get_error_text(code)}));
+}
+
+// The empty text takes the current folder out of the search. Wine ignores it: there the program's own folder, which is
+// searched anyway, takes its place. On Windows, programs that this process starts would search that before Windows'
+// own.
+void LeaveCurrentFolderOut() {
+    const bool is_wine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+    const std::wstring folder = is_wine ? platform::parent_of(platform::program_path()) : L"";
+    Report(SetDllDirectoryW(folder.c_str()), "Searching no libraries in the current folder");
+}
+
+void RefuseForeignJunctions() {
+    PROCESS_MITIGATION_REDIRECTION_TRUST_POLICY policy{};
+    policy.EnforceRedirectionTrust = 1;
+    Report(SetProcessMitigationPolicy(ProcessRedirectionTrustPolicy, &policy, sizeof policy),
+           "Following no junctions that ordinary accounts have made");
 }
 
 void InitializeCom() {
@@ -43,7 +71,8 @@ void InitializeCom() {
 
 }  // namespace
 
-void HardenProcess() noexcept {
+void HardenProcess() {
+    logging::process_logger().attach(EarlyRecords());
     LeaveCurrentFolderOut();
     RefuseForeignJunctions();
 }
@@ -51,8 +80,10 @@ void HardenProcess() noexcept {
 void InitializeApplication() {
     InitializeCom();
     const std::wstring settings_directory = plugin::get_current_directory();
+    logging::process_logger().detach(EarlyRecords());
     logging::initialise(logging::ormacon_tool, log_folder, L"Ormacon.log");
     logging::ormacon_tool.info(std::string(84, '='));
+    EarlyRecords()->LogAgain();
     plugin::load_common_settings(settings_directory);
 }
 

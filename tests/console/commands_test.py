@@ -123,14 +123,17 @@ class Commands(ConsoleTest):
             "^={77}", "Path to the executable module: " + re.escape(windows_path(self.path("Ormacon.exe"))),
             r"Module version: \d+(\.\d+){3}", "Comments: Configuration tool of the Tovak RMAN plug-in",
             r"Process Id: \d+", r"OS version: Windows 10\.0\.\d+ \(\w+, x64\)", "={77}$"]))
+        found = lines.index(f"Getting current directory by module path [{windows_path(self.path('Ormacon.exe'))}]")
+        self.assertEqual(["=" * 84, "Searching no libraries in the current folder: ok"], lines[7:9])
+        self.assertRegex(lines[10], "^Cannot find target link path in the registry: ")
         self.assertEqual(
-            ["=" * 84, f"Loading xml file [{windows_path(self.path('tovak_common_config.xml'))}]",
+            [f"Loading xml file [{windows_path(self.path('tovak_common_config.xml'))}]",
              "Xml file was successfully loaded", "Plugin manager port is [7000]",
              "Plugin to manager connection attempts count is [30]", "Manager lock directory is []",
              "Logs directory is [C:\\l]", PARSING, PARSED, "Executing method SetBackupServer", LOADING % "direct",
              LOADING % "direct" + " ok.", "Executing SetBackupServer command, host = [backup.example.org]",
              "Calling SetHost function", "Calling SetHost function ok.", "Executing method SetBackupServer ok.",
-             UNLOADING, UNLOADING + " ok."], lines[7:])
+             UNLOADING, UNLOADING + " ok."], lines[found + 1:])
 
 
 if __name__ == "__main__":

@@ -1,0 +1,89 @@
+#include <algorithm>
+#include <iostream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/run.h"
+#include "common/exc/raise.h"
+#include "common/logging/open_log.h"
+#include "common/plugin/working_directory.h"
+#include "tests/support/demo_host.h"
+#include "tests/support/recording_sink.h"
+#include "tests/support/system_function.h"
+#include "tests/support/test_registry.h"
+
+#include <objidl.h>
+
+namespace {
+
+using test_support::SystemFunction;
+
+bool is_kept_loaded = false;  // the configuration library
+std::wstring searched_instead = L"the current folder";
+
+// Wine's own function is not found there: the program does what it does on Windows.
+HMODULE WINAPI FindModule(LPCWSTR name) {
+    const bool is_wines = name != nullptr && std::wstring_view(name) == L"ntdll.dll";
+    return SystemFunction<decltype(GetModuleHandleW)>("GetModuleHandleW")(is_wines ? L"kernel32.dll" : name);
+}
+
+BOOL WINAPI SetFolder(LPCWSTR folder) {
+    searched_instead = folder;
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+}
+
+BOOL WINAPI SetPolicy(PROCESS_MITIGATION_POLICY, PVOID, SIZE_T) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return FALSE;
+}
+
+BOOL WINAPI Free(HMODULE module) {
+    const bool is_kept = is_kept_loaded && module == GetModuleHandleW(L"OrmaconLib.dll");
+    if (is_kept) SetLastError(ERROR_BUSY);
+    return !is_kept && SystemFunction<decltype(FreeLibrary)>("FreeLibrary")(module);
+}
+
+}  // namespace
+
+extern "C" {
+decltype(&FindModule) __imp_GetModuleHandleW = &FindModule;
+decltype(&SetFolder) __imp_SetDllDirectoryW = &SetFolder;
+decltype(&SetPolicy) __imp_SetProcessMitigationPolicy = &SetPolicy;
+decltype(&Free) __imp_FreeLibrary = &Free;
+}
+
+TEST(Run, ReportsWhatFailsBeforeTheLogIsOpenAndAfterTheCommand) {
+    const test_support::CDemoHost host;
+    test_support::CTestRegistry registry;
+    registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", host.folder().wstring());
+    registry.SetText(plugin::plugin_registry_key, plugin::link_target_path_value, L"");
+    const test_support::CRecordedLog log;
+    std::ostringstream printed;
+    std::streambuf* const screen = std::cout.rdbuf(printed.rdbuf());
+    const char* const words[] = {"Ormacon.exe", "--set-port", "10006"};
+    is_kept_loaded = true;
+    app::Run(3, words);
+    is_kept_loaded = false;
+    FreeLibrary(GetModuleHandleW(L"OrmaconLib.dll"));
+    std::cout.rdbuf(screen);
+    logging::close_log();
+
+    EXPECT_EQ(searched_instead, L"");
+    const auto separator = std::ranges::find(log.lines(), std::string(84, '='));
+    ASSERT_GT(log.lines().end() - separator, 4);
+    EXPECT_THAT(std::vector(separator + 1, separator + 4),
+                testing::ElementsAre(
+                    "WARN|Searching no libraries in the current folder: " + exc::get_error_text(ERROR_ACCESS_DENIED),
+                    "WARN|Following no junctions that ordinary accounts have made: " +
+                        exc::get_error_text(ERROR_INVALID_PARAMETER),
+                    "Cannot find target link path in the registry: The registry value is not a text "
+                    "or is empty."));
+    EXPECT_EQ(printed.str(), exc::get_error_text(ERROR_BUSY) +
+                                 "\nFailed to unload configuration library\n--tr:Error code: 0x000000aa\n");
+    APTTYPE apartment{};
+    APTTYPEQUALIFIER qualifier{};
+    EXPECT_EQ(CoGetApartmentType(&apartment, &qualifier), S_OK);
+    EXPECT_EQ(apartment, APTTYPE_MTA);
+}
