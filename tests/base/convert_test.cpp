@@ -1,12 +1,14 @@
 #include "common/text/convert.h"
 
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "common/exc/raise.h"
 #include "common/exc/exceptions.h"
 #include "common/text/wipe.h"
-#include "common/win32.h"
+#include "tests/support/system_function.h"
 
 namespace {
 
@@ -22,8 +24,7 @@ int ConvertOrFail(const char* function, Args... args) {
         SetLastError(ERROR_NO_UNICODE_TRANSLATION);
         return 0;
     }
-    const auto address = reinterpret_cast<void (*)()>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), function));
-    return reinterpret_cast<int(WINAPI*)(Args...)>(address)(args...);
+    return test_support::SystemFunction<int WINAPI(Args...)>(function)(args...);
 }
 
 int WINAPI ToWide(UINT page, DWORD flags, LPCCH source, int length, LPWSTR target, int size) {
@@ -61,6 +62,15 @@ TEST(Convert, RoundTripsAndCutsAtANull) {
     EXPECT_EQ(utf8_to_wide(std::string("\0b", 2)), L"");
 }
 
+TEST(Convert, ReplacesWhatIsNoTextAndConvertsNothingWithoutACall) {
+    EXPECT_EQ(utf8_to_wide("a\xff z"), L"a\xfffd z");
+    EXPECT_EQ(wide_to_utf8(L"a\xd800z\xdc00"), "a\xef\xbf\xbdz\xef\xbf\xbd");
+    calls_until_failure = 1;
+    EXPECT_EQ(utf8_to_wide("") + ansi_to_wide(""), L"");
+    EXPECT_EQ(wide_to_utf8(L"") + wide_to_ansi(L""), "");
+    EXPECT_EQ(std::exchange(calls_until_failure, 0), 1);
+}
+
 TEST(Convert, FailuresNameTheConversionAndTheSourceOfNarrowText) {
     const struct {
         void (*convert)();
@@ -85,6 +95,7 @@ TEST(Convert, FailuresNameTheConversionAndTheSourceOfNarrowText) {
 TEST(Convert, AnErrorTextThatCannotBeConvertedDoesNotRecurse) {
     calls_until_failure = 1;
     EXPECT_NE(exc::get_error_text(ERROR_ACCESS_DENIED), "");
+    EXPECT_EQ(calls_until_failure, 0);
 }
 
 TEST(Wipe, OverwritesShortAndLongTexts) {
