@@ -1,7 +1,7 @@
 #include "tests/demo_library/demo_library_test.h"
 
 TEST_F(demo_library_test, validates_the_form_of_account_and_host) {
-    EXPECT_EQ(answer([&] { direct.SetCredentials(L"d", L"", L"p"); }),
+    EXPECT_EQ(answer([&] { direct.SetCredentials(L"d", L"", L"Tiger7"); }),
               L"The user name is empty: an account of the backup server is needed.");
     EXPECT_FALSE(std::filesystem::exists(folder / "state.xml"));
     const auto set = [&](const std::wstring& name) { return answer([&] { direct.SetHost(name); }); };
