@@ -1,6 +1,7 @@
 #include "app/concealment.h"
 
 #include <algorithm>
+#include <cctype>
 #include <string_view>
 #include <vector>
 
@@ -11,59 +12,39 @@
 namespace app {
 namespace {
 
-constexpr std::string_view marks = "-/";
-
-// Without its dashes and its value.
+// Without its marks and its value.
 std::string_view NameOf(std::string_view word) {
-    word.remove_prefix(std::min(word.find_first_not_of(marks), word.size()));
+    word.remove_prefix(std::min(word.find_first_not_of("-/"), word.size()));
     return word.substr(0, word.find('='));
+}
+
+bool IsOption(std::string_view word) {
+    return word.starts_with("--") && word.size() > 2 && std::isalpha(static_cast<unsigned char>(word[2])) != 0;
 }
 
 // An abbreviation of set-credentials with dashes or a slash, or its whole name without.
 bool IsCredentials(std::string_view word) {
     const std::string_view name = NameOf(word);
     const std::string_view whole = option_set_credentials;
-    return name.size() < word.size() && !name.empty() ? whole.starts_with(name) : name == whole;
+    return name == whole || (!name.empty() && name.size() < word.size() && whole.starts_with(name));
 }
 
-// An option's name or an abbreviation of it that is not ambiguous.
-bool IsKnown(std::string_view word, const boost::program_options::options_description& options) {
-    const std::string_view name = NameOf(word);
-    if (!word.starts_with("--") || name.empty()) return false;
-    const auto has_prefix = [&](const auto& option) { return option->long_name().starts_with(name); };
-    const auto is_name = [&](const auto& option) { return option->long_name() == name; };
-    return std::ranges::any_of(options.options(), is_name) || std::ranges::count_if(options.options(), has_prefix) == 1;
-}
-
-void Replace(std::string& complaint, std::string_view word, std::string_view shown) {
-    if (!word.empty()) boost::replace_all(complaint, "'" + std::string(word) + "'", "'" + std::string(shown) + "'");
-}
-
-void Conceal(std::string& complaint, std::string_view word) {
-    for (const std::string_view part : {word, word.substr(0, word.find('='))}) Replace(complaint, part, "***");
-}
-
-void ConcealValue(std::string& complaint, std::string_view word) {
-    if (const std::size_t equal = word.find('='); equal != std::string_view::npos) {
-        Replace(complaint, word, std::string(word.substr(0, equal)) + "=***");
-    }
+void Replace(std::string& complaint, std::string_view word, const std::string& shown) {
+    if (!word.empty()) boost::replace_all(complaint, "'" + std::string(word) + "'", "'" + shown + "'");
 }
 
 }  // namespace
 
-std::string ConcealCredentials(std::string complaint, const boost::program_options::options_description& options,
-                               int argc, const char* const* argv) {
+std::string ConcealCredentials(std::string complaint, int argc, const char* const* argv) {
     bool given_to_credentials = false;
     for (const std::string_view word : std::vector<std::string_view>(argv + 1, argv + argc)) {
-        if (IsCredentials(word)) {
-            given_to_credentials = true;
-            ConcealValue(complaint, word);
-        } else if (IsKnown(word, options)) {
-            given_to_credentials = false;
-        } else if (given_to_credentials) {
-            Conceal(complaint, word);
-        } else if (word.starts_with('-')) {
-            ConcealValue(complaint, word);
+        const std::string_view name = word.substr(0, word.find('='));
+        if (given_to_credentials && !IsOption(word)) {
+            Replace(complaint, word, "***");
+            Replace(complaint, name, "***");
+        } else {
+            given_to_credentials = IsCredentials(word);
+            if (word.starts_with('-') && name != word) Replace(complaint, word, std::string(name) + "=***");
         }
     }
     return complaint;

@@ -3,14 +3,12 @@
 
 #include <string>
 
-#include <boost/program_options.hpp>
-
 namespace app {
 
-// Returns the complaint with "***" in place of each word that was given to set-credentials, up to the next known
-// option. set-credentials is recognised even if it is abbreviated, ambiguous ("--set"), or has one dash or a slash. Any
-// other word that begins with a dash and is no known option keeps its name but not its value ("--password=***").
-std::string ConcealCredentials(std::string complaint, const boost::program_options::options_description& options,
-                               int argc, const char* const* argv);
+// Returns the complaint with "***" in place of each word that was given to set-credentials. These words end at the next
+// one that begins with two dashes and a letter: it is the name of an option, even if it is misspelt. set-credentials is
+// recognised even if it is abbreviated, ambiguous ("--set"), or has one dash or a slash. A value after "=" is concealed
+// in every word that begins with a dash ("--password=***").
+std::string ConcealCredentials(std::string complaint, int argc, const char* const* argv);
 
 }  // namespace app

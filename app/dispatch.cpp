@@ -88,7 +88,7 @@ Command ParseCommandLine(CommandContext& context, int argc, const char* const* a
         return chosen;
     } catch (const po::error& failure) {
         exc::runtime_exc_t complaint;
-        complaint.add_text(ConcealCredentials(failure.what(), context.options, argc, argv));
+        complaint.add_text(ConcealCredentials(failure.what(), argc, argv));
         exc::rethrow_as_runtime_error(complaint, "Failed to parse incoming parameters");
     } catch (const std::exception& failure) {
         exc::rethrow_as_runtime_error(failure, "Failed to parse incoming parameters");
