@@ -15,13 +15,14 @@ void Declare(po::options_description& options) {
         (option_help, "Show this help page")
         (option_show_config, "Show configuration")
         (option_wizard, "Start configuration wizard")
-        (option_set_credentials, po::value<words_t>()->multitoken(),
+        (option_set_credentials, po::value<words_t>()->multitoken()->value_name("ACCOUNT [PASSWORD]"),
          "Set credentials (use username@domain format for user account")
-        (option_set_host, po::value<std::string>(), "Set backup server host name or IP address")
-        (option_set_port, po::value<int>(), "Set backup server port")
+        (option_set_host, po::value<std::string>()->value_name("HOST"), "Set backup server host name or IP address")
+        (option_set_port, po::value<int>()->value_name("PORT"), "Set backup server port")
         (option_set_repositories,
          "Set Tovak repository as the backup target (up to 4 repositories can be specified for multiple copies)")
-        (option_set_parallelism, po::value<int>(), "Set parallel processing channels count (RMAN parallelism)")
+        (option_set_parallelism, po::value<int>()->value_name("CHANNELS"),
+         "Set parallel processing channels count (RMAN parallelism)")
         (option_map_backup, "Map imported backup")
         (option_uninstall, "Uninstall the Tovak Plug-in for Oracle RMAN");
     // clang-format on

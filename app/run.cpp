@@ -15,17 +15,24 @@
 namespace app {
 namespace {
 
-void RunCommand(int argc, const char* const* argv) {
-    CommandContext context;
-    BuildOptions(context);
-    Command command = ParseCommandLine(context, argc, argv);
-    ExecuteMethod(std::move(command.handler), command.method_name);
-    context.ReleaseCaller();
-}
-
 void Print(const char* message) {
     const std::wstring text = text::utf8_to_wide(message == nullptr ? "Unknown error" : message);
     std::cout << text::wide_to_utf8(wizard::ShownText(text)) << std::endl;
+}
+
+void RunCommand(int argc, const char* const* argv) {
+    CommandContext context;
+    BuildOptions(context);
+    Command command;
+    try {
+        command = ParseCommandLine(context, argc, argv);
+    } catch (const std::exception& complaint) {
+        Print(complaint.what());
+        std::cerr << "Ormacon.exe --help lists the options." << std::endl;
+        return;
+    }
+    ExecuteMethod(std::move(command.handler), command.method_name);
+    context.ReleaseCaller();
 }
 
 }  // namespace

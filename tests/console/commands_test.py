@@ -8,18 +8,20 @@ import unittest
 from console_kit import ConsoleTest, windows_path
 
 HELP = """\
-  --help                Show this help page
-  --show-config         Show configuration
-  --wizard              Start configuration wizard
-  --set-credentials arg Set credentials (use username@domain format for user
-                        account
-  --set-host arg        Set backup server host name or IP address
-  --set-port arg        Set backup server port
-  --set-repositories    Set Tovak repository as the backup target (up to 4
-                        repositories can be specified for multiple copies)
-  --set-parallelism arg Set parallel processing channels count (RMAN
-                        parallelism)
-  --map-backup          Map imported backup"""
+  --help                               Show this help page
+  --show-config                        Show configuration
+  --wizard                             Start configuration wizard
+  --set-credentials ACCOUNT [PASSWORD] Set credentials (use username@domain
+                                       format for user account
+  --set-host HOST                      Set backup server host name or IP
+                                       address
+  --set-port PORT                      Set backup server port
+  --set-repositories                   Set Tovak repository as the backup
+                                       target (up to 4 repositories can be
+                                       specified for multiple copies)
+  --set-parallelism CHANNELS           Set parallel processing channels count
+                                       (RMAN parallelism)
+  --map-backup                         Map imported backup"""
 EMPTY_CONFIG = "Backup server:\nPort: 0\nUser name:\nDomain name:\nParallelism: 1\nRepository:"
 LOADING, UNLOADING = "Loading configuration library in %s mode", "Unloading configuration library"
 PARSING, PARSED = "Parsing incoming values", "Parsing incoming values ok."
@@ -67,7 +69,8 @@ class Commands(ConsoleTest):
         self.assertEqual(EMPTY_CONFIG, self.run_program("--show-config"))
 
     def test_bad_command_line(self):
-        self.assertEqual("unrecognised option '***'\nFailed to parse incoming parameters",
+        self.assertEqual("unrecognised option '***'\nFailed to parse incoming parameters\n"
+                         "Ormacon.exe --help lists the options.",
                          self.run_program("--set-cred", "user", "-s3cret", "-verbose"))
         self.assertEqual("ERR |" + PARSING + " Failed.", self.log()[self.log().index(PARSING) + 1])
 
