@@ -24,6 +24,12 @@ bool AgreesToReplace(const fs::path& path) {
     return answer == L"yes" || answer == L"y";
 }
 
+// "Copy as path" in the Explorer puts quotes around it. No file's name contains one.
+std::wstring WithoutQuotes(const std::wstring& path) {
+    const bool quoted = path.size() > 2 && path.front() == L'"' && path.back() == L'"';
+    return quoted ? path.substr(1, path.size() - 2) : path;
+}
+
 // A path like "D:name" is relative to that drive's own current folder, which only the system knows.
 fs::path ToAbsolute(const fs::path& path) {
     return path.has_root_name() && !path.is_absolute() ? fs::system_complete(path) : fs::absolute(path);
@@ -46,7 +52,7 @@ void RemoveExisting(const fs::path& path) {
 
 fs::path AskOutputPath(const std::wstring& prompt, const fs::path& default_path) {
     for (;;) {
-        fs::path path = Ask(prompt, default_path.wstring());
+        fs::path path = WithoutQuotes(Ask(prompt, default_path.wstring()));
         if (!IsTaken(path)) return path;
         fs::path existing = ToAbsolute(path);
         if (!AgreesToReplace(existing)) continue;

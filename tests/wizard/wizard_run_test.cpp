@@ -88,13 +88,14 @@ TEST_F(WizardRun, ExportWritesBothFilesAndReplacesOnlyOnAYes) {
     const std::wstring ask_txt = L"Enter path to Oracle RMAN configuration TXT file " + txt + L": <";
     const std::wstring replace = xml + L" already exists. Do you want to replace it? (yes/no): ";
 
-    Answers answers = FirstTime({L"2", L"", L"", L"2", L"", L"no", L"", L"", L"", L"Y", other, L"3"});
+    const std::wstring quoted = L'"' + other + L'"';  // as Explorer copies it
+    Answers answers = FirstTime({L"2", L"", L"", L"2", L"", L"no", L"", L"", L"", L"Y", quoted, L"3"});
     answers[3] = L"";
     const std::wstring transcript = Play(answers);
     EXPECT_THAT(transcript,
                 HasSubstr(menu + (L"<2>" + ask_xml + L"Saved\r\n" + ask_txt + L">Saved\r\n" + menu + L"<2>" + ask_xml +
                                   replace + L"<no>" + ask_xml + replace + L"<>" + ask_xml + replace + L"<Y>Saved\r\n" +
-                                  ask_txt + other + L">Saved\r\n" + menu + L"<3>The Tovak")));
+                                  ask_txt + quoted + L">Saved\r\n" + menu + L"<3>The Tovak")));
     EXPECT_THAT(transcript, EndsWith(L"The wizard was cancelled: the configuration of this host is unchanged.\r\n"));
     for (const std::wstring& file : {xml, txt, other}) EXPECT_TRUE(std::filesystem::exists(file)) << file;
     EXPECT_EQ(host_.Calls("Commit"), 0);
