@@ -26,7 +26,7 @@ bool IsOption(std::string_view word) {
 bool IsCredentials(std::string_view word) {
     const std::string_view name = NameOf(word);
     const std::string_view whole = option_set_credentials;
-    return name == whole || (!name.empty() && name.size() < word.size() && whole.starts_with(name));
+    return name == whole || (name.size() < word.size() && whole.starts_with(name));
 }
 
 void Replace(std::string& complaint, std::string_view word, const std::string& shown) {

@@ -17,7 +17,7 @@ std::string TakeErrorText(LibraryError error, FreeStringFn free_string, const st
     if (!text) return "Configuration library returned an unknown error";
     std::wstring shown = text.Get();
     const text::wipe_at_exit_t wipe_shown(shown);
-    if (!secret.empty()) boost::replace_all(shown, secret, L"***");
+    boost::replace_all(shown, secret, L"***");
     return text::wide_to_utf8(shown);
 }
 

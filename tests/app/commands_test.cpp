@@ -12,6 +12,7 @@
 namespace {
 
 using namespace app;
+using testing::Contains;
 using testing::EndsWith;
 using testing::HasSubstr;
 
@@ -26,8 +27,50 @@ protected:
         return test_support::FailureOf([&] { ExecuteMethod(command.handler, command.method_name); });
     }
 
+    // The domain, the user name and the password.
+    static std::wstring Configuration() {
+        conf_tool::ConfigurationSnapshot config;
+        conf_tool::CConfigToolLibCaller(conf_tool::CallerMode::Direct).GetConfig(config);
+        return config.domain + L"|" + config.user_name + L"|" + config.password;
+    }
+
     test_support::CDemoHost host_;
 };
+
+TEST_F(Commands, ValuesReachTheLibraryAsTyped) {
+    const struct {
+        std::vector<const char*> words;
+        const char* logged;
+        const char* outcome = "ok";
+    } cases[] = {
+        {{"--help"}, "Executing ShowHelp command."},
+        {{"--show-config"}, "Executing ShowConfig command."},
+        {{"--wizard"}, "Executing StartWizard command"},
+        {{"--set-host", " h "},
+         "Executing SetBackupServer command, host = [ h ]",
+         "The backup server [ h ] is not allowed: it is neither a host name nor an IP address.\n"
+         "Failed to execute method SetBackupServer"},
+        {{"--set-port", "70000"},
+         "Executing SetNetworkPort command, port = [70000]",
+         "The port 70000 is not allowed: ports are 1 to 65535.\nFailed to execute method SetBackupServerPort"},
+        {{"--set-parallelism", "0"},
+         "Executing SetParallelism command, parallelism = [0]",
+         "The parallelism 0 is not allowed: it is 1 to 64.\nFailed to execute method SetParallelism"},
+        {{"--set-credentials", " CORP \\ u "},
+         "Executing SetCredentials command, newDomainAndUsername = [ CORP \\ u ]"},
+        {{"--set-credentials", "a\\b\\c"},
+         "Read from console [Hidden data]",
+         "Failed to parse domain and username\nFailed to execute method SetCredentials"},
+    };
+    test_support::CScriptedConsole console({L" ", L"n", L" pw ", L"another"});
+    for (const auto& c : cases) {
+        test_support::CRecordedLog log;
+        EXPECT_EQ(Run(c.words), c.outcome);
+        EXPECT_THAT(log.lines(), Contains(c.logged));
+    }
+    EXPECT_THAT(console.transcript, HasSubstr(L"The backup server [ ] is not allowed"));
+    EXPECT_EQ(Configuration(), L" CORP | u | pw ");
+}
 
 TEST_F(Commands, NamesAndTextsAreShownHarmlessAndPassedOnAsTheyAre) {
     host_.Scenario(
@@ -43,9 +86,7 @@ TEST_F(Commands, NamesAndTextsAreShownHarmlessAndPassedOnAsTheyAre) {
     EXPECT_THAT(console.transcript, EndsWith(L"1. Good\ufffd\ufffd1. Evil\ufffd\n"));
     EXPECT_EQ(Run({"--map-backup"}), "ok");
     EXPECT_THAT(console.transcript, EndsWith(L"Error has occurred\na\tb\nc\ufffdd\ufffd[2J"));
-    conf_tool::ConfigurationSnapshot config;
-    conf_tool::CConfigToolLibCaller(conf_tool::CallerMode::Direct).GetConfig(config);
-    EXPECT_EQ(config.domain + config.user_name, L"CORP\x200fu\x2066");
+    EXPECT_EQ(Configuration(), L"CORP\u200f|u\u2066|");
 }
 
 TEST_F(Commands, APasswordInTheLibrarysTextIsConcealed) {

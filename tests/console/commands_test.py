@@ -69,9 +69,9 @@ class Commands(ConsoleTest):
         self.assertEqual(EMPTY_CONFIG, self.run_program("--show-config"))
 
     def test_bad_command_line(self):
-        self.assertEqual("unrecognised option '***'\nFailed to parse incoming parameters\n"
+        self.assertEqual("unrecognised option '--set-prot\ufffd'\nFailed to parse incoming parameters\n"
                          "Ormacon.exe --help lists the options.",
-                         self.run_program("--set-cred", "user", "-s3cret", "-verbose"))
+                         self.run_program("--set-cred", "user", "pw", "--set-prot\u202e", "-verbose"))
         self.assertEqual("ERR |" + PARSING + " Failed.", self.log()[self.log().index(PARSING) + 1])
 
     def test_unusable_library(self):

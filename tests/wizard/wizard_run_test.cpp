@@ -66,6 +66,7 @@ TEST_F(WizardRun, DefaultsShowWhatIsConfiguredAndStillOffered) {
     // In Standard Edition nothing about parallelism is asked, neither of the user nor of the library.
     EXPECT_EQ(host_.Calls("GetParallelismRangeString") + host_.Calls("SetParallelism"), 0);
     EXPECT_EQ(host_.Calls("Commit"), 1);
+    EXPECT_EQ(host_.Calls("GetConfig"), 1);  // without a password that could be kept
 }
 
 TEST_F(WizardRun, TheConfiguredPasswordIsFetchedOnlyToBeKept) {
