@@ -2,7 +2,6 @@
 // ORMACON_BENCHMARK_REPOSITORIES sets the number of repositories; every tenth of them is configured. The library stores
 // nothing; its memory is static, so freeing it costs nothing.
 #include <cstdlib>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -15,31 +14,13 @@ using plug_common::SRepositoryCType;
 namespace {
 
 wchar_t any_text[] = L"any";
+std::vector<std::wstring> texts;
+std::vector<SRepositoryCType> records;
+std::vector<SRepositoryCType*> offered;
+std::vector<SRepositoryCType*> configured;
 
-class CRepositories {
-public:
-    explicit CRepositories(std::size_t count) : texts_(2 * count), records_(count) {
-        for (std::size_t i = 0; i < count; ++i) {
-            texts_[2 * i] = L"7b1e9c52-0d4f-4a6e-" + std::to_wstring(1000000 + i);
-            texts_[2 * i + 1] = L"Repository " + std::to_wstring(i + 1);
-            records_[i] = {texts_[2 * i].c_str(), texts_[2 * i + 1].c_str(), 2e13, 1e13, 0};
-            offered.push_back(&records_[i]);
-            if (i % 10 == 0) configured.push_back(&records_[i]);
-        }
-    }
-
-    std::vector<SRepositoryCType*> offered;
-    std::vector<SRepositoryCType*> configured;
-
-private:
-    std::vector<std::wstring> texts_;
-    std::vector<SRepositoryCType> records_;
-};
-
-std::unique_ptr<CRepositories> repositories;
-
-Status HandOut(std::vector<SRepositoryCType*>& chosen, LibraryRecords* records, std::int32_t* count) {
-    *records = chosen.data();
+Status HandOut(std::vector<SRepositoryCType*>& chosen, LibraryRecords* array, std::int32_t* count) {
+    *array = chosen.data();
     *count = static_cast<std::int32_t>(chosen.size());
     return 0;
 }
@@ -48,28 +29,36 @@ Status HandOut(std::vector<SRepositoryCType*>& chosen, LibraryRecords* records, 
 
 #define EXPORTED extern "C" __declspec(dllexport)
 
+// Called once: each run of the wizard loads the library anew.
 EXPORTED Status InitializeWizard(LibraryError*) {
-    wchar_t count[16] = L"";
-    GetEnvironmentVariableW(L"ORMACON_BENCHMARK_REPOSITORIES", count, 16);
-    const auto wanted = static_cast<std::size_t>(std::wcstoul(count, nullptr, 10));
-    if (!repositories || repositories->offered.size() != wanted) repositories = std::make_unique<CRepositories>(wanted);
+    wchar_t wanted[16] = L"";
+    GetEnvironmentVariableW(L"ORMACON_BENCHMARK_REPOSITORIES", wanted, 16);
+    const std::size_t count = std::wcstoul(wanted, nullptr, 10);
+    texts.reserve(2 * count);
+    records.reserve(count);
+    for (std::size_t i = 1; i <= count; ++i) {
+        const std::wstring& id = texts.emplace_back(L"7b1e9c52-0d4f-4a6e-" + std::to_wstring(1000000 + i));
+        const std::wstring& name = texts.emplace_back(L"Repository " + std::to_wstring(i));
+        offered.push_back(&records.emplace_back(SRepositoryCType{id.c_str(), name.c_str(), 2e13, 1e13, 0}));
+        if (i % 10 == 0) configured.push_back(offered.back());
+    }
     return 0;
 }
 
 EXPORTED Status GetConfig(LibraryText* user_name, LibraryText* domain, LibraryText* password, LibraryText* host,
-                          std::int32_t* port, std::int32_t* parallelism, LibraryRecords* records, std::int32_t* count,
+                          std::int32_t* port, std::int32_t* parallelism, LibraryRecords* array, std::int32_t* count,
                           LibraryError*) {
     *user_name = *domain = *password = *host = any_text;
     *port = *parallelism = 1;
-    return HandOut(repositories->configured, records, count);
+    return HandOut(configured, array, count);
 }
 
-EXPORTED Status GetTBRRepositories(LibraryRecords* records, std::int32_t* count, LibraryError*) {
-    return HandOut(repositories->offered, records, count);
+EXPORTED Status GetTBRRepositories(LibraryRecords* array, std::int32_t* count, LibraryError*) {
+    return HandOut(offered, array, count);
 }
 
 EXPORTED Status SetRepositories(const SRepositoryCType*, std::int32_t count, LibraryError*) {
-    return static_cast<std::size_t>(count) == repositories->configured.size() ? 0 : 1;
+    return static_cast<std::size_t>(count) == configured.size() ? 0 : 1;
 }
 
 EXPORTED Status GetScopeEdition(std::int32_t* edition, LibraryError*) {
@@ -77,17 +66,11 @@ EXPORTED Status GetScopeEdition(std::int32_t* edition, LibraryError*) {
     return 0;
 }
 
-EXPORTED Status GetResult(LibraryText* text, std::int32_t* code, LibraryError*) {
-    *text = any_text;
-    *code = 0;
-    return 0;
-}
-
 EXPORTED Status GetSummary(LibraryText* text, LibraryError*) {
     *text = any_text;
     return 0;
 }
-
+EXPORTED Status GetResult(LibraryText* text, std::int32_t*, LibraryError* error) { return GetSummary(text, error); }
 EXPORTED Status GetParallelismRangeString(LibraryText* text, LibraryError* error) { return GetSummary(text, error); }
 EXPORTED Status SetCredentials(const wchar_t*, const wchar_t*, const wchar_t*, LibraryError*) { return 0; }
 EXPORTED Status SetHost(const wchar_t*, LibraryError*) { return 0; }

@@ -26,9 +26,8 @@ void use_options(int argc, const char* const* argv) {
 void use_files(const std::string& name) {
     namespace fs = boost::filesystem;
     boost::system::error_code failure;
-    const fs::path path = fs::absolute(fs::read_symlink(name, failure)).lexically_normal();
-    if (fs::exists(fs::status(path, failure)) && fs::create_directories(path, failure)) fs::remove(path, failure);
-    for (const fs::directory_entry& entry : fs::directory_iterator(path, failure)) std::cout << entry.path();
+    const fs::path path = fs::absolute(fs::read_symlink(name, failure));
+    if (fs::exists(fs::status(path, failure)) && !fs::is_directory(path)) fs::remove(path, failure);
 }
 
 void use_others(const std::string& name) {

@@ -13,16 +13,10 @@
 
 namespace {
 
-bool has_registry_value(const wchar_t* key, const wchar_t* name) {
-    HKEY opened = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_QUERY_VALUE | KEY_WOW64_64KEY, &opened) != ERROR_SUCCESS) {
-        return false;
-    }
+void read_registry(const wchar_t* key, const wchar_t* name) {
     std::array<unsigned char, 1024> data{};
     DWORD size = data.size();
-    const LSTATUS status = RegQueryValueExW(opened, name, nullptr, nullptr, data.data(), &size);
-    RegCloseKey(opened);
-    return status == ERROR_SUCCESS;
+    RegGetValueW(HKEY_LOCAL_MACHINE, key, name, RRF_RT_ANY | RRF_SUBKEY_WOW6464KEY, nullptr, data.data(), &size);
 }
 
 void write(HANDLE target, std::string_view text) {
@@ -38,17 +32,13 @@ HANDLE open_log() {
                        nullptr);
 }
 
-template <class Function>
-Function find(HMODULE library, const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(library, name)));
-}
-
 void ask_library() {
     using namespace conf_tool;
     const HMODULE library = LoadLibraryW(L"OrmaconLib.dll");
-    const auto get_config = find<GetConfigFn>(library, "GetConfig");
-    const auto free_string = find<FreeStringFn>(library, "FreeString");
-    const auto free_repositories = find<FreeRepositoriesFn>(library, "FreeRepositories");
+    const auto find = [&](const char* name) { return reinterpret_cast<void (*)()>(GetProcAddress(library, name)); };
+    const auto get_config = reinterpret_cast<GetConfigFn>(find("GetConfig"));
+    const auto free_string = reinterpret_cast<FreeStringFn>(find("FreeString"));
+    const auto free_repositories = reinterpret_cast<FreeRepositoriesFn>(find("FreeRepositories"));
     std::array<LibraryText, 4> texts{};
     std::int32_t port = 0, parallelism = 0, count = 0;
     LibraryRecords records = nullptr;
@@ -63,10 +53,10 @@ void ask_library() {
 
 extern "C" int wmain(int argc, wchar_t** argv) {
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    has_registry_value(L"SOFTWARE\\Tovak\\Tovak RMAN Plugin", L"LinkTargetPath");
-    has_registry_value(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory");
-    has_registry_value(L"SOFTWARE\\Tovak\\Tovak Central", L"AgentMaxLogSize");
-    has_registry_value(L"SOFTWARE\\Tovak\\Tovak Central", L"AgentMaxLogCount");
+    read_registry(L"SOFTWARE\\Tovak\\Tovak RMAN Plugin", L"LinkTargetPath");
+    read_registry(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory");
+    read_registry(L"SOFTWARE\\Tovak\\Tovak Central", L"AgentMaxLogSize");
+    read_registry(L"SOFTWARE\\Tovak\\Tovak Central", L"AgentMaxLogCount");
     const HANDLE log = open_log();
     write(log, "The program has started.\r\n");
     if (argc > 1 && std::wstring_view(argv[1]) == L"--show-config") ask_library();

@@ -11,12 +11,6 @@
 
 namespace {
 
-platform::unique_file open_nowhere() {
-    SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    return platform::unique_file(
-        CreateFileW(L"NUL", GENERIC_WRITE, FILE_SHARE_WRITE, &inherited, OPEN_EXISTING, 0, nullptr));
-}
-
 bool run_to_end(std::wstring command_line, HANDLE output) {
     STARTUPINFOW start{};
     start.cb = sizeof start;
@@ -33,27 +27,20 @@ bool run_to_end(std::wstring command_line, HANDLE output) {
     return GetExitCodeProcess(process.get(), &status) && status == 0;
 }
 
-void run_process(benchmark::State& state, const wchar_t* program, const wchar_t* option) {
+void run(benchmark::State& state, const wchar_t* program, const wchar_t* option) {
     const std::wstring folder = platform::parent_of(platform::program_path());
     const std::wstring command_line = L"\"" + folder + L"\\" + program + L"\" " + option;
-    const platform::unique_file output = open_nowhere();
+    SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    const platform::unique_file output(
+        CreateFileW(L"NUL", GENERIC_WRITE, FILE_SHARE_WRITE, &inherited, OPEN_EXISTING, 0, nullptr));
     for (auto _ : state) {
         if (!run_to_end(command_line, output.get())) state.SkipWithError("the program failed");
     }
 }
 
-void add(const char* name, const wchar_t* program, const wchar_t* option) {
-    benchmark::RegisterBenchmark(name, run_process, program, option)->Unit(benchmark::kMillisecond)->UseRealTime();
-}
+BENCHMARK_CAPTURE(run, product_help, L"Ormacon.exe", L"--help")->UseRealTime();
+BENCHMARK_CAPTURE(run, minimal_help, L"minimal_program.exe", L"--help")->UseRealTime();
+BENCHMARK_CAPTURE(run, product_show_config, L"Ormacon.exe", L"--show-config")->UseRealTime();
+BENCHMARK_CAPTURE(run, minimal_show_config, L"minimal_program.exe", L"--show-config")->UseRealTime();
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    add("process/product/help", L"Ormacon.exe", L"--help");
-    add("process/minimal/help", L"minimal_program.exe", L"--help");
-    add("process/product/show-config", L"Ormacon.exe", L"--show-config");
-    add("process/minimal/show-config", L"minimal_program.exe", L"--show-config");
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}
