@@ -110,7 +110,7 @@ void SetBackupServer(CommandContext& context) {
 void SetBackupServerPort(CommandContext& context) {
     EnsureDirectCaller(context);
     const int port = ValueOf<int>(context, option_set_port);
-    // The line has always used this name; people search logs for it.
+    // The name in this line is fixed from outside.
     ormacon_tool.info(format_message("Executing SetNetworkPort command, port = [%1]", std::to_string(port)));
     Caller(context).SetPort(port);
 }

@@ -23,7 +23,7 @@ struct Check {
     void (*handler)(CommandContext& context);
 };
 
-// In the order of the checks, which is not the order of the help page.
+// In the order of the checks, which is not that of the help page. The last one wins: fixed from outside.
 constexpr std::array checks{
     Check{option_help, "ShowHelp", ShowHelp},
     Check{option_show_config, "ShowConfig", ShowConfig},
@@ -73,7 +73,7 @@ Command Choose(CommandContext& context) {
         if (!Applies(check, context.variables)) continue;
         chosen = {check.method_name, boost::bind(check.handler, boost::ref(context))};
     }
-    if (!chosen.handler) exc::raise("Unexpected command");
+    if (!chosen.handler) exc::raise("Unexpected command");  // cannot happen; fixed from outside
     return chosen;
 }
 
@@ -100,7 +100,7 @@ void ExecuteMethod(boost::function<void()> handler, const std::string& method_na
     try {
         handler();
         scope.succeed();
-        handler.clear();
+        handler.clear();  // released as soon as it has succeeded: fixed from outside
     } catch (const std::exception& failure) {
         exc::rethrow_as_runtime_error(failure, exc::format_message("Failed to execute method %1", method_name));
     }

@@ -49,7 +49,7 @@ private:
 
 }  // namespace
 
-// A command reports its outcome on the console; the exit status is 0 wherever this function returns.
+// A command reports its outcome on the console. Where this function returns, the exit status is 0: fixed from outside.
 extern "C" int wmain(int argc, wchar_t** wargv) {
     const CNarrowArguments arguments(argc, wargv);
     app::Run(argc, arguments.argv());

@@ -9,7 +9,7 @@ namespace po = boost::program_options;
 
 void Declare(po::options_description& options) {
     using words_t = std::vector<std::string>;
-    // These texts are established; the parenthesis of set-credentials has never been closed. One option per line:
+    // Fixed from outside; the parenthesis of set-credentials has never been closed. One option per line:
     // clang-format off
     options.add_options()
         (option_help, "Show this help page")

@@ -116,7 +116,7 @@ void CConfigToolLibCaller::GetConfig(ConfigurationSnapshot& into) {
         const std::int32_t size = owned_repositories.Count();
         for (std::int32_t i = 0; i < size; ++i) into.repositories.push_back(owned_repositories.Entry(i));
     };
-    // The failure line of this operation has its own spelling; people search logs for it.
+    // The spelling of this operation's failure line is fixed from outside.
     Call("GetConfig", "CallGetConfig", invoke, take_results);
 }
 

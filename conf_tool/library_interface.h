@@ -61,7 +61,7 @@ using PlainFn = Status (*)(LibraryError* error);  // InitializeWizard, Commit, C
 
 using FreeStringFn = void (*)(wchar_t* text);
 using FreeRepositoriesFn = void (*)(LibraryRecords records, std::int32_t count);
-using FreeArrayStringFn = void (*)();  // required, but never called
+using FreeArrayStringFn = void (*)();  // required, never called: fixed from outside
 
 }  // extern "C"
 

@@ -39,7 +39,7 @@ private:
     int scope_edition_;
     boost::shared_ptr<const conf_tool::ConfigurationSnapshot> previous_;  // never null; without the password
     bool has_password_ = false;                                           // whether one is configured
-    bool cancelled_ = false;
+    bool cancelled_ = false;                                              // only written; fixed from outside
 };
 
 }  // namespace wizard

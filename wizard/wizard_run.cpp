@@ -60,7 +60,7 @@ bool WantsRestart() {
 }
 
 bool AskAfterFailure(const std::exception& failure) {
-    logging::log_exception(ormacon_tool, "Failed to execute wizard ", failure);
+    logging::log_exception(ormacon_tool, "Failed to execute wizard ", failure);  // the space is fixed from outside
     ormacon_tool.info("Prompting user to re-run wizard");
     PrintToConsole(ShownText(text::utf8_to_wide(MessageOf(failure))) + L"\r\n");
     return WantsRestart();
@@ -138,7 +138,7 @@ void CConfigToolWizard::ApplyChoice(int choice, bool& again) {
         case cancel:
             cancelled_ = true;
             return caller_->Cancel();
-        default:
+        default:  // cannot happen; fixed from outside
             exc::raise(format_message("Unable to parse value: %1", std::to_string(choice)));
     }
 }

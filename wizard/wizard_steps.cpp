@@ -84,7 +84,7 @@ CConfigToolWizard::CConfigToolWizard(boost::shared_ptr<conf_tool::CConfigToolLib
       previous_(boost::make_shared<ConfigurationSnapshot>()) {}
 
 void CConfigToolWizard::AskHost() {
-    const auto previous = previous_;
+    const auto previous = previous_;  // a copy in each step: fixed from outside
     const std::wstring prompt =
         FormatPrompt("Enter backup server name or IP address %1: ", {BracketedDefault(previous->host)});
     caller_->SetHost(Ask(prompt, previous->host));

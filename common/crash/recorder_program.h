@@ -33,7 +33,7 @@ private:
 // dump generator process. File: %1".
 platform::unique_handle start_recorder(const std::wstring& file, const std::wstring& arguments);
 
-// Long enough for any dump, even on a slow disk.
+// Long enough for any dump, even on a slow disk; fixed from outside.
 inline constexpr std::uint32_t longest_recording = 1'814'400'000;  // milliseconds: 21 days
 
 // Waits until the process has ended and returns its exit code. After longest_wait milliseconds it ends the process and

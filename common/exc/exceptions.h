@@ -1,4 +1,4 @@
-// The exception family of the program.
+// The exception family of the program. The classes, their serialised form and Boost's pointers are fixed from outside.
 //
 // An exception has an ordered list of message parts instead of one string: a catcher appends its sentence, and
 // technical detail is separate from what the user should read.
@@ -102,7 +102,7 @@ public:
     [[noreturn]] void rethrow() const override;
 };
 
-// Work that was ended from outside, such as a cancelled read of the console.
+// Work that was ended from outside. Never thrown here; fixed from outside.
 class term_exc_t : public exc_base_t {
 public:
     boost::shared_ptr<exc_base_t> clone() const override;

@@ -9,7 +9,7 @@ class TiXmlNode;
 
 namespace plugin {
 
-// The names are those of the file, including the misspelt one.
+// The names are those of the file, including the misspelt one; the values are only logged. Fixed from outside.
 struct common_settings_t {
     std::int32_t minPluginManagerPort = 6791;
     std::int32_t managerConnectionAttempsCount = 30;

@@ -8,7 +8,7 @@
 
 namespace text {
 
-// "Unicode string cannot be converted to multibyte string."
+// "Unicode string cannot be converted to multibyte string." Both ANSI conversions are fixed from outside.
 std::string wide_to_ansi(const std::wstring& source);
 std::string wide_to_ansi(const wchar_t* source);
 

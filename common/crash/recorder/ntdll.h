@@ -1,4 +1,4 @@
-// What the recorder borrows from NTDLL in place of a C runtime.
+// What the recorder borrows from NTDLL in place of a C runtime: fixed from outside, with the exit statuses.
 #pragma once
 
 #include <cstdarg>
