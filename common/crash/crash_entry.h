@@ -8,7 +8,7 @@
 namespace crash {
 
 // Sets the folder of the dumps, which need not exist yet. Without a folder, or with an empty path, a crash leaves no
-// dump. Any thread may call it.
+// dump. Any thread may call it. Throws what platform::program_path() throws.
 void set_dump_folder(const std::wstring& folder);
 
 // Logs "Trying to generate crash dump", runs the registered handlers between "Executing crash handlers." and "Crash
@@ -17,10 +17,7 @@ void set_dump_folder(const std::wstring& folder);
 // line about the crash goes to the standard error.
 //
 // This is done in stages, each of which is entered once in the life of the process: the thread that runs a stage and
-// crashes in it calls again and continues with the next one. The caller ends the process.
+// crashes in it calls again (see die()) and continues with the next one. The caller ends the process.
 void handle_crash(const failure_t& failure) noexcept;
-
-// Whether the calling thread is executing the registered handlers for a crash.
-bool is_running_handlers() noexcept;
 
 }  // namespace crash

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 
+#include "common/platform/guarded_call.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"
@@ -39,7 +40,12 @@ std::string module_at(std::uint64_t address) {
 }  // namespace
 
 platform::unique_module load_debug_help() {
-    return platform::unique_module(LoadLibraryExW(L"dbghelp.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+    platform::unique_module library;
+    platform::call_guarded([&] {
+        *library.put() = LoadLibraryExW(L"dbghelp.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+        return true;
+    });
+    return library;
 }
 
 symbols_t::symbols_t() : library_(load_debug_help()) {
@@ -50,19 +56,20 @@ symbols_t::symbols_t() : library_(load_debug_help()) {
     from_address_ = find_function<decltype(&SymFromAddrW)>(library_, "SymFromAddrW");
     if (!set_options || !initialise || !get_module_info_ || !from_address_) return;
     set_options(SYMOPT_UNDNAME | SYMOPT_FAIL_CRITICAL_ERRORS | SYMOPT_NO_PROMPTS);
-    initialised_ = initialise(GetCurrentProcess(), platform::expand_variables(search_path).c_str(), TRUE);
+    const std::wstring path = platform::expand_variables(search_path);
+    initialised_ = platform::call_guarded([&] { return initialise(GetCurrentProcess(), path.c_str(), TRUE); });
 }
 
 symbols_t::~symbols_t() {
     const auto clean_up = find_function<decltype(&SymCleanup)>(library_, "SymCleanup");
-    if (initialised_ && clean_up != nullptr) clean_up(GetCurrentProcess());
+    if (initialised_ && clean_up != nullptr) platform::call_guarded([&] { return clean_up(GetCurrentProcess()); });
 }
 
 std::string symbols_t::describe_module(std::uint64_t begin) const {
     if (!initialised_) return "no symbols are available";
     IMAGEHLP_MODULEW64 info{};
     info.SizeOfStruct = sizeof info;
-    if (!get_module_info_(GetCurrentProcess(), begin, &info)) {
+    if (!platform::call_guarded([&] { return get_module_info_(GetCurrentProcess(), begin, &info); })) {
         return print("no matching symbolic information found (error code: 0x%08x)",
                      static_cast<unsigned>(GetLastError()));
     }
@@ -75,7 +82,8 @@ std::string symbols_t::function_at(std::uint64_t address) const {
     symbol.info.SizeOfStruct = sizeof symbol.info;
     symbol.info.MaxNameLen = longest_name;
     DWORD64 distance = 0;
-    if (!from_address_(GetCurrentProcess(), address, &distance, &symbol.info)) return {};
+    if (!platform::call_guarded([&] { return from_address_(GetCurrentProcess(), address, &distance, &symbol.info); }))
+        return {};
     return " " + text::wide_to_utf8(symbol.info.Name) + print(" + 0x%llx", static_cast<std::uint64_t>(distance));
 }
 

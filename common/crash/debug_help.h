@@ -1,4 +1,5 @@
-// The system's debug-help library, and the names that it finds for addresses.
+// The system's debug-help library, and the names that it finds for addresses. It handles faults of its own, so each
+// call is guarded.
 #pragma once
 
 #include <cstdint>

@@ -23,20 +23,20 @@ constexpr unsigned most_identifiers = 10000;
     exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(folder)));
 }
 
-void check_owner(HANDLE opened, const std::wstring& folder) {
-    if (platform::has_trusted_owner(opened)) return;
-    exc::raise(exc::format_message("Dump folder [%1] belongs to another account.", text::wide_to_utf8(folder)));
+[[noreturn]] void refuse(const std::wstring& folder, const char* sentence) {
+    exc::raise(exc::format_message(sentence, text::wide_to_utf8(folder)));
 }
 
-// By the path, which nobody can rename while the folder is open. A link is not followed.
-void check_kind(const std::wstring& path, const std::wstring& folder) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES) raise_for(folder, "Cannot open dump folder [%1].");
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
-        exc::raise(exc::format_message("Dump folder [%1] is a link.", text::wide_to_utf8(folder)));
-    }
-    SetLastError(ERROR_DIRECTORY);
-    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) raise_for(folder, "Cannot open dump folder [%1].");
+void check(HANDLE opened, const std::wstring& folder, const std::wstring& expected) {
+    FILE_BASIC_INFO basic{};
+    const bool is_known = GetFileInformationByHandleEx(opened, FileBasicInfo, &basic, sizeof basic) != FALSE;
+    if (is_known) SetLastError(ERROR_DIRECTORY);
+    if ((basic.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) raise_for(folder, "Cannot open dump folder [%1].");
+    if (!platform::has_trusted_owner(opened)) refuse(folder, "Dump folder [%1] belongs to another account.");
+    const bool is_link = (basic.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    const std::wstring place = platform::final_path(opened);
+    const bool is_there = CompareStringOrdinal(place.c_str(), -1, expected.c_str(), -1, TRUE) == CSTR_EQUAL;
+    if (is_link || !is_there) refuse(folder, "Dump folder [%1] is a link.");
 }
 
 // Calls take(entry) for each dump in the folder whose name fits the pattern.
@@ -75,19 +75,22 @@ bool delete_dump(const std::wstring& path) try {
 
 }  // namespace
 
-platform::unique_file open_dump_folder(const std::wstring& folder) {
+dump_folder_t open_dump_folder(const std::wstring& folder) {
     const std::wstring path = platform::system_path(folder);
-    logging::require_trusted_folder(platform::parent_of(folder));
-    platform::create_directories(platform::parent_of(folder));
+    const std::wstring parent = platform::parent_of(folder);
+    logging::require_trusted_folder(parent);
+    platform::create_directories(parent);
+    dump_folder_t opened{logging::require_trusted_folder(parent), {}};
     if (!platform::create_private_folder(path) && GetLastError() != ERROR_ALREADY_EXISTS) {
         raise_for(folder, "Cannot create directory [%1].");
     }
-    platform::unique_file opened(CreateFileW(path.c_str(), FILE_LIST_DIRECTORY | READ_CONTROL, FILE_SHARE_READ, nullptr,
-                                             OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
-                                             nullptr));
-    if (!opened) raise_for(folder, "Cannot open dump folder [%1].");
-    check_owner(opened.get(), folder);
-    check_kind(path, folder);
+    opened.folder = platform::unique_file(
+        CreateFileW(path.c_str(), FILE_LIST_DIRECTORY | READ_CONTROL | WRITE_DAC, FILE_SHARE_READ, nullptr,
+                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (!opened.folder) raise_for(folder, "Cannot open dump folder [%1].");
+    const std::wstring inside = platform::final_path(opened.parent.get());
+    check(opened.folder.get(), folder, platform::join_path(inside, platform::file_name_of(folder)));
+    if (!platform::make_private(opened.folder.get())) raise_for(folder, "Cannot protect dump folder [%1].");
     return opened;
 }
 

@@ -26,15 +26,21 @@ public:
     // Writes one dump of the failure into an existing folder. The generator completes the path: it appends what makes
     // the name unique, and the extension. On failure it leaves no file and throws an exc exception.
     virtual void generate(const failure_t& failure, const std::wstring& path) = 0;
+
+    // Whether there is a dump. A generator that has crashed may leave one that ends early.
+    bool has_dump() const noexcept { return has_dump_; }
+
+protected:
+    bool has_dump_ = false;
 };
 
 // Starts a small program, the recorder, which writes the minidump from outside the crashed process.
 class COutOfProcDumpGen : public dump_gen_base_t {
 public:
-    // most_dumps: how many dumps the recorder leaves in the folder, including the new one. Throws exc::win_sys_exc_t
-    // "Cannot initialize out-of-process dump generator: failed to duplicate current process handle", with "Failed to
-    // create out-of-process dump generator" as its last part.
-    explicit COutOfProcDumpGen(unsigned most_dumps);
+    // most_dumps: how many dumps the recorder leaves in the folder, including the new one. program_folder: where its
+    // file is put. Throws exc::win_sys_exc_t "Cannot initialize out-of-process dump generator: failed to duplicate
+    // current process handle", with "Failed to create out-of-process dump generator" as its last part.
+    COutOfProcDumpGen(unsigned most_dumps, std::wstring program_folder);
 
     // Throws what recorder_file_t, start_recorder() and wait_for_recorder() throw, and exc::runtime_exc_t "Dump
     // generator process failed with %1: %2" with the exit code and its text.
@@ -44,6 +50,7 @@ private:
     std::wstring arguments(const failure_t& failure, const std::wstring& path) const;
 
     unsigned most_dumps_;
+    std::wstring program_folder_;
     platform::unique_handle process_;  // this process, inheritable
 };
 

@@ -9,7 +9,7 @@
 
 #include "common/crash/crash_entry.h"
 #include "common/crash/die.h"
-#include "common/crash/stack_frames.h"
+#include "common/platform/guarded_call.h"
 #include "common/crash/watchdog.h"
 #include "common/logging/log_exception.h"
 #include "common/logging/log_settings.h"
@@ -20,19 +20,18 @@ namespace {
 
 // Codes of failures that the C++ runtime reports and for which Windows has none.
 constexpr std::uint32_t terminate_code = 0xE0000001;          // std::terminate: an exception that nobody caught
-constexpr std::uint32_t pure_call_code = 0xE0000002;          // a call of a pure virtual function
 constexpr std::uint32_t abort_code = 0x40000015;              // STATUS_FATAL_APP_EXIT
 constexpr std::uint32_t heap_corruption_code = 0xC0000374;    // STATUS_HEAP_CORRUPTION
 constexpr std::uint32_t invalid_parameter_code = 0xC0000417;  // STATUS_INVALID_CRUNTIME_PARAMETER
 
 // What the main thread keeps for the handling of its own stack overflow.
-constexpr ULONG stack_guarantee = 131'072;
+constexpr ULONG main_stack_guarantee = 131'072;
 
-// What the search for a handler needs, with the last page, which is never used.
-constexpr std::size_t search_needs = 8192;
+// What every other thread keeps for the search for a handler and for on_unhandled_exception().
+constexpr ULONG stack_guarantee = 16'384;
 
 // The compiler refers to this function weakly: a static program has it only when something asks for it, and without
-// it a call of a pure virtual function jumps to address 0.
+// it a call of a pure virtual function jumps to address 0, not to std::terminate.
 [[gnu::used]] void (*const pure_call_function)() = &abi::__cxa_pure_virtual;
 
 // This compiler's C++ exceptions travel as system exceptions: thrown, unwound, unwound by force.
@@ -51,12 +50,11 @@ LONG WINAPI on_unhandled_exception(EXCEPTION_POINTERS* pointers) {
 // Whether the exception must be taken here, before any handler of the program sees it. Everything else reaches
 // on_unhandled_exception() when nobody handles it.
 bool ends_here(DWORD code) {
-    constexpr DWORD is_error = 0xC0000000;
     if (code == heap_corruption_code) return true;
-    if (code == EXCEPTION_STACK_OVERFLOW && stack_left() < search_needs) return true;
-    // A fault of a crash handler, or of the unwinder on a damaged stack. Windows ends a process at once whose
-    // unhandled-exception filter faults, and the search for a handler would unwind the same stack.
-    return (code & is_error) == is_error && (is_running_handlers() || is_unwinding());
+    // A stage of the handling has crashed. Windows does not call the unhandled-exception filter for a fault within the
+    // filter. System errors only: other languages throw their exceptions as application errors (0xE...).
+    const bool is_system_error = (code & 0xF0000000) == 0xC0000000;
+    return is_system_error && is_handling_crash() && !platform::is_in_guarded_call();
 }
 
 LONG WINAPI on_exception(EXCEPTION_POINTERS* pointers) {
@@ -77,20 +75,29 @@ LONG WINAPI on_exception(EXCEPTION_POINTERS* pointers) {
 }
 
 void on_abort(int) {
+    start_watchdog(abort_code);
     // The runtime has removed this handler; another thread, or a crash handler, may call abort as well.
     std::signal(SIGABRT, &on_abort);
     die_with(abort_code);
 }
 
+void keep_stack(ULONG guarantee) { SetThreadStackGuarantee(&guarantee); }
+
+// Also for threads that libraries start. A library that recovers from stack overflows can still do so.
+void NTAPI on_thread_start(void*, DWORD reason, void*) {
+    if (reason == DLL_THREAD_ATTACH) keep_stack(stack_guarantee);
+}
+
+// The system calls what the linker collects in these sections.
+[[gnu::used, gnu::section(".CRT$XLF")]] const PIMAGE_TLS_CALLBACK thread_callback = &on_thread_start;
+
 void install_hooks() noexcept {
     SetErrorMode(GetErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-    ULONG guarantee = stack_guarantee;
-    SetThreadStackGuarantee(&guarantee);
+    keep_stack(main_stack_guarantee);
     SetUnhandledExceptionFilter(&on_unhandled_exception);
     AddVectoredExceptionHandler(1, &on_exception);
     std::set_terminate([] { die_with(terminate_code); });
     std::signal(SIGABRT, &on_abort);
-    _set_purecall_handler([] { die_with(pure_call_code); });
     _set_invalid_parameter_handler([](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t) {
         die_with(invalid_parameter_code);
     });

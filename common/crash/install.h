@@ -5,9 +5,13 @@
 namespace crash {
 
 // From here on a crash on any thread leaves a dump (see handle_crash()) and ends the process with the code of its
-// exception: a fault or system exception that nobody handles, std::terminate, a pure virtual call, abort, an invalid
-// parameter of the C runtime, and heap corruption. No dialog window appears. The dumps go to the folder "Dumps" in the
-// given folder below the base log directory, beside the log.
+// exception: a fault or system exception that nobody handles, std::terminate (also for a pure virtual call), abort, an
+// invalid parameter of the C runtime, and heap corruption. No dialog window appears. The dumps go to the folder "Dumps"
+// in the given folder below the base log directory, beside the log.
+//
+// Not covered, because none of the hooks is called: a fast-fail (0xC0000409: __fastfail, and what a library's stack
+// cookie or control-flow guard reports), which goes from the kernel to Windows Error Reporting; and std::terminate,
+// abort and invalid parameters of the C runtime of a library that was built with another compiler.
 //
 // Call it on the main thread, which lives as long as the process, before anything else runs; later calls do nothing.
 // Never throws: what the system refuses is missing from the crash handling.

@@ -1,6 +1,7 @@
 #include "common/crash/debug_help.h"
 #include "common/crash/dump_folder.h"
 #include "common/crash/generators.h"
+#include "common/platform/guarded_call.h"
 #include "common/crash/recorder/minidump_file.h"
 #include "common/crash/watchdog.h"
 #include "common/exc/format_message.h"
@@ -36,11 +37,9 @@ void minidump_gen_t::generate(const failure_t& failure, const std::wstring& path
         exc::raise_win_error(code, exc::format_message("Cannot create a blank minidump file. File path: [%1].", shown));
     }
     MINIDUMP_EXCEPTION_INFORMATION exception{failure.thread_id, failure.pointers, FALSE};
-    if (write_minidump(writer, file.get(),
-                       {GetCurrentProcess(), GetCurrentProcessId(), &exception, watching_thread()})) {
-        return;
-    }
-    raise_system_error("MiniDumpWriteDump() function call has failed.");
+    const dump_source_t source{GetCurrentProcess(), GetCurrentProcessId(), &exception, watching_thread()};
+    has_dump_ = platform::call_guarded([&] { return write_minidump(writer, file.get(), source); });
+    if (!has_dump_) raise_system_error("MiniDumpWriteDump() function call has failed.");
 }
 
 }  // namespace crash::win32

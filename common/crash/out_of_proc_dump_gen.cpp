@@ -1,11 +1,13 @@
 #include "common/crash/generators.h"
+
+#include <utility>
+
 #include "common/crash/recorder/exit_codes.h"
 #include "common/crash/recorder_program.h"
 #include "common/crash/watchdog.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
-#include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"
 
@@ -28,8 +30,8 @@ platform::unique_handle duplicate_process_handle() {
 
 }  // namespace
 
-COutOfProcDumpGen::COutOfProcDumpGen(unsigned most_dumps)
-    : most_dumps_(most_dumps), process_(duplicate_process_handle()) {}
+COutOfProcDumpGen::COutOfProcDumpGen(unsigned most_dumps, std::wstring program_folder)
+    : most_dumps_(most_dumps), program_folder_(std::move(program_folder)), process_(duplicate_process_handle()) {}
 
 std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::wstring& path) const {
     const auto decimal = [](auto number) { return std::to_wstring(number) + L" "; };
@@ -43,11 +45,12 @@ std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::w
 
 void COutOfProcDumpGen::generate(const failure_t& failure, const std::wstring& path) {
     // Whoever can write to the program's folder can replace the program as well.
-    const recorder_file_t recorder(platform::parent_of(platform::program_path()));
+    const recorder_file_t recorder(program_folder_);
     logging::ormacon_tool.info(
         exc::format_message("Generating dump to %1", text::wide_to_utf8(platform::parent_of(path))));
     const std::uint32_t code = wait_for_recorder(start_recorder(recorder.path(), arguments(failure, path)));
-    if (code == recorder_success) return;
+    has_dump_ = code == recorder_success;
+    if (has_dump_) return;
     exc::raise(exc::format_message("Dump generator process failed with %1: %2",
                                    {std::to_string(code), recorder_exit_text(code)}));
 }

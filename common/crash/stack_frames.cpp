@@ -1,7 +1,6 @@
 #include "common/crash/stack_frames.h"
 
-#include <atomic>
-
+#include "common/platform/guarded_call.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 
@@ -9,8 +8,6 @@ namespace crash {
 namespace {
 
 constexpr std::size_t most_frames = 256;
-
-constinit std::atomic<DWORD> unwinding_thread{0};
 
 // A walk through a damaged stack must not crash once more.
 bool read_word(std::uint64_t address, std::uint64_t& value) {
@@ -36,15 +33,14 @@ bool leave_function(CONTEXT& context) {
     if (!read_word(context.Rsp, top)) return false;
     void* handler_data = nullptr;
     ULONG64 frame = 0;
-    unwinding_thread = GetCurrentThreadId();
-    RtlVirtualUnwind(UNW_FLAG_NHANDLER, image, context.Rip, function, &context, &handler_data, &frame, nullptr);
-    unwinding_thread = 0;
-    return true;
+    // The unwinder trusts the frame register.
+    return platform::call_guarded([&] {
+        RtlVirtualUnwind(UNW_FLAG_NHANDLER, image, context.Rip, function, &context, &handler_data, &frame, nullptr);
+        return true;
+    });
 }
 
 }  // namespace
-
-bool is_unwinding() noexcept { return unwinding_thread == GetCurrentThreadId(); }
 
 void check_architecture(WORD architecture) {
     if (architecture == PROCESSOR_ARCHITECTURE_AMD64) return;

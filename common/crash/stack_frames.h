@@ -12,12 +12,7 @@ namespace crash {
 void check_architecture(WORD architecture);
 
 // Calls visit(address of the instruction) for each frame that leads to this place in a thread of this process, the
-// innermost first; at most 256. A damaged stack ends the walk. A damaged frame register may crash it, because the
-// system's unwinder trusts it; so each frame is visited before the next one is looked for. Throws what
-// check_architecture() throws.
+// innermost first; at most 256. A damaged stack ends the walk. Throws what check_architecture() throws.
 void walk_stack(const CONTEXT& thread, const std::function<void(std::uint64_t)>& visit);
-
-// Whether the calling thread is in the system's unwinder, called by walk_stack().
-bool is_unwinding() noexcept;
 
 }  // namespace crash

@@ -29,6 +29,7 @@ void resume() {
     end = std::min<ULONGLONG>(end, GetTickCount64() + limit);
 }
 
+// For Wine, see prepare_watchdog().
 void end_with_main_thread() {
     DWORD code = 0;
     GetExitCodeThread(main_thread, &code);
@@ -58,8 +59,8 @@ void prepare_watchdog() noexcept {
 }
 
 void start_watchdog(std::uint32_t exit_status) noexcept {
-    status = exit_status;
-    grant(limit);
+    ULONGLONG never = 0;
+    if (end.compare_exchange_strong(never, GetTickCount64() + limit)) status = exit_status;
     SetEvent(started);
 }
 

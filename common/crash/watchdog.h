@@ -7,13 +7,14 @@
 
 namespace crash {
 
-// Creates the watching thread; call it on the main thread. The watching thread must not keep the process alive after
-// the main thread has ended (by ExitThread, or under Wine by a stack overflow that leaves no room for the report).
-// It therefore ends the process, with the main thread's exit code, or 1 if that is 0. If the watching thread cannot be
-// created, nothing ends a process that hangs.
+// Creates the watching thread; call it on the main thread. If it cannot be created, nothing ends a process that hangs.
+//
+// Only for Wine, it also ends the process when the main thread has ended, with that thread's exit code, or 1 if that is
+// 0: Wine silently ends a thread whose stack overflow leaves no room for the report, where Windows ends the process.
 void prepare_watchdog() noexcept;
 
-// Gives the handling of the crash one minute; after that, the process is ended with this exit status.
+// Gives the handling of the crash one minute; after that, the process is ended with this exit status. Needs no lock and
+// hardly any stack. Only the first call counts.
 void start_watchdog(std::uint32_t exit_status) noexcept;
 
 // Returns the id of the watching thread, or 0 if there is none. Whoever writes a dump of this process must not suspend

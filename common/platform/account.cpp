@@ -6,7 +6,6 @@
 #include "common/platform/owned.h"
 
 #include <aclapi.h>
-#include <sddl.h>
 
 namespace platform {
 namespace {
@@ -30,12 +29,40 @@ private:
     alignas(TOKEN_USER) std::array<unsigned char, sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE> buffer_{};
 };
 
-std::wstring account_text(PSID account) {
-    wchar_t* text = nullptr;
-    if (!ConvertSidToStringSidW(account, &text)) return L"unknown";
-    const unique_local held(text);
-    return text;
-}
+// Full access for SYSTEM, Administrators and the current account, for the folder and what is created in it. Made
+// without text forms, whose conversion may load libraries: a crashed thread may hold the loader's lock.
+class private_rights_t {
+public:
+    private_rights_t() {
+        InitializeAcl(&list_.acl, sizeof list_, ACL_REVISION);
+        for (const WELL_KNOWN_SID_TYPE type : {WinLocalSystemSid, WinBuiltinAdministratorsSid}) {
+            std::array<unsigned char, SECURITY_MAX_SID_SIZE> account{};
+            auto size = static_cast<DWORD>(account.size());
+            CreateWellKnownSid(type, nullptr, account.data(), &size);
+            grant(account.data());
+        }
+        grant(current_account_t().sid());
+        InitializeSecurityDescriptor(&descriptor_, SECURITY_DESCRIPTOR_REVISION);
+        SetSecurityDescriptorDacl(&descriptor_, TRUE, &list_.acl, FALSE);
+        SetSecurityDescriptorControl(&descriptor_, SE_DACL_PROTECTED, SE_DACL_PROTECTED);
+    }
+    private_rights_t(const private_rights_t&) = delete;
+    private_rights_t& operator=(const private_rights_t&) = delete;
+
+    SECURITY_DESCRIPTOR* descriptor() { return &descriptor_; }
+
+private:
+    void grant(PSID account) {
+        AddAccessAllowedAceEx(&list_.acl, ACL_REVISION, OBJECT_INHERIT_ACE | CONTAINER_INHERIT_ACE, FILE_ALL_ACCESS,
+                              account);
+    }
+
+    SECURITY_DESCRIPTOR descriptor_{};
+    union {
+        ACL acl;
+        unsigned char room[sizeof(ACL) + 3 * (sizeof(ACCESS_ALLOWED_ACE) + SECURITY_MAX_SID_SIZE)];
+    } list_{};
+};
 
 }  // namespace
 
@@ -55,15 +82,20 @@ bool has_trusted_owner(HANDLE opened) {
 }
 
 bool create_private_folder(const std::wstring& path) {
-    const std::wstring rights =
-        L"D:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;FA;;;" + account_text(current_account_t().sid()) + L")";
-    unique_local descriptor;
-    if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(rights.c_str(), SDDL_REVISION_1, descriptor.put(),
-                                                              nullptr)) {
-        return false;
-    }
-    SECURITY_ATTRIBUTES attributes{sizeof attributes, descriptor.get(), FALSE};
+    private_rights_t rights;
+    SECURITY_ATTRIBUTES attributes{sizeof attributes, rights.descriptor(), FALSE};
     return CreateDirectoryW(path.c_str(), &attributes) != FALSE;
+}
+
+bool make_private(HANDLE folder) {
+    DWORD features = 0;
+    if (GetVolumeInformationByHandleW(folder, nullptr, 0, nullptr, nullptr, &features, nullptr, 0) &&
+        (features & FILE_PERSISTENT_ACLS) == 0) {
+        return true;
+    }
+    private_rights_t rights;
+    return SetKernelObjectSecurity(folder, DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
+                                   rights.descriptor()) != FALSE;
 }
 
 }  // namespace platform

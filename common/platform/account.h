@@ -20,4 +20,9 @@ bool has_trusted_owner(HANDLE opened);
 // Throws like is_trusted_owner().
 bool create_private_folder(const std::wstring& path);
 
+// Gives an open folder, whose handle needs WRITE_DAC access, the permissions of a private one. What is already in the
+// folder keeps its own: others may have put links to their victims there. Returns true if the file system has no
+// permissions. On failure, returns false with the last error set. Throws like is_trusted_owner().
+bool make_private(HANDLE folder);
+
 }  // namespace platform
