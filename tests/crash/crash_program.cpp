@@ -3,7 +3,9 @@
 #include <cstring>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <thread>
+#include <utility>
 
 #include <boost/make_shared.hpp>
 
@@ -56,10 +58,10 @@ struct derived_t : base_t {
     void pure() override {}
 };
 
-const HANDLE blocked = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+const HANDLE happened = CreateEventW(nullptr, TRUE, FALSE, nullptr);
 struct blocking_sink_t : logging::receiver::sink_t {
     void write_line(const logging::line_t&) override {
-        SetEvent(blocked);
+        SetEvent(happened);
         Sleep(INFINITE);
     }
 };
@@ -90,12 +92,134 @@ WAY log_lock_held() {
         logging::process_logger().attach(boost::make_shared<blocking_sink_t>());
         logging::ormacon_tool.info("reaches the sinks before that one");
     }).detach();
-    WaitForSingleObject(blocked, INFINITE);
+    WaitForSingleObject(happened, INFINITE);
     std::thread(write_through_null).join();
 }
 WAY crash_while_exiting() {
     std::atexit(write_through_null);
     std::exit(0);
+}
+// What the handling calls, and where it can be made to fail. The linker looks for an imported function by these names.
+bool is_clock_fast = false;
+bool is_planted = false;
+void fault_in_handling();
+
+// Found before anything runs: finding needs the loader's lock.
+template <class Function>
+Function real(Function, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), name)));
+}
+const auto real_clock = real(&GetTickCount64, "GetTickCount64");
+const auto real_search = real(&FindFirstFileW, "FindFirstFileW");
+const auto real_standard = real(&GetStdHandle, "GetStdHandle");
+const auto real_load = real(&LoadLibraryExW, "LoadLibraryExW");
+
+ULONGLONG WINAPI clock_or_fast() { return real_clock() * (is_clock_fast ? 100 : 1); }
+HANDLE WINAPI search_or_fault(LPCWSTR name, WIN32_FIND_DATAW* entry) {
+    static bool again = false;
+    if (is_planted && !std::exchange(again, true)) fault_in_handling();
+    return real_search(name, entry);
+}
+HANDLE WINAPI standard_or_fault(DWORD number) {
+    if (is_planted) fault_in_handling();
+    return real_standard(number);
+}
+// Without the real debug-help library, this program is one: it has a writer that survives a fault and not the next one.
+HMODULE WINAPI load_or_this(LPCWSTR name, HANDLE file, DWORD flags) {
+    return is_planted ? GetModuleHandleW(nullptr) : real_load(name, file, flags);
+}
+extern "C" {
+decltype(&clock_or_fast) __imp_GetTickCount64 = clock_or_fast;
+decltype(&search_or_fault) __imp_FindFirstFileW = search_or_fault;
+decltype(&standard_or_fault) __imp_GetStdHandle = standard_or_fault;
+decltype(&load_or_this) __imp_LoadLibraryExW = load_or_this;
+void ormacon_guarded_frame(void (*function)(), void* argument);
+}
+WAY MiniDumpWriteDump() {
+    ormacon_guarded_frame(write_through_null, nullptr);
+    logging::ormacon_tool.info("The library goes on.");
+    fault_in_handling();
+}
+
+// Windows ends a process at once if its filter faults.
+void fault_in_handling() {
+    SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { std::_Exit(9); });
+    write_through_null();
+}
+struct faulting_sink_t : logging::receiver::sink_t {
+    explicit faulting_sink_t(std::string_view place) : place_(place) {}
+    void write_line(const logging::line_t& line) override {
+        if (line.record.text.find(place_) != std::string_view::npos) fault_in_handling();
+    }
+    std::string_view place_;
+};
+void plant_faults() {
+    crash::register_handler(fault_in_handling);
+    for (const auto* place : {"Trying to", "handler has failed", "Generating dump", "Writing legacy dump"}) {
+        logging::process_logger().attach(boost::make_shared<faulting_sink_t>(place));
+    }
+    is_planted = true;
+}
+WAY faults_in_filter() {
+    plant_faults();
+    write_through_null();
+}
+WAY faults_in_vectored_handler() {
+    plant_faults();
+    heap_corruption();
+}
+WAY hanging_handler() {
+    is_clock_fast = true;
+    crash::register_handler([] { Sleep(INFINITE); });
+    write_through_null();
+}
+// Last of all that see an exception before the filter.
+LONG WINAPI notice_exception(EXCEPTION_POINTERS*) {
+    SetEvent(happened);
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+WAY two_at_once() {
+    crash::register_handler([] {
+        ResetEvent(happened);
+        std::thread([] { RaiseException(EXCEPTION_INT_DIVIDE_BY_ZERO, 0, 0, nullptr); }).detach();
+        WaitForSingleObject(happened, INFINITE);
+    });
+    AddVectoredExceptionHandler(0, notice_exception);
+    write_through_null();
+}
+WAY loader_lock_held() {
+    run_on_second_thread([] {
+        const auto lock = reinterpret_cast<LONG(NTAPI*)(ULONG, ULONG*, ULONG_PTR*)>(
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "LdrLockLoaderLock")));
+        ULONG_PTR cookie = 0;
+        lock(0, nullptr, &cookie);
+        overflow_stack();
+    });
+}
+// A thread of a library that recovers from the overflow of its stack.
+CONTEXT before_overflow;
+LONG WINAPI recover(EXCEPTION_POINTERS* pointers) {
+    if (pointers->ExceptionRecord->ExceptionCode != EXCEPTION_STACK_OVERFLOW) return EXCEPTION_CONTINUE_SEARCH;
+    SetEvent(happened);
+    *pointers->ContextRecord = before_overflow;
+    return EXCEPTION_CONTINUE_EXECUTION;
+}
+WAY stack_overflow_recovered() {
+    AddVectoredExceptionHandler(0, recover);
+    run_on_second_thread([] {
+        RtlCaptureContext(&before_overflow);
+        if (WaitForSingleObject(happened, 0) == WAIT_TIMEOUT) overflow_stack();
+    });
+}
+// What was freed is changed, and the heap relies on it. Windows reports that, Wine faults.
+WAY damaged_heap() {
+    const HANDLE heap = HeapCreate(0, 0, 0);
+    for (int i = 0; i < 2; ++i) {
+        void* const block = HeapAlloc(heap, 0, 5000);
+        HeapAlloc(heap, 0, 16);
+        HeapFree(heap, 0, block);
+        std::memset(block, 0x41, 5000);
+    }
 }
 WAY faulting_handler() {
     crash::register_handler(write_through_null);

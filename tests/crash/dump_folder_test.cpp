@@ -1,24 +1,56 @@
 #include "common/crash/dump_folder.h"
 
 #include "common/platform/account.h"
+#include "common/text/convert.h"
 #include "tests/crash/dump_folder_fixture.h"
+#include "tests/crash/hooked_calls.h"
 #include "tests/support/access_list.h"
 
 namespace {
 
 using testing::HasSubstr;
 
-TEST_F(DumpFolder, OthersHaveNoRights) {
-    const boost::filesystem::path dumps = folder / "a" / "Dumps";
-    const platform::unique_file opened = crash::open_dump_folder(dumps.wstring());
-    EXPECT_TRUE(opened);
-    EXPECT_TRUE(crash::open_dump_folder(dumps.wstring()));
-    EXPECT_FALSE(MoveFileW(dumps.c_str(), (dumps.wstring() + L"_").c_str()));
-    // Wine stores no more of an access list than what its own folders can express.
-    EXPECT_THAT(test_support::access_list(folder.native()), HasSubstr(L";WD)"));
-    EXPECT_THAT(test_support::access_list(dumps.native()),
-                AllOf(Not(HasSubstr(L";WD)")), Not(HasSubstr(L";BU)")), HasSubstr(L";FA;;;SY)")));
+void open_to_everyone(const boost::filesystem::path& path) {
+    platform::unique_local descriptor;
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;OICI;FA;;;WD)", SDDL_REVISION_1, descriptor.put(),
+                                                         nullptr);
+    ASSERT_TRUE(SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor.get()));
+    ASSERT_THAT(test_support::access_list(path.native()), HasSubstr(L";WD)"));
+}
 
+TEST_F(DumpFolder, OthersHaveNoRights) {
+    const boost::filesystem::path dumps = folder / "Dumps";
+    const boost::filesystem::path planted = dumps / "planted";
+    open_to_everyone(folder);
+    for (const bool existed : {false, true}) {
+        if (existed) {
+            open_to_everyone(dumps);
+            std::ofstream(planted.c_str()) << "x";
+            open_to_everyone(planted);
+        }
+        const crash::dump_folder_t opened = crash::open_dump_folder(dumps.wstring());
+        EXPECT_TRUE(crash::open_dump_folder(dumps.wstring()).folder) << "by another program";
+        EXPECT_FALSE(MoveFileW(dumps.c_str(), (dumps.wstring() + L"_").c_str()));
+        EXPECT_FALSE(MoveFileW(folder.c_str(), (folder.wstring() + L"_").c_str()));
+        EXPECT_THAT(test_support::access_list(dumps.native()),
+                    AllOf(Not(HasSubstr(L";WD)")), Not(HasSubstr(L";BU)")), HasSubstr(L";FA;;;SY)")));
+    }
+    EXPECT_THAT(test_support::access_list(planted.native()), HasSubstr(L";WD)"));
+}
+
+TEST_F(DumpFolder, FolderThatIsSwappedBetweenLookAndUseIsRefused) {
+    const std::wstring dumps = (folder / "Dumps").wstring();
+    crash::open_dump_folder((folder / "elsewhere" / "Dumps").wstring());
+    hooked::create_file = [&](std::wstring& path, DWORD) -> DWORD {
+        if (path.ends_with(L"\\Dumps")) path = (folder / "elsewhere" / "Dumps").wstring();
+        return 0;
+    };
+    EXPECT_THAT([&] { crash::open_dump_folder(dumps); },
+                Fails("Dump folder [" + text::wide_to_utf8(dumps) + "] is a link."));
+    hooked::create_file = nullptr;
+}
+
+TEST(TrustedOwner, IsTheSystemOrAnAdministrator) {
     const std::pair<WELL_KNOWN_SID_TYPE, bool> owners[] = {{WinLocalSystemSid, true},
                                                            {WinBuiltinAdministratorsSid, true},
                                                            {WinWorldSid, false},

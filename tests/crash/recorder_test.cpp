@@ -3,13 +3,17 @@
 #include "common/crash/recorder/ntdll.h"
 #include "common/crash/recorder_program.h"
 #include "common/exc/format_message.h"
+#include "common/exc/raise.h"
+#include "common/platform/module.h"
 #include "common/text/convert.h"
 #include "tests/crash/dump_folder_fixture.h"
+#include "tests/crash/hooked_calls.h"
 #include "tests/support/recording_sink.h"
 
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::UnorderedElementsAre;
 
 const std::string name_too_long(300, 'x');
@@ -67,7 +71,7 @@ TEST_F(Recorder, NeedsNtdll) {
     const auto find_in = [&](const wchar_t* module) { return shown(find_ntdll(LoadLibraryW(module), functions)); };
     EXPECT_EQ(find_in(L"missing.dll"), "108: NTDLL is not loaded");
     EXPECT_EQ(find_in(L"kernel32.dll"), "109: memset is not exported from NTDLL");
-    EXPECT_EQ(find_in(L"vcruntime140.dll"), "110: _vsnwprintf is not exported from NTDLL");
+    EXPECT_EQ(find_in(L"ucrtbase.dll"), "110: _vsnwprintf is not exported from NTDLL");
     EXPECT_EQ(find_in(L"ntdll.dll"), "0: success");
     EXPECT_EQ(shown(0xC0000005), "3221225477: unexpected exit code");
 
@@ -90,13 +94,43 @@ TEST_F(Recorder, FileIsReplacedAndRenamedByNobody) {
         EXPECT_FALSE(platform::unique_file(
             CreateFileW(path.c_str(), GENERIC_WRITE, 7, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
         EXPECT_THAT([&] { crash::recorder_file_t(folder.wstring(), 50); },
-                    Fails(testing::HasSubstr("Failed to create dump recorder file: " + text::wide_to_utf8(path))));
+                    Fails(HasSubstr("Failed to create dump recorder file: " + text::wide_to_utf8(path))));
         const platform::unique_module image(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
         EXPECT_NE(FindResourceW(image.get(), MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(24)), nullptr) << "no manifest";
     }
     EXPECT_THAT(names(), testing::IsEmpty());
     EXPECT_THAT([&] { crash::recorder_file_t((folder / "missing").wstring()); },
-                Fails(testing::HasSubstr("Failed to create dump recorder file: ")));
+                Fails(HasSubstr("Failed to create dump recorder file: ")));
+}
+
+TEST_F(Recorder, FailedStartLeavesNoFile) {
+    const std::wstring name = L"TovakDumpRecorder";
+    const std::string path = text::wide_to_utf8((folder / name).wstring());
+    const auto text_of = [](DWORD code) { return exc::get_error_text(code) + "\n"; };
+    const auto make = [&] { crash::recorder_file_t(folder.wstring()); };
+
+    hooked::write_file_failure = ERROR_DISK_FULL;
+    EXPECT_THAT(make, Fails(HasSubstr(text_of(ERROR_DISK_FULL) + "Failed to write dump recorder code to " + path)));
+    hooked::write_file_failure = 0;
+
+    hooked::create_file = [](std::wstring&, DWORD disposition) -> DWORD {
+        return disposition == OPEN_EXISTING ? ERROR_TOO_MANY_OPEN_FILES : 0;
+    };
+    EXPECT_THAT(make, Fails(HasSubstr(text_of(ERROR_TOO_MANY_OPEN_FILES) +
+                                      "Failed to re-open dump recorder for deletion: " + path)));
+    hooked::create_file = nullptr;
+
+    EXPECT_THAT(
+        [&] { crash::start_recorder((folder / name).wstring(), L""); },
+        Fails(HasSubstr(text_of(ERROR_FILE_NOT_FOUND) + "Failed to start dump generator process. File: " + path)));
+
+    hooked::duplicate_handle_failure = ERROR_ACCESS_DENIED;
+    EXPECT_THAT([] { crash::win32::COutOfProcDumpGen generator(1, L""); },
+                Fails(AllOf(HasSubstr(text_of(ERROR_ACCESS_DENIED) + "Cannot initialize out-of-process dump generator: "
+                                                                     "failed to duplicate current process handle"),
+                            testing::EndsWith("\nFailed to create out-of-process dump generator"))));
+    hooked::duplicate_handle_failure = 0;
+    EXPECT_THAT(names(), testing::IsEmpty());
 }
 
 TEST_F(Recorder, CleansUpAsTheProgramDoes) {
@@ -109,7 +143,7 @@ TEST_F(Recorder, CleansUpAsTheProgramDoes) {
         }
         return "done";
     };
-    const auto path_of = [&](const char* name) { return (folder / name).string(); };
+    const auto path_of = [&](const char* name) { return text::wide_to_utf8((folder / name).wstring()); };
     const std::pair<const wchar_t*, int> files[] = {
         {L"a_crash_1.mdmp", 9}, {L"A_CRASH_2-EXCEPTIONS.LOG", 8}, {L"a_crash_3.MDMP", 7}, {L"a_crash_B.mdmp", 6},
         {L"a_crash_a.mdmp", 6}, {L"a_crash_4.mdmp.txt", 10},      {L"a.mdmp", 10},
@@ -135,7 +169,7 @@ TEST_F(Recorder, CleansUpAsTheProgramDoes) {
                     UnorderedElementsAre(L"a_crash_1.mdmp", L"a_crash_B.mdmp", L"a_crash_4.mdmp.txt", L"a.mdmp"));
         if (!by_recorder) {
             EXPECT_THAT(log.lines(),
-                        ElementsAre("WARN|Sharing violation.",
+                        ElementsAre("WARN|" + exc::get_error_text(ERROR_SHARING_VIOLATION),
                                     "WARN|Old dump cannot be removed. Dump path: [" + path_of("a_crash_1.mdmp") + "].",
                                     "WARN|--tr:Error code: 0x00000020",
                                     "Dump [" + path_of("A_CRASH_2-EXCEPTIONS.LOG") + "] deleted.",
@@ -151,8 +185,8 @@ TEST_F(Recorder, IsEndedWhenItTakesTooLong) {
     STARTUPINFOW start{};
     start.cb = sizeof start;
     PROCESS_INFORMATION process{};
-    ASSERT_TRUE(CreateProcessW(L"C:\\windows\\system32\\hostname.exe", nullptr, nullptr, nullptr, FALSE,
-                               CREATE_SUSPENDED, nullptr, nullptr, &start, &process));
+    ASSERT_TRUE(CreateProcessW(platform::program_path().c_str(), nullptr, nullptr, nullptr, FALSE, CREATE_SUSPENDED,
+                               nullptr, nullptr, &start, &process));
     const platform::unique_handle thread(process.hThread), hanging(process.hProcess);
     EXPECT_THAT([&] { crash::wait_for_recorder(hanging, 1); },
                 Fails("Timed out waiting for dump generator process to finish"));
