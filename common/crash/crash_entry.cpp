@@ -84,7 +84,7 @@ void prepare_folder(state_t& state) {
     });
 }
 
-// In the order of their worth.
+// The best one comes first.
 boost::shared_ptr<win32::dump_gen_base_t> make_generator(std::size_t number) {
     if (number == 0) return boost::make_shared<win32::COutOfProcDumpGen>(most_dumps, folders.load()->program);
     if (number == 1) return boost::make_shared<win32::minidump_gen_t>();

@@ -14,7 +14,7 @@ namespace crash {
 // abort and invalid parameters of the C runtime of a library that was built with another compiler.
 //
 // Call it on the main thread, which lives as long as the process, before anything else runs; later calls do nothing.
-// Never throws: what the system refuses is missing from the crash handling.
+// Never throws: if the system refuses a part of this, the crash handling works without that part.
 void install(const std::wstring& log_folder) noexcept;
 
 }  // namespace crash

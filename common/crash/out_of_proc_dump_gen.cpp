@@ -44,7 +44,7 @@ std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::w
 }
 
 void COutOfProcDumpGen::generate(const failure_t& failure, const std::wstring& path) {
-    // Whoever can write to the program's folder can replace the program as well.
+    // Anyone who can write to the program's folder can replace the program as well.
     const recorder_file_t recorder(program_folder_);
     logging::ormacon_tool.info(
         exc::format_message("Generating dump to %1", text::wide_to_utf8(platform::parent_of(path))));

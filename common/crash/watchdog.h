@@ -17,8 +17,8 @@ void prepare_watchdog() noexcept;
 // hardly any stack. Only the first call counts.
 void start_watchdog(std::uint32_t exit_status) noexcept;
 
-// Returns the id of the watching thread, or 0 if there is none. Whoever writes a dump of this process must not suspend
-// that thread.
+// Returns the id of the watching thread, or 0 if there is none. A program that writes a dump of this process must not
+// suspend that thread.
 std::uint32_t watching_thread() noexcept;
 
 // For the thread that handles the crash, while it waits for another process to write the dump. Waiting does not use up

@@ -98,7 +98,7 @@ private:
         return false;
     }
 
-    // What does not fill a word of the process is no address.
+    // A value that does not fill a word of the process is not an address.
     void filter_words(unsigned char* words, ULONG64 size) const {
         for (; size >= sizeof(ULONG64); size -= sizeof(ULONG64), words += sizeof(ULONG64)) {
             const ULONG64 value = *reinterpret_cast<const UNALIGNED ULONG64*>(words);

@@ -12,7 +12,7 @@ namespace crash {
 // - in memory contents outside of modules, every 8 bytes that are not an address within a module or a stack;
 // - in thread contexts, every integer register that is not such an address, and everything except the integer registers
 //   and the place of execution.
-// Returns false with the last error set when the file is no minidump or cannot be mapped.
+// Returns false with the last error set when the file is not a minidump or cannot be mapped.
 bool filter_values(HANDLE file);
 
 }  // namespace crash
