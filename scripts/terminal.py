@@ -10,6 +10,7 @@ import os
 import pathlib
 import queue
 import shlex
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -195,7 +196,18 @@ def show(text):
         os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
 
 
+def run_unattended(command):
+    """Nobody types. The output goes to a file, beside which the program uses the terminal as it likes."""
+    with tempfile.NamedTemporaryFile() as output, \
+            Terminal(["bash", "-c", 'exec "${@:2}" >"$1" 2>&1', "bash", output.name, *command]) as terminal:
+        terminal.wait(terminal.ended, WAIT_LIMIT)
+        shutil.copyfileobj(output, sys.stdout.buffer)
+        return terminal.exit_status()
+
+
 def main():
+    if sys.argv[1] == "--unattended":
+        return run_unattended(sys.argv[2:])
     if sys.stdin:
         sys.stdin.reconfigure(encoding="utf-8", errors="replace", newline="\n")
     with Terminal(sys.argv[1:], columns=COLUMNS) as terminal:

@@ -67,6 +67,7 @@ class ConsoleTest(unittest.TestCase):
         prepare_windows_environment()
         # What a run that was interrupted has set, such as limits of the log.
         run_quietly("wine64", "reg", "delete", SETTINGS, "/f", check=False)
+        cls.addClassCleanup(run_quietly, "wine64", "reg", "delete", SETTINGS, "/f", check=False)
 
     def setUp(self):
         self.folder = os.path.join(WORK, "runs", self.id().split(".", 1)[1])
@@ -140,12 +141,6 @@ class ConsoleTest(unittest.TestCase):
             self.assertRegex(line, LINE_START)
         return [LINE_START.sub("", line, count=1) for line in lines]
 
-    def printed(self):
-        """What the last run printed to the console, including trailing spaces and line ends."""
-        last_run = "\n".join(self.log()).split("=" * 84 + "\n")[-1]
-        next_line = r"(?=\n(?:Print to|Read from|Calling|Executing|Cannot) )"
-        return re.findall(r"^Print to console \[(.*?)\]$" + next_line, last_run, re.M | re.S)
-
     def calls(self):
         """How often each library function was called in the last run. All of its memory must have been freed."""
         first, *rest = self.read("report.txt").splitlines()
@@ -153,12 +148,6 @@ class ConsoleTest(unittest.TestCase):
         self.assertTrue(given and given[1] == given[2] and given[3] == given[4], first)
         counts = (line.split("=") for line in rest if not line.startswith("Free"))
         return {name: int(count) for name, count in counts}
-
-    def stored_password(self):
-        """As the library itself gives it out."""
-        reader = shutil.copy(os.path.join(HELPERS, "password_reader.exe"), self.folder)
-        units = subprocess.run(["wine64", reader], capture_output=True, text=True, check=True).stdout.split()
-        return b"".join(int(unit, 16).to_bytes(2, "little") for unit in units).decode("utf-16-le")
 
     def programs(self):
         """The process ids of this test's programs that still run."""

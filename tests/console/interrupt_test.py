@@ -4,12 +4,17 @@ import time
 import unittest
 
 from console_kit import HELPERS, SECONDS, ConsoleTest
-from wizard_test import FIRST
 
 COUNT = os.environ.get("ORMACON_INTERRUPTS")  # for scripts/soak.sh
 RUNS = int(COUNT or 30)
 CLOSED_WINDOWS = int(COUNT or 3)
 PROMPT = r"Enter password for CORP\oracle: "
+# Of the wizard on a host without a configuration.
+FIRST = [("Enter backup server name or IP address : ", "h.example.org"), ("Enter backup server port 0: ", "10006"),
+         ("Enter username: ", r"CORP\oracle"), (PROMPT, "s3cret-word"),
+         ("Specify up to 4 Tovak repositories to use as target using whitespace as a separator: ", "3 1"),
+         ("Enter the number of data streams (1-64) to run in parallel for each repository (RMAN DEVICE PARALLELISM "
+          "value). Channel count per device [1]: ", "8")]
 
 
 class Interrupts(ConsoleTest):

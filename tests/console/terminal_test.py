@@ -4,7 +4,7 @@ import subprocess
 import sys
 import unittest
 
-from console_kit import ROOT, SECONDS, ConsoleTest, run_quietly
+from console_kit import ROOT, SECONDS, ConsoleTest
 
 MORE = "!! the program asked for more lines than the input has; its terminal was closed\n"
 HOST = "Enter backup server name or IP address :"
@@ -34,11 +34,6 @@ class Typing(ConsoleTest):
             self.assertEqual((0, f"Enter password for {account}:", ""),
                              self.typed(b"x;\n" + more, "--set-credentials", account))
             self.assertEqual({"SetCredentialsDirect": 1}, self.calls())
-
-    def test_without_a_console_nothing_is_asked_twice(self):
-        for _ in range(2):
-            run_quietly("wine64", self.path("Ormacon.exe"), "--wizard")
-        self.assertEqual(2, self.log().count("Read from console []") - self.log().count("Received value []"))
 
     def test_the_rest_of_a_hidden_line_is_dropped(self):
         for length in (1022, 1023, 1024, 1025, 3000):

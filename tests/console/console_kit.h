@@ -1,0 +1,164 @@
+// Ormacon.exe as its user sees it. The test program is the user: it types in the console of both, and reads the screen.
+// All texts are UTF-8.
+#pragma once
+
+#include <array>
+#include <deque>
+
+#include <boost/algorithm/string.hpp>
+
+#include "common/logging/log_settings.h"
+#include "common/platform/owned.h"
+#include "common/text/convert.h"
+#include "tests/logging/log_test_kit.h"
+
+namespace console_test {
+
+namespace fs = std::filesystem;
+using test_support::FileText;
+using Dialogue = std::vector<std::pair<std::string, std::string>>;  // what is printed up to a question, and the answer
+
+inline SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+constexpr DWORD all_rights = GENERIC_READ | GENERIC_WRITE, all_sharing = FILE_SHARE_READ | FILE_SHARE_WRITE;
+
+inline platform::unique_file Open(const fs::path& name, DWORD how = OPEN_EXISTING) {
+    return platform::unique_file(CreateFileW(name.c_str(), all_rights, all_sharing, &inheritable, how, 0, nullptr));
+}
+
+// As long as it exists, the console shows a fresh screen.
+class CConsole {
+public:
+    CConsole() {
+        SetConsoleScreenBufferSize(screen(), {500, 400});  // some consoles keep to the size of their window
+        SetConsoleActiveScreenBuffer(screen());
+        FlushConsoleInputBuffer(input());
+    }
+    ~CConsole() { SetConsoleActiveScreenBuffer(usual_screen_.get()); }
+    CConsole(const CConsole&) = delete;
+    CConsole& operator=(const CConsole&) = delete;
+
+    HANDLE input() const { return input_.get(); }
+    HANDLE screen() const { return screen_.get(); }
+
+    void TypeLine(const std::string& line) const {
+        std::vector<INPUT_RECORD> keys;
+        for (const wchar_t unit : text::utf8_to_wide(line) + L'\r') {
+            const WORD key = unit == L'\r' ? VK_RETURN : 0;
+            for (const BOOL down : {TRUE, FALSE}) keys.push_back({KEY_EVENT, {{down, 1, key, 0, {unit}, 0}}});
+        }
+        DWORD typed = 0;
+        EXPECT_TRUE(WriteConsoleInputW(input(), keys.data(), static_cast<DWORD>(keys.size()), &typed));
+    }
+
+    // The rows down to the cursor. Blanks at their ends are left out, except before the cursor.
+    std::string Rows() const {
+        const auto [columns, lines] = State().dwSize;
+        const auto [x, last] = State().dwCursorPosition;
+        std::wstring rows;
+        for (SHORT y = 0; y <= last; ++y) {
+            std::wstring row(static_cast<std::size_t>(y < last ? columns : x), L' ');
+            DWORD read = 0;
+            ReadConsoleOutputCharacterW(screen(), row.data(), static_cast<DWORD>(row.size()), {0, y}, &read);
+            rows += y < last ? boost::trim_right_copy(row) + L'\n' : row;
+        }
+        return text::wide_to_utf8(rows);
+    }
+
+    // The rows in which the console shows a text, as far back as it keeps them.
+    std::string RowsOf(const std::string& printed) const {
+        const auto [columns, lines] = State().dwSize;
+        std::deque<std::wstring> rows{L""};
+        for (const wchar_t unit : text::utf8_to_wide(printed)) {
+            if (unit == L'\n' || rows.back().size() == static_cast<std::size_t>(columns)) {
+                boost::trim_right(rows.back());
+                rows.emplace_back();
+            }
+            if (unit != L'\n') rows.back() += unit;
+            if (rows.size() > static_cast<std::size_t>(lines)) rows.pop_front();
+        }
+        return text::wide_to_utf8(boost::join(rows, L"\n"));
+    }
+
+private:
+    CONSOLE_SCREEN_BUFFER_INFO State() const {
+        CONSOLE_SCREEN_BUFFER_INFO state{};
+        EXPECT_TRUE(GetConsoleScreenBufferInfo(screen(), &state));
+        return state;
+    }
+
+    const BOOL made_ = AllocConsole();  // refused where there is one
+    const platform::unique_file usual_screen_ = Open("CONOUT$"), input_ = Open("CONIN$"),
+                                screen_{CreateConsoleScreenBuffer(all_rights, all_sharing, &inheritable,
+                                                                  CONSOLE_TEXTMODE_BUFFER, nullptr)};
+};
+
+inline std::string EndOf(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    stream.seekg(-static_cast<std::streamoff>(std::min<std::uintmax_t>(fs::file_size(file), 300'000)), std::ios::end);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// What the process that had this number last has logged, without time and thread, wherever this machine keeps the logs.
+inline std::string LogOf(DWORD process) {
+    std::string log;
+    const std::string separator = "> " + std::string(77, '=') + "\r\n";
+    auto newest = fs::file_time_type::min();
+    for (const auto& file : fs::directory_iterator(logging::log_folder_path(L"RmanPluginLogs"))) {
+        if (file.path().extension() != ".log") continue;
+        std::string text = EndOf(file);
+        const std::string id = "> Process Id: " + std::to_string(process) + "\r\n";
+        const fs::path archive = file.path().wstring() + L".gz";
+        if (text.find(id) == std::string::npos && fs::exists(archive)) text = log_test::read_gzip(archive) + text;
+        const std::size_t begin = text.rfind(id);
+        if (begin == std::string::npos || file.last_write_time() < newest) continue;
+        newest = file.last_write_time();
+        const std::size_t end = text.find(separator, text.find(separator, begin) + 1);  // of the next header
+        log = std::regex_replace(text.substr(begin, text.rfind("\r\n", end) + 2 - begin),
+                                 std::regex("\\r\\n(\\[.{19}\\] <.{6}> )?"), "\n");
+    }
+    return log;
+}
+
+// A run of the program. The streams are input, output and error.
+class CProcess {
+public:
+    CProcess(const fs::path& program, const std::string& options, std::array<HANDLE, 3> streams, DWORD flags = 0) {
+        STARTUPINFOW how{};
+        how.cb = sizeof how;
+        how.dwFlags = STARTF_USESTDHANDLES;
+        how.hStdInput = streams[0], how.hStdOutput = streams[1], how.hStdError = streams[2];
+        std::wstring line = L"Ormacon " + text::utf8_to_wide(options);
+        PROCESS_INFORMATION started{};
+        EXPECT_TRUE(CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr, &how,
+                                   &started));
+        CloseHandle(started.hThread);
+        process_.reset(started.hProcess);
+    }
+
+    // Waits for each question and answers it. The limit is for a machine that has other work to do.
+    void Answer(const CConsole& console, const Dialogue& dialogue) const {
+        for (const auto& [question, answer] : dialogue) {
+            const auto is_asked = [&] { return boost::ends_with(console.Rows(), console.RowsOf(question)); };
+            for (int i = 0; i < 60'000 && !is_asked() && WaitForSingleObject(process_.get(), 2) == WAIT_TIMEOUT;) ++i;
+            if (!is_asked()) {
+                ADD_FAILURE() << question << "\nis not asked. The screen:\n" << console.Rows();
+                TerminateProcess(process_.get(), 1);
+                return;
+            }
+            console.TypeLine(answer);
+        }
+    }
+
+    // Waits for the end, and returns the log. The exit status of every run that reaches its end is 0.
+    std::string Finish() const {
+        DWORD status = 0;
+        WaitForSingleObject(process_.get(), 120'000);
+        EXPECT_TRUE(GetExitCodeProcess(process_.get(), &status) && status == 0) << status;
+        return LogOf(GetProcessId(process_.get()));
+    }
+
+private:
+    platform::unique_handle process_;
+};
+
+}  // namespace console_test
