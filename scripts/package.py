@@ -23,6 +23,8 @@ from html_page import html_page
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 INSTALLED = "/usr/share/doc/%s/copyright"
 RULE = "=" * 78
+WINDOWS_LIBRARIES = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "shell32.dll",
+                     "api-ms-win-core-synch-l1-2-0.dll"}
 
 
 def read_bytes(path):
@@ -105,6 +107,13 @@ def check_images(content):
         sys.exit("!! this is not a program file")
 
 
+def check_libraries(path):
+    """The program needs no library but those of every Windows, and loads version.dll by itself."""
+    needed = {name.lower() for name in re.findall(r"DLL Name: (\S+)", output_of("x86_64-w64-mingw32-objdump", "-p", path))}
+    if unknown := needed - WINDOWS_LIBRARIES:
+        sys.exit(f"!! the program needs {unknown}")
+
+
 def for_windows(text):
     """With a byte order mark, by which older editors recognise UTF-8."""
     return text.replace("\n", "\r\n").encode("utf-8-sig")
@@ -163,4 +172,5 @@ if __name__ == "__main__":
     wanted = parser.parse_args()
     program_file = read_bytes(wanted.program)
     check_images(program_file)
+    check_libraries(wanted.program)
     write_archive(wanted.zip_file, wanted.files(wanted.version, program_file))
