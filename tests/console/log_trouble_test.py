@@ -35,7 +35,7 @@ class LogTrouble(ConsoleTest):
         self.assertFalse(os.path.exists(self.path("report.txt")), "the library was called")
 
     def test_disk_is_full_for_a_while(self):
-        # To the program a limit of the size of its files is what a full disk is, and it needs no rights.
+        # A limit on the size of its files looks like a full disk to the program, and anyone can set it.
         terminal = self.terminal("bash", "-c", "trap '' XFSZ; ulimit -S -f 1; exec \"$@\"", "bash", "wine64",
                                  self.path("Ormacon.exe"), "--set-credentials", "user")
         self.wait_for(terminal, "Enter password for user:")
