@@ -1,6 +1,8 @@
 @echo off
 rem Runs the tests of Ormacon on this machine. Nothing is installed, and administrator rights are not needed.
-rem It writes below its own folder only. For a moment each test program also has a key of its own in the registry,
+rem It writes below its own folder only, but Ormacon.exe, which some tests run, logs where it always does: in the folder
+rem "Tovak\Backup\RmanPluginLogs" of ProgramData, or where this machine's settings say. Do not type while the tests run:
+rem some of them type into this window. For a moment each test program also has a key of its own in the registry,
 rem HKEY_CURRENT_USER\Software\OrmaconTest and a number, in place of HKEY_LOCAL_MACHINE; it removes the key again.
 rem The tests that drive a terminal, read dumps or kill processes run on Linux and are not among these.
 rem Ends with 0 when every test has passed, otherwise with 1.

@@ -42,7 +42,8 @@ unpack() {
 run() {
     local script
     script=Z:${1//\//\\}\\run-tests.cmd
-    wine64 cmd /c "$script" </dev/null >"$1/screen.txt" 2>&1 || { grep FAILED "$1/screen.txt" >&2; return 1; }
+    python3 "$root/scripts/terminal.py" --unattended wine64 cmd /c "$script" >"$1/screen.txt" ||
+        { grep FAILED "$1/screen.txt" >&2; return 1; }
 }
 
 german() { use_locale de_DE; run "$(unpack german)"; }
