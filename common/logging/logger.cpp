@@ -14,7 +14,6 @@ namespace logging {
 namespace {
 
 constexpr unsigned above_all_levels = UINT_MAX;
-constexpr auto forever = std::chrono::milliseconds::max();
 
 logger_t* create_process_logger() {
     auto* const created = new logger_t;
@@ -28,9 +27,8 @@ logger_t::~logger_t() { clear_multiplexors(); }
 
 void logger_t::log(const record_t& record) noexcept {
     if (record.level < lowest_level_.load(std::memory_order_relaxed)) return;
-    lock_within(forever);
-    const std::lock_guard guard(lock_, std::adopt_lock);
-    const line_head_t head = clock_.now(crashed_thread_ != 0 ? crashed_thread_ : GetCurrentThreadId());
+    const std::lock_guard guard(lock_);
+    const line_head_t head{clock_.now(), crashed_thread_ != 0 ? crashed_thread_ : GetCurrentThreadId()};
     for (attached_t& attached : sinks_) {
         if (std::exchange(attached.busy, true)) continue;
         try {
@@ -60,27 +58,16 @@ void logger_t::multiplex(std::ostream& stream) {
 
 void logger_t::clear_multiplexors() noexcept {
     const std::lock_guard guard(lock_);
-    if (!multiplexors_.empty()) log({.text = "Clearing collection of cout multiplexors."});
+    log({.text = "Clearing collection of cout multiplexors."});
     while (!multiplexors_.empty()) multiplexors_.pop_back();
 }
 
 void logger_t::seize(std::uint32_t crashed_thread, std::chrono::milliseconds wait) noexcept {
-    if (lock_within(wait)) {
+    if (lock_.try_lock_for(wait)) {
         crashed_thread_ = crashed_thread;
     } else {
         lowest_level_ = above_all_levels;
     }
-}
-
-// Asks again every millisecond: to wake a thread that waits costs the one that unlocks more than writing a record.
-bool logger_t::lock_within(std::chrono::milliseconds wait) noexcept {
-    if (lock_.try_lock()) return true;
-    const ULONGLONG begin = GetTickCount64();
-    do {
-        if (GetTickCount64() - begin >= static_cast<ULONGLONG>(wait.count())) return false;
-        Sleep(1);
-    } while (!lock_.try_lock());
-    return true;
 }
 
 logger_t& process_logger() noexcept {

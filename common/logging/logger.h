@@ -38,7 +38,7 @@ public:
     // must still exist then, and no other thread may use it during either of the two calls.
     void multiplex(std::ostream& stream);
 
-    // Ends the copying. If any stream was being copied, first logs "Clearing collection of cout multiplexors.".
+    // Logs "Clearing collection of cout multiplexors." and ends the copying.
     void clear_multiplexors() noexcept;
 
     // See begin_crash_logging().
@@ -50,14 +50,12 @@ private:
         bool busy = false;  // the sink is being called
     };
 
-    bool lock_within(std::chrono::milliseconds wait) noexcept;
-
-    std::recursive_mutex lock_;
+    std::recursive_timed_mutex lock_;
     std::atomic<unsigned> lowest_level_{level_info};
 
     // Guarded by the lock.
     std::uint32_t crashed_thread_ = 0;
-    line_head_clock_t clock_;
+    time_stamp_clock_t clock_;
     std::vector<attached_t> sinks_;
     std::vector<boost::shared_ptr<cout_multiplexor_t>> multiplexors_;
 };

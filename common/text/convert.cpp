@@ -4,7 +4,6 @@
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/text/find_unit.h"
 #include "common/win32.h"
 
 namespace text {
@@ -30,7 +29,7 @@ bool try_convert(UINT page, const std::basic_string<From>& source, std::basic_st
     if (size < 1) return false;
     result.assign(static_cast<std::size_t>(size) + 1, To{});
     if (convert(page, source, result.data(), size + 1) < 1) return false;
-    result.resize(find_unit(std::basic_string_view<To>(result), To{}));
+    result.resize(std::char_traits<To>::length(result.c_str()));
     return true;
 }
 
