@@ -1,9 +1,11 @@
 #include "common/logging/output_sinks.h"
 
-#include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <utility>
 
 #include "common/exc/raise.h"
+#include "common/platform/account.h"
 #include "common/platform/console.h"
 #include "common/platform/owned.h"
 #include "common/text/convert.h"
@@ -11,12 +13,52 @@
 namespace logging::receiver {
 namespace {
 
-// The system passes debugger output to a monitoring program through a section that this program creates.
-bool monitor_runs() {
-    return static_cast<bool>(platform::unique_handle(OpenFileMappingW(FILE_MAP_WRITE, FALSE, L"DBWIN_BUFFER")));
+// At most this long, once a second, a monitor or whoever holds its mutex can delay this program: what the system's own
+// function does waits without a limit.
+constexpr DWORD longest_wait = 10;
+
+bool wait_for(HANDLE object) {
+    const DWORD outcome = WaitForSingleObject(object, longest_wait);
+    return outcome == WAIT_OBJECT_0 || outcome == WAIT_ABANDONED;
 }
 
-void write_stream(HANDLE stream, std::string_view text) {
+// A program that monitors debugger output offers a section for one text at a time: the writer's process id, then the
+// text in the code page of the system.
+platform::unique_handle open_trusted_section() {
+    platform::unique_handle section(OpenFileMappingW(FILE_MAP_WRITE | READ_CONTROL, FALSE, L"DBWIN_BUFFER"));
+    if (section && !platform::has_trusted_owner(section.get(), SE_KERNEL_OBJECT)) section.reset();
+    return section;
+}
+
+bool write_section(HANDLE section, std::string_view text) {
+    constexpr std::size_t section_size = 4096;
+    const DWORD process = GetCurrentProcessId();
+    auto* const view = static_cast<char*>(MapViewOfFile(section, FILE_MAP_WRITE, 0, 0, section_size));
+    if (view == nullptr) return false;
+    std::memcpy(view, &process, sizeof process);
+    view[sizeof process + text.copy(view + sizeof process, section_size - sizeof process - 1)] = '\0';
+    return UnmapViewOfFile(view) != FALSE;
+}
+
+// Returns whether the monitor has got the text.
+bool pass_to_monitor(std::string_view text) {
+    const platform::unique_handle section = open_trusted_section();
+    const platform::unique_handle mutex(OpenMutexW(SYNCHRONIZE, FALSE, L"DBWinMutex"));  // made by the first writer
+    const platform::unique_handle ready(OpenEventW(SYNCHRONIZE, FALSE, L"DBWIN_BUFFER_READY"));
+    const platform::unique_handle written(OpenEventW(EVENT_MODIFY_STATE, FALSE, L"DBWIN_DATA_READY"));
+    if (!section || !ready || !written || (mutex && !wait_for(mutex.get()))) return false;
+    const bool done = wait_for(ready.get()) && write_section(section.get(), text) && SetEvent(written.get());
+    if (mutex) ReleaseMutex(mutex.get());
+    return done;
+}
+
+}  // namespace
+
+void print(HANDLE stream, std::string_view text) {
+    if (platform::is_console(stream)) {
+        platform::write_console(stream, text::utf8_to_wide(std::string(text)));
+        return;
+    }
     DWORD written = 0;
     while (!text.empty() && WriteFile(stream, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
            written > 0) {
@@ -24,28 +66,24 @@ void write_stream(HANDLE stream, std::string_view text) {
     }
 }
 
-}  // namespace
-
-// OutputDebugStringW throws and handles a structured exception, which costs more than writing the line to the file.
 void COutputDebugStringLog::write(const line_head_t& head, const record_t& record) {
     const std::uint64_t second = GetTickCount64() / 1000;
-    if (looked_at_ != second) {
-        looked_at_ = second;
-        somebody_listens_ = IsDebuggerPresent() || monitor_runs();
-    }
-    if (somebody_listens_) sink_t::write(head, record);
+    if (std::exchange(looked_at_, second) != second) monitored_ = static_cast<bool>(open_trusted_section());
+    if (monitored_ || IsDebuggerPresent()) sink_t::write(head, record);
 }
 
 void COutputDebugStringLog::write_line(const line_t& line) {
     text_.clear();
     append_short_line(text_, line);
-    text_ += '\n';
-    std::ranges::replace(text_, '\0', ' ');  // it would end the text
-    OutputDebugStringW(text::utf8_to_wide(text_).c_str());
+    const std::wstring text = text::utf8_to_wide(text_ += '\n');
+    if (IsDebuggerPresent()) {
+        OutputDebugStringW(text.c_str());
+    } else if (monitored_) {
+        monitored_ = pass_to_monitor(text::wide_to_ansi(text));
+    }
 }
 
-stdout_log_file_t::stdout_log_file_t()
-    : output_(GetStdHandle(STD_OUTPUT_HANDLE)), is_console_(platform::is_console(output_)) {
+stdout_log_file_t::stdout_log_file_t() : output_(GetStdHandle(STD_OUTPUT_HANDLE)) {
     if (output_ == nullptr || output_ == INVALID_HANDLE_VALUE) exc::raise("Standard output is not available.");
 }
 
@@ -53,9 +91,7 @@ void stdout_log_file_t::write(const line_head_t& head, const record_t& record) {
     lines_.clear();
     sink_t::write(head, record);
     std::fflush(stdout);  // what was printed before the record comes first
-    if (!is_console_) return write_stream(output_, lines_);
-    std::ranges::replace(lines_, '\0', ' ');  // the conversion would end there
-    platform::write_console(output_, text::utf8_to_wide(lines_));
+    print(output_, lines_);
 }
 
 void stdout_log_file_t::write_line(const line_t& line) {

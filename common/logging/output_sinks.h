@@ -6,11 +6,16 @@
 #include <string_view>
 
 #include "common/logging/sink.h"
+#include "common/win32.h"
 
 namespace logging::receiver {
 
-// Passes each line in the short layout to the debugger, or to the program that monitors debugger output. Does nothing
-// while there is neither; looks again at most once per second.
+// Writes UTF-8 to a console or file of the process, as far as it takes it.
+void print(HANDLE stream, std::string_view text);
+
+// Passes each line in the short layout to an attached debugger, or else to the program of a trusted account that
+// monitors debugger output; a monitor gets at most 4,091 bytes of a line. Looks for one once per second, and gives up
+// until then if a line was not taken within 20 ms.
 class COutputDebugStringLog : public sink_t {
 public:
     void write(const line_head_t& head, const record_t& record) override;
@@ -21,7 +26,7 @@ protected:
 private:
     std::string text_;
     std::uint64_t looked_at_ = 0;  // second since the start of the system
-    bool somebody_listens_ = false;
+    bool monitored_ = false;
 };
 
 // Writes lines in the console layout to the standard output of the process, bypassing std::cout: what is copied from
@@ -37,8 +42,7 @@ protected:
     void write_line(const line_t& line) override;
 
 private:
-    void* output_;  // belongs to the process
-    bool is_console_;
+    HANDLE output_;      // belongs to the process
     std::string lines_;  // of the current record
 };
 

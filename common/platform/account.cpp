@@ -71,11 +71,11 @@ bool is_trusted_owner(PSID owner) {
            EqualSid(owner, current_account_t().sid());
 }
 
-bool has_trusted_owner(HANDLE opened) {
+bool has_trusted_owner(HANDLE opened, SE_OBJECT_TYPE type) {
     PSID owner = nullptr;
     unique_local descriptor;
-    const DWORD failure = GetSecurityInfo(opened, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr,
-                                          nullptr, descriptor.put());
+    const DWORD failure =
+        GetSecurityInfo(opened, type, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr, nullptr, descriptor.put());
     if (failure != ERROR_SUCCESS || owner == nullptr) return false;
     // Everyone means that there are no owners, as on FAT.
     return IsWellKnownSid(owner, WinWorldSid) || is_trusted_owner(owner);
