@@ -3,23 +3,39 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "common/platform/owned.h"
 
 namespace logging {
 
+struct opened_file_t {
+    platform::unique_file file;
+    bool existed;
+};
+
+// Opens or creates a log file for reading and writing; meanwhile, others can only read it. Returns an invalid handle,
+// with the last error set, if the system does not open it. Throws what require_trusted_folder() and
+// require_trusted_file() throw, and exc::runtime_exc_t "File [%1] is not used: %2." if access is denied although a
+// folder or file of that name exists, or if the file is in another folder than its path says.
+opened_file_t open_log_file(const std::wstring& path);
+
 // For a file that existed before it was opened. Open it with FILE_FLAG_OPEN_REPARSE_POINT and READ_CONTROL access.
-// Throws exc::runtime_exc_t "File [%1] is not used: %2." if the file is a reparse point, has more than one name, has no
-// trusted owner (see platform::has_trusted_owner()), or if its attributes cannot be read.
+// Throws exc::runtime_exc_t "File [%1] is not used: %2." if the file is a link or folder, has more than one name, has
+// no trusted owner (see platform::has_trusted_owner()), or if its attributes cannot be read.
 void require_trusted_file(HANDLE file, const std::wstring& path);
 
-// For a path that could not be opened because access was denied. Throws exc::runtime_exc_t "File [%1] is not used:
-// access to it is denied." if a folder or a file of that name exists.
-void refuse_existing_file(const std::wstring& path);
+// Returns what require_trusted_file() would throw for what is under this name; an empty text if there is nothing, or if
+// it cannot be opened.
+std::string obstacle_at(const std::wstring& path);
 
-// Returns a handle to the folder: until it is closed, Windows lets nobody rename the folder. The handle is invalid if
-// the folder does not exist. Throws exc::runtime_exc_t "Log folder [%1] is not used: [%2] leads elsewhere and belongs
-// to another account." if the folder or one above it is a reparse point without a trusted owner.
+// Returns a handle to the folder: until it is closed, Windows lets nobody rename the folder or one above it. The handle
+// is invalid if the folder does not exist. Throws exc::runtime_exc_t "Folder [%1] is not used: it leads elsewhere."
+// with the folder, or one above it, that is a link without a trusted owner, or to which the way was changed meanwhile.
 platform::unique_file require_trusted_folder(const std::wstring& path);
+
+// Returns the folder and those above it, up to the base and without it, that have no trusted owner. Returns none if the
+// folder is not below the base.
+std::vector<std::wstring> foreign_folders(const std::wstring& base, const std::wstring& folder);
 
 }  // namespace logging

@@ -56,6 +56,11 @@ std::wstring final_path(HANDLE opened) {
     return path;
 }
 
+bool same_path(const std::wstring& first, const std::wstring& second) {
+    return CompareStringOrdinal(first.data(), static_cast<int>(first.size()), second.data(),
+                                static_cast<int>(second.size()), TRUE) == CSTR_EQUAL;
+}
+
 void create_directories(const std::wstring& path) {
     if (path.empty() || is_directory(path)) return;
     if (CreateDirectoryW(system_path(path).c_str(), nullptr)) return;

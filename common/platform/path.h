@@ -28,6 +28,9 @@ std::wstring system_path(const std::wstring& path);
 // cannot say.
 std::wstring final_path(void* opened);
 
+// Returns whether two paths are the same text; the system ignores case in them.
+bool same_path(const std::wstring& first, const std::wstring& second);
+
 // Creates the folder and any missing folders above it. Throws exc::win_sys_exc_t "Cannot create directory [%1].".
 void create_directories(const std::wstring& path);
 
