@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <cwchar>
-#include <set>
+#include <map>
 #include <string_view>
 #include <vector>
 
@@ -43,11 +43,10 @@ using unique_gzip = platform::unique_t<gzip_holder_t>;
     throw failure;
 }
 
-platform::unique_file open_file(const std::wstring& path, DWORD access, DWORD sharing, DWORD creation,
+platform::unique_file open_file(const std::wstring& path, DWORD access, DWORD sharing, DWORD creation, DWORD flags,
                                 const char* sentence) {
-    constexpr DWORD flags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN | FILE_FLAG_OPEN_REPARSE_POINT;
-    platform::unique_file file(
-        CreateFileW(platform::system_path(path).c_str(), access, sharing, nullptr, creation, flags, nullptr));
+    platform::unique_file file(CreateFileW(platform::system_path(path).c_str(), access, sharing, nullptr, creation,
+                                           FILE_ATTRIBUTE_NORMAL | flags, nullptr));
     if (!file) fail(GetLastError(), sentence, path);
     return file;
 }
@@ -65,7 +64,8 @@ class log_reader_t {
 public:
     log_reader_t(const std::wstring& path, std::uint64_t size)
         : path_(path),
-          file_(open_file(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, unreadable)),
+          file_(open_file(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING,
+                          FILE_FLAG_SEQUENTIAL_SCAN, unreadable)),
           left_(size),
           data_(portion) {}
 
@@ -93,7 +93,7 @@ private:
 // target may be left.
 void gzip_file(const std::wstring& source, const std::wstring& target, std::uint64_t size) {
     const platform::unique_file created =
-        open_file(target, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, CREATE_NEW, unopened);
+        open_file(target, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, CREATE_NEW, 0, unopened);
     unique_gzip archive = open_gzip(target, "wb");
     log_reader_t log(source, size);
     for (std::string_view data = log.next(); !data.empty(); data = log.next()) {
@@ -109,7 +109,8 @@ void gzip_file(const std::wstring& source, const std::wstring& target, std::uint
 
 // Whether the gzip file unpacks to exactly the first size bytes of the source.
 bool unpacks_to(const std::wstring& archive, const std::wstring& source, std::uint64_t size) {
-    const platform::unique_file held = open_file(archive, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, unopened);
+    const platform::unique_file held =
+        open_file(archive, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, unopened);
     require_trusted_file(held.get(), archive);
     unique_gzip packed = open_gzip(archive, "rb");
     if (gzdirect(packed.get())) return false;  // not packed at all
@@ -135,11 +136,6 @@ std::wstring archive_path(const std::wstring& log_path, std::uint32_t age) {
     return without_extension(log_path) + number + archive_extension;
 }
 
-bool same_name(const std::wstring& a, const std::wstring& b) {
-    return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE) ==
-           CSTR_EQUAL;
-}
-
 bool delete_file(const std::wstring& path) { return DeleteFileW(platform::system_path(path).c_str()) != FALSE; }
 
 // Fails when the target exists.
@@ -151,40 +147,57 @@ class ageing_t {
 public:
     ageing_t(const std::wstring& log_path, std::uint32_t limit) : log_path_(log_path), limit_(limit) {}
 
-    void run() const {
-        const std::set<std::uint32_t> ages = existing_ages();
-        std::uint32_t free = 0;
-        while (ages.contains(free)) ++free;
-        // Those before the first free place move up. When there is none, the oldest archive goes.
-        const std::uint32_t last = std::min(free, std::max(limit_, 1U) - 1);
-        for (auto age = ages.lower_bound(free < limit_ ? limit_ : last); age != ages.end(); ++age)
-            if (!delete_file(archive_path(log_path_, *age))) refuse(*age, GetLastError());
-        for (std::uint32_t age = last; age > 0; --age)
-            if (!move_file(archive_path(log_path_, age - 1), archive_path(log_path_, age))) {
-                refuse(age - 1, GetLastError());
+    freed_place_t run() const {
+        found_t found = find_names();
+        std::vector<std::uint32_t> places;
+        std::string obstacle;
+        for (std::uint32_t age = 0; places.size() < std::max(limit_, 1U); ++age) {
+            const auto entry = found.find(age);
+            if (entry == found.end() || entry->second.empty()) {
+                places.push_back(age);
+            } else if (obstacle.empty()) {
+                obstacle = entry->second;
             }
+        }
+        std::erase_if(found, [](const auto& entry) { return !entry.second.empty(); });
+        make_room(found, places);
+        return {archive_path(log_path_, places.front()), obstacle};
     }
 
 private:
-    std::set<std::uint32_t> existing_ages() const {
+    // By age, why what has the name of an archive is none; an empty text for archives.
+    using found_t = std::map<std::uint32_t, std::string>;
+
+    found_t find_names() const {
         const std::size_t folder_size = log_path_.find_last_of(L"\\/") + 1;
         const std::size_t stem_size = without_extension(log_path_).size() - folder_size;
-        std::set<std::uint32_t> ages;
-        WIN32_FIND_DATAW found{};
+        found_t found;
+        WIN32_FIND_DATAW entry{};
         const std::wstring pattern = platform::system_path(without_extension(log_path_) + L".*");
-        const platform::unique_find search(FindFirstFileW(pattern.c_str(), &found));
+        const platform::unique_find search(FindFirstFileW(pattern.c_str(), &entry));
         if (!search) refuse(0, GetLastError());  // at least the log itself is there
         do {
-            const std::wstring name = found.cFileName;
+            const std::wstring name = entry.cFileName;
             if (name.size() <= stem_size) continue;
             const auto age = static_cast<std::uint32_t>(std::wcstoul(name.c_str() + stem_size + 1, nullptr, 10));
-            if (!same_name(name, archive_path(log_path_, age).substr(folder_size))) continue;
-            // A directory would let itself be renamed like an archive.
-            if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) refuse(age, ERROR_ALREADY_EXISTS);
-            ages.insert(age);
-        } while (FindNextFileW(search.get(), &found));
+            const std::wstring path = archive_path(log_path_, age);
+            if (platform::same_path(name, path.substr(folder_size))) found.emplace(age, obstacle_at(path));
+        } while (FindNextFileW(search.get(), &entry));
         if (const DWORD code = GetLastError(); code != ERROR_NO_MORE_FILES) refuse(0, code);
-        return ages;
+        return found;
+    }
+
+    // The archives before the first free place move up. When there is none, the oldest archive goes.
+    void make_room(const found_t& archives, const std::vector<std::uint32_t>& places) const {
+        const auto free = std::ranges::find_if_not(places, [&](auto age) { return archives.contains(age); });
+        const bool full = free == places.end();
+        auto surplus = full ? archives.find(places.back()) : archives.upper_bound(places.back());
+        for (; surplus != archives.end(); ++surplus)
+            if (!delete_file(archive_path(log_path_, surplus->first))) refuse(surplus->first, GetLastError());
+        for (auto to = full ? free - 1 : free; to != places.begin(); --to)
+            if (!move_file(archive_path(log_path_, to[-1]), archive_path(log_path_, *to))) {
+                refuse(to[-1], GetLastError());
+            }
     }
 
     [[noreturn]] void refuse(std::uint32_t age, DWORD code) const {
@@ -198,19 +211,36 @@ private:
     std::uint32_t limit_;
 };
 
+constexpr std::uint32_t most_obstacles = 1000;
+
+std::wstring newest_archive(const std::wstring& log_path) {
+    std::uint32_t age = 0;
+    while (age < most_obstacles && !obstacle_at(archive_path(log_path, age)).empty()) ++age;
+    return archive_path(log_path, age);
+}
+
+// Returns the first of the temporary names under which there is nothing, or nothing any more.
+std::wstring free_temporary_path(const std::wstring& log_path) {
+    for (std::uint32_t number = 0;; ++number) {
+        const std::wstring path = archive_path(log_path, number) + L".tmp";
+        if (number == most_obstacles || delete_file(path) || GetLastError() == ERROR_FILE_NOT_FOUND) return path;
+    }
+}
+
 }  // namespace
 
-void age_archives(const std::wstring& log_path, std::uint32_t limit) { ageing_t(log_path, limit).run(); }
+freed_place_t age_archives(const std::wstring& log_path, std::uint32_t limit) {
+    return ageing_t(log_path, limit).run();
+}
 
-void archive_log(const std::wstring& log_path, std::uint64_t size, std::uint32_t limit) {
+freed_place_t archive_log(const std::wstring& log_path, std::uint64_t size, std::uint32_t limit) {
     if (limit == 0) return age_archives(log_path, limit);
-    const std::wstring archive = archive_path(log_path, 0);
-    const std::wstring temporary = archive + L".tmp";
-    delete_file(temporary);
+    const std::wstring temporary = free_temporary_path(log_path);
     try {
         gzip_file(log_path, temporary, size);
-        age_archives(log_path, limit);
-        if (!move_file(temporary, archive)) fail(GetLastError(), "Cannot rename archive [%1].", temporary);
+        const freed_place_t place = age_archives(log_path, limit);
+        if (!move_file(temporary, place.path)) fail(GetLastError(), "Cannot rename archive [%1].", temporary);
+        return place;
     } catch (...) {
         delete_file(temporary);
         throw;
@@ -218,13 +248,13 @@ void archive_log(const std::wstring& log_path, std::uint64_t size, std::uint32_t
 }
 
 bool is_archived(const std::wstring& log_path, std::uint64_t size) noexcept try {
-    return size > 0 && unpacks_to(archive_path(log_path, 0), log_path, size);
+    return size > 0 && unpacks_to(newest_archive(log_path), log_path, size);
 } catch (const std::exception&) {
     return false;
 }
 
-void withdraw_archive(const std::wstring& log_path) noexcept try {
-    delete_file(archive_path(log_path, 0));
+void withdraw_archive(const std::wstring& archive) noexcept try {
+    delete_file(archive);
 } catch (const std::exception&) {
     // The log file still holds the same lines: they are kept twice.
 }

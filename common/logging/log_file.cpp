@@ -13,26 +13,41 @@
 namespace logging::receiver {
 namespace {
 
+constexpr const char* lost_sentence = "Records that could not be written to the log: %1.";
 constexpr const char* unwritable = "Cannot write to log file. Log path: [%1].";
 
 }  // namespace
 
 log_file_t::log_file_t(const size_limits_t& limits) : limits_(limits), archive_at_(limits.log_size) {}
 
-void log_file_t::write(const line_head_t& head, const record_t& record) {
+void log_file_t::write(const line_head_t& head, const record_t& record) try {
     constexpr std::size_t usual_capacity = 65'536;
     const std::uint64_t lost = lost_++;  // this one too, until it has been written
     archive_when_due();
     lines_.clear();
     const auto warn = [&](std::string_view text) { sink_t::write(head, {.level = level_warning, .text = text}); };
     if (!warnings_.empty()) warn(warnings_);
-    if (lost > 0) warn(exc::format_message("Records that could not be written to the log: %1.", std::to_string(lost)));
+    if (lost > 0) warn(exc::format_message(lost_sentence, std::to_string(lost)));
     sink_t::write(head, record);
     append(lines_);
     lost_ = 0;
     size_ += lines_.size();
     warnings_.clear();
     if (lines_.capacity() > usual_capacity) std::string().swap(lines_);
+} catch (const std::exception& cause) {
+    failure_ = cause.what();
+    throw;
+}
+
+void log_file_t::follow(const log_file_t& locked) {
+    lost_ = locked.lost_ - 1;
+    add_warning(locked.warnings_);
+    add_warning(locked.failure_);
+}
+
+std::string log_file_t::lost_records() const {
+    if (lost_ == 0) return {};
+    return exc::format_message(lost_sentence, std::to_string(lost_)) + " " + failure_.substr(0, failure_.find('\n'));
 }
 
 void log_file_t::write_line(const line_t& line) {
@@ -41,7 +56,7 @@ void log_file_t::write_line(const line_t& line) {
 }
 
 void log_file_t::add_warning(std::string_view text) {
-    if (!warnings_.empty()) warnings_ += '\n';
+    if (!warnings_.empty() && !text.empty()) warnings_ += '\n';
     warnings_.append(text);
 }
 
@@ -60,39 +75,37 @@ void log_file_t::archive_when_due() {
 }
 
 void log_file_t::archive() {
-    archive_log(path(), size_, limits_.archive_count);
+    const freed_place_t archive = archive_log(path(), size_, limits_.archive_count);
+    add_warning(archive.obstacle);
     try {
         clear();
     } catch (const std::exception&) {
-        withdraw_archive(path());
+        withdraw_archive(archive.path);
         throw;
     }
     size_ = 0;
 }
 
 win_log_file_t::win_log_file_t(const std::wstring& path, const size_limits_t& limits)
-    : log_file_t(limits),
-      path_(path),
-      file_(CreateFileW(platform::system_path(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                        OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr)) {
+    : log_file_t(limits), path_(path) {
+    auto [file, existed] = open_log_file(path);
     const DWORD code = GetLastError();
-    if (!file_) {
-        if (code == ERROR_ACCESS_DENIED) refuse_existing_file(path_);
-        if (code != ERROR_SHARING_VIOLATION && code != ERROR_LOCK_VIOLATION) {
-            fail(code, "Cannot open log file. Log path: [%1].");
-        }
-        exc::file_locked_exc_t failure;
-        const std::string sentence = "Log file is locked. Log path: [%1].";
-        exc::add_win_error(failure, code, exc::format_message(sentence, text::wide_to_utf8(path_)));
-        throw failure;
-    }
-    if (code != ERROR_ALREADY_EXISTS) return;
-    require_trusted_file(file_.get(), path_);
+    if (!file && (code == ERROR_SHARING_VIOLATION || code == ERROR_LOCK_VIOLATION)) raise_locked(code);
+    if (!file) fail(code, "Cannot open log file. Log path: [%1].");
+    file_ = std::move(file);
+    if (!existed) return;
     LARGE_INTEGER size{};
     if (!GetFileSizeEx(file_.get(), &size)) fail(GetLastError(), "Unable to validate log size limit. Log path: [%1].");
     set_size(static_cast<std::uint64_t>(size.QuadPart));
     if (is_archived(path_, this->size()) && cut(0)) set_size(0);
     end_last_line();
+}
+
+void win_log_file_t::raise_locked(DWORD code) const {
+    exc::file_locked_exc_t failure;
+    const std::string sentence = "Log file is locked. Log path: [%1].";
+    exc::add_win_error(failure, code, exc::format_message(sentence, text::wide_to_utf8(path_)));
+    throw failure;
 }
 
 void win_log_file_t::fail(DWORD code, const char* sentence) const {
@@ -110,6 +123,7 @@ void win_log_file_t::append(std::string_view text) {
     const DWORD code = done ? ERROR_DISK_FULL : GetLastError();
     at_end_ = false;
     cut(size());
+    if (code == ERROR_LOCK_VIOLATION) raise_locked(code);
     fail(code, unwritable);
 }
 

@@ -22,6 +22,14 @@ public:
     // Adds a warning that is written before the next record.
     void add_warning(std::string_view text);
 
+    // Goes on for a file to which the current record could not be written, because it is locked: takes over its
+    // warnings and lost records, and warns of the lock.
+    void follow(const log_file_t& locked);
+
+    // Returns "Records that could not be written to the log: %1." and why the last of them could not, or an empty text
+    // if all were written.
+    std::string lost_records() const;
+
     virtual const std::wstring& path() const = 0;
 
     // Returns the size of the file in bytes. It is counted, since only this object writes to the file.
@@ -50,6 +58,7 @@ private:
     std::uint64_t archive_at_;  // the size at which archiving is due
     bool failure_reported_ = false;
     std::uint64_t lost_ = 0;  // records since the last one that was written
+    std::string failure_;     // of the last one that was not
 };
 
 // Keeps its file open and lets others only read it, so that the file has one writer.
@@ -58,13 +67,14 @@ public:
     // Opens or creates the file in an existing folder, without following a link. If an earlier process was killed after
     // it had archived the log and before it could empty it, empties it now; if one was killed within a line, ends that
     // line. Throws exc::file_locked_exc_t "Log file is locked. Log path: [%1]." if the file is in use, what
-    // require_trusted_file() throws, and exc::win_sys_exc_t "Cannot open log file. Log path: [%1]." or
+    // open_log_file() throws, and exc::win_sys_exc_t "Cannot open log file. Log path: [%1]." or
     // "Unable to validate log size limit. Log path: [%1].".
     win_log_file_t(const std::wstring& path, const size_limits_t& limits);
 
     const std::wstring& path() const override { return path_; }
 
 protected:
+    // Throws exc::file_locked_exc_t like the constructor if a reader has locked the end of the file.
     void append(std::string_view text) override;
     void clear() override;
 
@@ -73,6 +83,7 @@ private:
     bool cut(std::uint64_t size) noexcept;
     void end_last_line() noexcept;
     [[noreturn]] void fail(DWORD code, const char* sentence) const;
+    [[noreturn]] void raise_locked(DWORD code) const;
 
     std::wstring path_;
     platform::unique_file file_;

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <mutex>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
@@ -10,22 +11,36 @@
 
 namespace logging {
 
-// The paths that one log may be written to.
-class log_file_set_t {
+// Writes one log to the first of several files that is not locked. If a reader locks the end of that file, goes on in
+// the next one.
+class log_file_set_t : public receiver::sink_t {
 public:
-    explicit log_file_set_t(std::vector<std::wstring> paths) : paths_(std::move(paths)) {}
+    // Opens the file. One that is not trusted (see open_log_file()) is skipped too; a warning in the log says so.
+    // Throws exc::runtime_exc_t "Log paths list is empty.", exc::file_locked_exc_t "All log files are locked.", or
+    // exc::win_sys_exc_t when a file cannot be opened for another reason.
+    log_file_set_t(std::vector<std::wstring> paths, const size_limits_t& limits);
 
-    // "Name.log" and, for programs that run at the same time, "Name_2.log" to "Name_10.log".
-    static log_file_set_t numbered(const std::wstring& first_path);
+    // If records are missing, prints to standard error how many and why.
+    ~log_file_set_t() override;
 
-    // Opens the first file that is not locked. A file that is not trusted (see require_trusted_file()) is skipped too;
-    // the log that is opened says so in a warning. Throws exc::runtime_exc_t "Log paths list is empty.",
-    // exc::file_locked_exc_t "All log files are locked.", or exc::win_sys_exc_t when a file cannot be opened for
-    // another reason.
-    boost::shared_ptr<receiver::log_file_t> open(const size_limits_t& limits) const;
+    // Returns "Name.log" and, for programs that run at the same time, "Name_2.log" to "Name_10.log".
+    static std::vector<std::wstring> numbered(const std::wstring& first_path);
+
+    void write(const line_head_t& head, const record_t& record) override;
+
+    // Returns the path of the file in use. Any thread may ask.
+    std::wstring path() const;
+
+    // Adds a warning that is written before the next record.
+    void add_warning(std::string_view text) { file_->add_warning(text); }
 
 private:
+    boost::shared_ptr<receiver::log_file_t> open_first() const;
+
     std::vector<std::wstring> paths_;
+    size_limits_t limits_;
+    mutable std::mutex mutex_;  // of the pointer
+    boost::shared_ptr<receiver::log_file_t> file_;
 };
 
 }  // namespace logging

@@ -24,7 +24,7 @@ namespace {
 // What is attached to the process's logger while the log is open. Never destroyed, like the logger.
 struct attached_t {
     std::mutex mutex;  // of the file; locked only briefly: a sink may ask for the log's path under the logger's lock
-    boost::shared_ptr<receiver::log_file_t> file;
+    boost::shared_ptr<log_file_set_t> file;
     boost::shared_ptr<receiver::sink_t> echo;
 };
 
@@ -33,7 +33,7 @@ attached_t& attached() {
     return *created;
 }
 
-boost::shared_ptr<receiver::log_file_t> exchange_file(boost::shared_ptr<receiver::log_file_t> next) {
+boost::shared_ptr<log_file_set_t> exchange_file(boost::shared_ptr<log_file_set_t> next) {
     const std::lock_guard guard(attached().mutex);
     return std::exchange(attached().file, std::move(next));
 }
@@ -43,6 +43,8 @@ struct close_at_exit_t {
 };
 // Constructed before all objects without a priority of their own, destroyed after them.
 [[gnu::init_priority(101)]] close_at_exit_t close_at_exit;
+
+constexpr const char* foreign_folder = "Folder [%1] belongs to another account, which can replace what is in it.";
 
 // Program, version, process and system, between separator lines.
 std::string header_block() {
@@ -70,10 +72,10 @@ void attach_echo(const component_t& component) try {
 void attach(const component_t& component, const log_options_t& options) {
     const std::string header = header_block();
     const std::wstring folder = platform::parent_of(options.path);
-    require_trusted_folder(folder);  // nothing is created through a link either
-    platform::create_directories(folder);
-    const platform::unique_file held = require_trusted_folder(folder);
-    const auto file = log_file_set_t::numbered(options.path).open(options.limits);
+    if (!require_trusted_folder(folder)) platform::create_directories(folder);  // nothing is created through a link
+    const auto file = boost::make_shared<log_file_set_t>(log_file_set_t::numbered(options.path), options.limits);
+    for (const std::wstring& foreign : foreign_folders(options.shared_folder, folder))
+        file->add_warning(exc::format_message(foreign_folder, text::wide_to_utf8(foreign)));
     process_logger().attach(file);
     exchange_file(file);
     if (options.switches.echo) attach_echo(component);
@@ -88,10 +90,15 @@ void attach(const component_t& component, const log_options_t& options) {
     exc::rethrow_with_context(cause, exc::format_message("Failed to initialize log [%1].", text::wide_to_utf8(path)));
 }
 
+std::wstring shared_folder() try { return common_application_data(); } catch (const std::exception&) {
+    return {};  // only a warning is missing then
+}
+
 log_options_t options_of_process(const std::wstring& folder, const std::wstring& file_name) try {
     return {.path = platform::join_path(log_folder_path(folder), file_name),
             .limits = process_size_limits(),
-            .switches = find_switches(GetCommandLineW())};
+            .switches = find_switches(GetCommandLineW()),
+            .shared_folder = shared_folder()};
 } catch (const std::exception& cause) {
     rethrow_unopened(cause, platform::join_path(folder, file_name));
 }

@@ -21,6 +21,8 @@ struct log_options_t {
     std::wstring path;  // of the first file of the set, ending in ".log"
     size_limits_t limits;
     command_switches_t switches;
+    std::wstring shared_folder{};  // where anyone may create folders: a warning says which of those above the log
+                                   // belong to an account that is not trusted
 };
 
 // Does the same with everything that initialise() asks the system for given by the caller. Closes the log that is open,

@@ -1,7 +1,9 @@
 #include "common/logging/log_file.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <span>
 #include <thread>
@@ -16,6 +18,8 @@
 #include "common/logging/log_archives.h"
 #include "common/logging/log_file_set.h"
 #include "common/logging/logger.h"
+#include "common/platform/path.h"
+#include "tests/logging/faked_system.h"
 #include "tests/logging/log_test_kit.h"
 #include "tests/support/recording_sink.h"
 
@@ -98,13 +102,10 @@ TEST(log_file, failure_to_archive_costs_nothing_and_is_retried_later) {
     const struct {
         std::uint32_t limit;
         const wchar_t* held_open;
-        const char* cause = "Cannot age file. File path: [%1]. Extension: [.log.gz]. Ages limit: [%2].";
-        const char* code = "20";  // sharing violation
     } cases[] = {
         {3, L"A.log.gz"},  // cannot be moved
         {1, L"A.log.gz"},  // cannot be deleted
         {2, L"A.1.log.gz"},
-        {2, L"A.log.gz.tmp", "Failed to open GZ archive [%1].", "50"},  // exists
     };
     for (const auto& c : cases) {
         const CTestFolder folder;
@@ -117,9 +118,10 @@ TEST(log_file, failure_to_archive_costs_nothing_and_is_retried_later) {
         auto texts = texts_in(folder / L"A.log");
         const std::string sentence = "WARN|Cannot compress log file. Log: [" + (folder / L"A.log").string() + "].";
         EXPECT_EQ(texts.at(200), sentence);
+        constexpr const char* cause = "Cannot age file. File path: [%1]. Extension: [.log.gz]. Ages limit: [%2].";
         EXPECT_EQ(texts.at(202),
-                  "WARN|" + exc::format_message(c.cause, {(folder / c.held_open).string(), std::to_string(c.limit)}));
-        EXPECT_EQ(texts.at(203), std::string("WARN|--tr:Error code: 0x000000") + c.code);
+                  "WARN|" + exc::format_message(cause, {(folder / c.held_open).string(), std::to_string(c.limit)}));
+        EXPECT_EQ(texts.at(203), "WARN|--tr:Error code: 0x00000020");  // sharing violation
         EXPECT_EQ(texts.size(), 205U + 4);
 
         obstacle.reset();
@@ -128,6 +130,52 @@ TEST(log_file, failure_to_archive_costs_nothing_and_is_retried_later) {
         log.write(207, 225);
         EXPECT_LT(log.file->size(), 2'640U);
         EXPECT_EQ(texts_in(folder / L"A.log.gz").size() + texts_in(folder / L"A.log").size(), 225U + 4);
+    }
+}
+
+TEST(log_file, archiving_leaves_alone_what_others_have_planted) {
+    const CTestFolder folder;
+    const system_guard_t guard;
+    for (const wchar_t* name : {L"A.log.gz.tmp", L"A.1.log.gz.tmp\\full", L"A.log.gz", L"A.3.log.gz"})
+        fs::create_directories(folder / name);
+    WriteFileText(folder / L"A.2.log.gz", "foreign");
+    faked_system.is_foreign = [](const std::wstring& name) { return name == L"A.2.log.gz"; };
+    log_t log(folder / L"A.log", {1320, 3});
+    log.write(1, 40);
+    const std::string warning = "WARN|File [" + (folder / L"A.log.gz").string() + "] is not used: it is a folder.";
+    EXPECT_EQ(texts_in(folder / L"A.log").at(0), warning);
+    std::vector<std::string> texts;
+    for (const wchar_t* name : {L"A.5.log.gz", L"A.4.log.gz", L"A.1.log.gz", L"A.log"})
+        std::ranges::copy(texts_in(folder / name), std::back_inserter(texts));
+    EXPECT_EQ(std::erase(texts, warning), 4);
+    EXPECT_EQ(std::stoul(texts.front()) + texts.size(), 41U);
+    EXPECT_EQ(std::stoul(texts.back()), 40U);
+    EXPECT_EQ(FileText(folder / L"A.2.log.gz"), "foreign");
+    EXPECT_FALSE(fs::exists(folder / L"A.6.log.gz"));
+    // The newest archive is found again.
+    const std::wstring path = (folder / L"B.log").wstring();
+    fs::create_directory(folder / L"B.log.gz");
+    WriteFileText(path, "archived\r\n");
+    EXPECT_EQ(archive_log(path, 10, 3).path, folder / L"B.1.log.gz");
+    EXPECT_EQ(win_log_file_t(path, {}).size(), 0U);
+}
+
+TEST(log_file, failures_of_zlib) {
+    const CTestFolder folder;
+    std::string content;  // hardly compressible
+    for (std::uint32_t number = 1; content.size() < 1'000'000; number = number * 1'664'525 + 1'013'904'223)
+        content += static_cast<char>(number >> 24);
+    for (const auto& [size, sentence] : {std::pair(content.size(), "Cannot add data to the GZ archive [%1]."),
+                                         std::pair(std::size_t{100}, "Cannot close GZ archive [%1].")}) {
+        WriteFileText(folder / L"A.log", content.substr(0, size));
+        const system_guard_t guard;
+        faked_system.disk_is_full = true;
+        const std::string expected = std::strerror(ENOSPC) +
+                                     ("\n" + exc::format_message(sentence, (folder / L"A.log.gz.tmp").string())) +
+                                     "\n--tr:Error code: -1";
+        EXPECT_THAT([&] { archive_log((folder / L"A.log").wstring(), size, 3); },
+                    testing::ThrowsMessage<exc::runtime_exc_t>(expected));
+        EXPECT_FALSE(fs::exists(folder / L"A.log.gz.tmp"));
     }
 }
 
@@ -192,7 +240,7 @@ TEST(log_file, line_that_an_earlier_process_was_ended_in_stays_alone) {
     for (int run = 0; run < 2; ++run) log_t(folder / L"A.log", {1000, 2}).write(run, run);
     const std::string content = FileText(folder / L"A.log");
     EXPECT_THAT(content, testing::StartsWith("half a li\r\n["));
-    EXPECT_EQ(std::ranges::count(content, '\n'), 3);
+    EXPECT_EQ(std::ranges::count(content, '\n'), 5);
 }
 
 TEST(log_file, sixteen_threads_lose_double_and_mix_nothing) {
@@ -200,7 +248,7 @@ TEST(log_file, sixteen_threads_lose_double_and_mix_nothing) {
     const auto file = boost::make_shared<win_log_file_t>((folder / L"A.log").wstring(), size_limits_t{40'000, 100});
     int foreign_ids = 0;
     const auto answering = boost::make_shared<recording_sink_t>([&](const line_t& line) {
-        foreign_ids += line.head.thread_id() != GetCurrentThreadId();
+        foreign_ids += line.head.thread_id != GetCurrentThreadId();
         if (line.piece.ends_with(" ask")) ormacon_tool.info(std::string(line.piece) + " answered");
     });
     const boost::shared_ptr<receiver::sink_t> sinks[] = {file, answering};
@@ -235,63 +283,141 @@ TEST(log_file, sixteen_threads_lose_double_and_mix_nothing) {
 
 TEST(log_file_set, first_candidate_that_is_not_locked) {
     const CTestFolder folder;
-    const auto set = log_file_set_t::numbered((folder / L"A.log").wstring());
-    std::vector<boost::shared_ptr<receiver::log_file_t>> open;
+    const auto open = [&] {
+        const std::wstring first = (folder / L"A.log").wstring();
+        return boost::make_shared<log_file_set_t>(log_file_set_t::numbered(first), size_limits_t{});
+    };
+    std::vector<boost::shared_ptr<log_file_set_t>> sets;
     for (int number = 1; number <= 10; ++number) {
-        open.push_back(set.open({}));
-        EXPECT_EQ(open.back()->path(), folder.path / (number == 1 ? "A.log" : "A_" + std::to_string(number) + ".log"));
+        sets.push_back(open());
+        EXPECT_EQ(sets.back()->path(), folder.path / (number == 1 ? "A.log" : "A_" + std::to_string(number) + ".log"));
     }
-    EXPECT_THAT([&] { set.open({}); }, testing::ThrowsMessage<exc::file_locked_exc_t>("All log files are locked."));
-    open[2].reset();
-    EXPECT_EQ(set.open({})->path(), folder / L"A_3.log");
+    EXPECT_THAT(open, testing::ThrowsMessage<exc::file_locked_exc_t>("All log files are locked."));
+    sets[2].reset();
+    EXPECT_EQ(open()->path(), folder / L"A_3.log");
+    EXPECT_THAT([] { log_file_set_t({}, {}); }, testing::ThrowsMessage<exc::runtime_exc_t>("Log paths list is empty."));
 }
 
-namespace {
-
-// Whether a command of the shell succeeds on Wine's host; false elsewhere. Wine returns no handle to wait for.
-bool run_on_host(const fs::path& folder, const std::wstring& command) {
-    fs::remove(folder / "done");
-    std::wstring line = L"sh -c \"(" + command + L") && echo 1 > done || echo 0 > done\"";
-    STARTUPINFOW start{};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(L"\\\\?\\unix\\bin\\sh", line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(),
-                        &start, &process))
-        return false;
-    while (FileText(folder / "done").empty()) Sleep(10);
-    return FileText(folder / "done") == "1\n";
+TEST(log_file_set, goes_on_in_the_next_file_when_a_reader_locks_the_end) {
+    const CTestFolder folder;
+    const system_guard_t guard;
+    std::wstring locked;
+    faked_system.write_error = [&](const std::wstring& name) {
+        return locked.find(name) < 99 ? ERROR_LOCK_VIOLATION : 0;
+    };
+    const std::vector paths{(folder / L"A.log").wstring(), (folder / L"B.log").wstring()};
+    const auto set = boost::make_shared<log_file_set_t>(paths, size_limits_t{});
+    logger_t logger;
+    logger.attach(set);
+    const std::wstring locks[] = {L"", L"A.log", L"A.log", L"A.log B.log", L"A.log B.log", L""};
+    for (std::size_t i = 0; i < std::size(locks); ++i) {
+        locked = locks[i];
+        logger.log({.text = std::to_string(i)});
+    }
+    EXPECT_EQ(set->path(), paths[1]);
+    EXPECT_THAT(texts_in(paths[0]), testing::ElementsAre("0"));
+    EXPECT_THAT(texts_in(paths[1]),
+                testing::ElementsAre("WARN|" + exc::get_error_text(ERROR_LOCK_VIOLATION),
+                                     "WARN|Log file is locked. Log path: [" + fs::path(paths[0]).string() + "].",
+                                     "WARN|--tr:Error code: 0x00000021", "1", "2",
+                                     "WARN|Records that could not be written to the log: 2.", "5"));
 }
-
-}  // namespace
 
 TEST(log_file_set, planted_files_are_left_alone) {
     const CTestFolder folder;
+    const system_guard_t guard;
+    const auto planted = [](const std::wstring& name) { return name == L"A_4.log"; };
     WriteFileText(folder / L"other", "foreign");
+    WriteFileText(folder / L"A_4.log", "foreign");
     for (const wchar_t* name : {L"A.log", L"A_2.log"})
         ASSERT_TRUE(CreateHardLinkW((folder / name).c_str(), (folder / L"other").c_str(), nullptr));
     fs::create_directory(folder / L"A_3.log");
+    faked_system.is_foreign = planted;
     const auto reason = [&](const wchar_t* name, const char* text) {
         return "WARN|File [" + (folder / name).string() + "] is not used: " + text + ".";
     };
-    const auto set = log_file_set_t::numbered((folder / L"A.log").wstring());
     {
         logger_t logger;
-        logger.attach(set.open({}));
+        logger.attach(boost::make_shared<log_file_set_t>(log_file_set_t::numbered((folder / L"A.log").wstring()),
+                                                         size_limits_t{}));
         for (int i = 0; i < 2; ++i) logger.log({.text = "record"});
     }
-    EXPECT_EQ(FileText(folder / L"other"), "foreign");
-    EXPECT_THAT(texts_in(folder / L"A_4.log"),
-                testing::ElementsAre(reason(L"A.log", "it has more than one name"),
-                                     reason(L"A_2.log", "it has more than one name"),
-                                     reason(L"A_3.log", "access to it is denied"), "record", "record"));
+    for (const wchar_t* name : {L"other", L"A_4.log"}) EXPECT_EQ(FileText(folder / name), "foreign");
+    EXPECT_THAT(texts_in(folder / L"A_5.log"),
+                testing::ElementsAre(
+                    reason(L"A.log", "it has more than one name"), reason(L"A_2.log", "it has more than one name"),
+                    reason(L"A_3.log", "access to it is denied"), reason(L"A_4.log", "it belongs to another account"),
+                    "record", "record", "Clearing collection of cout multiplexors."));
+}
 
-    // Wine shows files of other users of its host as such; its links to files cannot be told from the files.
-    if (!run_on_host(folder.path,
-                     L"chown nobody A_4.log && mkdir B && chown nobody B && ln -s B link && test -O A.log -a ! -O B"))
-        GTEST_SKIP() << "no file can be given away here";
-    EXPECT_EQ(set.open({})->path(), folder / L"A_5.log");
-    EXPECT_THAT([&] { require_trusted_folder((folder / L"link\\Sub").wstring()); },
-                testing::ThrowsMessage<exc::runtime_exc_t>(testing::HasSubstr("leads elsewhere")));
-    EXPECT_NO_THROW(require_trusted_folder((folder / L"B").wstring()));
-    EXPECT_TRUE(run_on_host(folder.path, L"rm link"));  // Wine would empty the folder and keep the link
+// Deduplicated files, for example, are reparse points, and no links.
+TEST(file_trust, kinds_of_reparse_points) {
+    constexpr const char* no_content = "its content cannot be opened";
+    const struct {
+        DWORD tag;
+        bool replaced;  // between the look at the file and its use
+        const char* reason;
+    } cases[] = {
+        {IO_REPARSE_TAG_DEDUP, false, nullptr},
+        {IO_REPARSE_TAG_DEDUP, true, no_content},
+        {IO_REPARSE_TAG_CLOUD_1, false, nullptr},
+        {IO_REPARSE_TAG_SYMLINK, false, "it is a link"},
+        {IO_REPARSE_TAG_MOUNT_POINT, false, "it is a link"},
+    };
+    for (const auto& c : cases) {
+        const CTestFolder folder;
+        const system_guard_t guard;
+        for (const wchar_t* name : {L"A.log", L"B.log"}) WriteFileText(folder / name, "old\r\n");
+        DWORD last_flags = 0;
+        faked_system.reparse_tag = [&](const std::wstring& name) { return name == L"A.log" ? c.tag : 0; };
+        faked_system.opening = [&](std::wstring& path, DWORD flags) {
+            last_flags = flags;
+            if (c.replaced && (flags & FILE_FLAG_OPEN_REPARSE_POINT) == 0 && path.ends_with(L"A.log")) {
+                path = (folder / L"B.log").wstring();
+            }
+        };
+        const auto open = [&] { open_log_file((folder / L"A.log").wstring()); };
+        if (c.reason == nullptr) {
+            EXPECT_NO_THROW(open());
+            EXPECT_EQ(last_flags & FILE_FLAG_OPEN_REPARSE_POINT, 0U);
+        } else {
+            EXPECT_THAT(open, testing::ThrowsMessage<exc::runtime_exc_t>("File [" + (folder / L"A.log").string() +
+                                                                         "] is not used: " + c.reason + "."));
+        }
+    }
+}
+
+TEST(file_trust, way_that_leads_elsewhere) {
+    const CTestFolder folder;
+    const system_guard_t guard;
+    for (const wchar_t* name : {L"Sub\\Logs", L"Other\\Logs"}) fs::create_directories(folder / name);
+    std::wstring changed;  // what the end of a path becomes meanwhile
+    faked_system.opening = [&](std::wstring& path, DWORD) {
+        if (!changed.empty() && path.ends_with(changed)) path.replace(path.rfind(L"Sub"), 3, L"Other");
+    };
+    std::wstring link = L"none";
+    faked_system.reparse_tag = [&](const std::wstring& name) { return name == link ? IO_REPARSE_TAG_MOUNT_POINT : 0; };
+    faked_system.is_foreign = [&](const std::wstring& name) { return name == link; };
+    const std::wstring logs = (folder / L"Sub\\Logs").wstring();
+    const auto refused = [&](const std::wstring& path) {
+        return testing::ThrowsMessage<exc::runtime_exc_t>(
+            testing::HasSubstr(fs::path(platform::system_path(path)).string() + "] is not used: it leads elsewhere."));
+    };
+    const auto require = [&] { require_trusted_folder(logs); };
+    EXPECT_NO_THROW(require());
+    changed = L"Sub\\Logs";
+    EXPECT_THAT(require, refused(logs));
+    changed = L"Sub\\Logs\\A.log";
+    EXPECT_THAT([&] { open_log_file(logs + L"\\A.log"); },
+                testing::ThrowsMessage<exc::runtime_exc_t>(testing::HasSubstr("it is in another folder")));
+    // A link that is there all the time, of an account that is trusted and of another one.
+    changed = L"Sub\\Logs";
+    link = L"Logs";
+    EXPECT_THAT(require, refused(logs));
+    faked_system.is_foreign = {};
+    faked_system.opening = [&](std::wstring& path, DWORD flags) {
+        if ((flags & FILE_FLAG_OPEN_REPARSE_POINT) == 0 && path.ends_with(changed))
+            path = (folder / L"Other\\Logs").wstring();
+    };
+    EXPECT_NO_THROW(require());
 }

@@ -2,10 +2,11 @@
 #include <iostream>
 #include <regex>
 
-#include "common/exc/exceptions.h"
+#include "common/exc/raise.h"
 #include "common/logging/open_log.h"
 #include "common/platform/module.h"
 #include "common/platform/versions.h"
+#include "tests/logging/faked_system.h"
 #include "tests/logging/log_test_kit.h"
 #include "tests/support/test_registry.h"
 
@@ -35,12 +36,32 @@ TEST(child, DISABLED_logs_and_ends) {
     static_object.logs = true;
 }
 
+TEST(child, DISABLED_loses_records) {
+    open_log(ormacon_tool, {(fs::current_path() / L"Ormacon.log").wstring(), {}, {}});
+    faked_system.write_error = [](const std::wstring& name) { return name == L"Ormacon.log" ? ERROR_DISK_FULL : 0; };
+    for (int i = 0; i < 2; ++i) ormacon_tool.info("lost");
+}
+
+namespace {
+
+void run_child(const CTestFolder& folder, const std::wstring& arguments) {
+    const std::wstring command = L"cd /d \"" + folder.path.wstring() + L"\" && \"" + platform::program_path() +
+                                 L"\" --gtest_also_run_disabled_tests --gtest_filter=child.DISABLED_" + arguments;
+    EXPECT_EQ(_wsystem(command.c_str()), 0);
+}
+
+}  // namespace
+
+TEST(log_process, says_at_its_end_how_many_records_are_missing) {
+    const CTestFolder folder;
+    run_child(folder, L"loses_records 2>errors");
+    const std::string reason = exc::get_error_text(ERROR_DISK_FULL);
+    EXPECT_EQ(FileText(folder / L"errors"), "Records that could not be written to the log: 3. " + reason + "\r\n");
+}
+
 TEST(log_process, header_echo_and_copy_until_the_very_end) {
     const CTestFolder folder;
-    const std::wstring command = L"cd /d \"" + folder.path.wstring() + L"\" && \"" + platform::program_path() +
-                                 L"\" --gtest_also_run_disabled_tests --gtest_filter=child.DISABLED_logs_and_ends "
-                                 L"-log -verbose >output";
-    EXPECT_EQ(_wsystem(command.c_str()), 0);
+    run_child(folder, L"logs_and_ends -log -verbose >output");
     const std::string output = FileText(folder / L"output");
     std::smatch process;
     ASSERT_TRUE(std::regex_search(output, process, std::regex("printed by (\\d+)")));
@@ -69,18 +90,37 @@ TEST(log_process, opening_twice_closing_and_failing_to_open) {
     for (int run = 0; run < 2; ++run) open_log(ormacon_tool, {path, {}, {}});
     EXPECT_EQ(log_path(), path);
     close_log();
+    EXPECT_THAT(texts_in(path), testing::Contains("Clearing collection of cout multiplexors.").Times(2));
     using testing::ThrowsMessage;
     EXPECT_THAT([] { log_path(); },
                 ThrowsMessage<exc::runtime_exc_t>("Value of the log path is unavailable: log is not initialized yet."));
 
+    const system_guard_t guard;
     test_support::CTestRegistry registry;
-    registry.SetText(L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders", L"Common AppData",
-                     (folder / L"missing").wstring());
+    faked_system.folder_error = static_cast<HRESULT>(0x80070002);
     EXPECT_THAT(
         [] { initialise(ormacon_tool, L"Sub", L"A.log"); },
         ThrowsMessage<exc::win_sys_exc_t>(HasSubstr("\nCannot get the common application-data folder.\n--tr:Error "
                                                     "code: 0x80070002\nFailed to initialize log [Sub\\A.log].\n"
                                                     "Cannot init logging")));
+}
+
+TEST(log_process, warns_of_foreign_folders_above_the_log_and_of_a_missing_output) {
+    const CTestFolder folder;
+    const system_guard_t guard;
+    faked_system.is_foreign = [](const std::wstring& name) { return name == L"a" || name == L"shared"; };
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    SetStdHandle(STD_OUTPUT_HANDLE, nullptr);
+    const std::wstring path = (folder / L"shared\\a\\b\\Ormacon.log").wstring();
+    open_log(ormacon_tool, {path, {}, {.echo = true}, (folder / L"Shared").wstring()});
+    close_log();
+    SetStdHandle(STD_OUTPUT_HANDLE, output);
+    std::vector<std::string> warnings = texts_in(path);
+    std::erase_if(warnings, [](const std::string& text) { return !text.starts_with("WARN|"); });
+    EXPECT_THAT(warnings, testing::ElementsAre("WARN|Folder [" + (folder / L"shared\\a").string() +
+                                                   "] belongs to another account, which can replace what is in it.",
+                                               "WARN|Error: Failed to initialize stdout log.",
+                                               "WARN|Standard output is not available."));
 }
 
 // The program of kill_test.py. It announces each record that was logged.

@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/logging/faked_system.h"
 #include "tests/support/test_registry.h"
+
+#include <shlobj.h>
 
 using namespace logging;
 
@@ -39,10 +42,16 @@ TEST(log_settings, both_size_values_or_both_defaults_once) {
 }
 
 TEST(log_settings, base_directory) {
+    const log_test::system_guard_t guard;
     test_support::CTestRegistry registry;
-    EXPECT_TRUE(base_log_directory().ends_with(L":\\ProgramData\\Tovak\\Backup\\"));
+    wchar_t* known = nullptr;
+    ASSERT_EQ(SHGetKnownFolderPath(FOLDERID_ProgramData, 0, nullptr, &known), S_OK);
+    const std::wstring expected = std::wstring(known) + L"\\Tovak\\Backup\\";
+    CoTaskMemFree(known);
+    EXPECT_EQ(base_log_directory(), expected);
     registry.SetText(product_key, L"LogDirectory", L"");
-    EXPECT_TRUE(base_log_directory().ends_with(L":\\ProgramData\\Tovak\\Backup\\"));
+    EXPECT_EQ(base_log_directory(), expected);
+    log_test::faked_system.folder_error = static_cast<HRESULT>(0x80070002);
     registry.SetText(product_key, L"LogDirectory", L"D:\\logs \u00E4");
     EXPECT_EQ(base_log_directory(), L"D:\\logs \u00E4");
     EXPECT_EQ(log_folder_path(L"sub"), L"D:\\logs \u00E4\\sub");

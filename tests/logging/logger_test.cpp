@@ -12,11 +12,11 @@
 #include "common/logging/log_exception.h"
 #include "common/logging/output_sinks.h"
 #include "common/platform/owned.h"
-#include "common/text/convert.h"
-#include "common/win32.h"
+#include "tests/logging/faked_system.h"
 #include "tests/support/recording_sink.h"
 
 using namespace logging;
+using log_test::faked_system;
 using test_support::recording_sink_t;
 using testing::ElementsAre;
 
@@ -38,19 +38,43 @@ TEST(logger, sinks_that_throw_or_log_cost_the_others_nothing) {
     EXPECT_EQ(last->lines.size(), 7U);
 }
 
+TEST(logger, control_characters_are_shown_and_pieces_counted) {
+    logger_t logger;
+    std::vector<std::size_t> pieces;
+    const auto sink = boost::make_shared<recording_sink_t>([&](const line_t& line) { pieces.push_back(line.index); });
+    logger.attach(sink);
+    const std::pair<std::string_view, const char*> texts[] = {
+        {"tab\t, \xC3\xA4 \xC2\xA0 \xE2\x82\x9B", "tab\t, \xC3\xA4 \xC2\xA0 \xE2\x82\x9B"},
+        {{"\x1B[2K\r\0\x7F", 7}, "\\x1B[2K\\x0D\\x00\\x7F"},
+        {"\xC2\x80\xC2\x9F\xC2", "\\x80\\x9F\xC2"},
+    };
+    for (const auto& [text, shown] : texts) {
+        logger.log({.text = text});
+        EXPECT_EQ(sink->lines.back(), shown);
+    }
+    sink->lines.clear();
+    logger.log({.text = "1\r\n2\b\n3"});
+    EXPECT_THAT(sink->lines, ElementsAre("1", "2\\x08", "3"));
+    EXPECT_THAT(pieces, ElementsAre(0, 0, 0, 0, 1, 2));
+}
+
 TEST(logger, crash_inside_a_sink_is_logged_by_the_others) {
     static logger_t& logger = *new logger_t;  // the thread below waits in it for good
+    static const platform::unique_handle logged(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     const auto other = boost::make_shared<recording_sink_t>(
-        [](const line_t& line) { EXPECT_EQ(line.head.thread_id() == 4711, line.piece == "crashed"); });
+        [](const line_t& line) { EXPECT_EQ(line.head.thread_id == 4711, line.piece == "crashed"); });
     const auto crashing = boost::make_shared<recording_sink_t>([&](const line_t&) {
         logger.seize(4711, std::chrono::milliseconds(0));
-        std::thread([] { logger.log({.text = "from another thread"}); }).detach();
-        Sleep(100);
+        std::thread([] {
+            logger.log({.text = "from another thread"});
+            SetEvent(logged.get());
+        }).detach();
+        EXPECT_EQ(WaitForSingleObject(logged.get(), 100), static_cast<DWORD>(WAIT_TIMEOUT));
         logger.log({.text = "crashed"});
     });
     for (const auto& sink : {crashing, other}) logger.attach(sink);
     logger.log({.text = "record"});
-    Sleep(100);
+    EXPECT_EQ(WaitForSingleObject(logged.get(), 100), static_cast<DWORD>(WAIT_TIMEOUT));
     EXPECT_THAT(other->lines, ElementsAre("crashed", "record"));
     EXPECT_THAT(crashing->lines, ElementsAre("record"));
 }
@@ -70,6 +94,7 @@ TEST(log_exception, texts_and_levels) {
 }
 
 TEST(cout_multiplexor, copies_complete_lines_and_ends) {
+    const std::string cleared = "Clearing collection of cout multiplexors.";
     logger_t logger;
     logger.set_lowest_level(level_detail);
     std::ostringstream stream;
@@ -83,34 +108,47 @@ TEST(cout_multiplexor, copies_complete_lines_and_ends) {
     EXPECT_THAT(sink->lines, ElementsAre("TRC |one1", "TRC |two"));
     logger.log({.text = "print"});
     stream << "left";
-    for (int i = 0; i < 2; ++i) logger.clear_multiplexors();  // the second time there is nothing to clear
+    for (int i = 0; i < 2; ++i) logger.clear_multiplexors();
     stream << "\nafter\n";
-    EXPECT_THAT(sink->lines, ElementsAre("TRC |one1", "TRC |two", "print", "TRC |threcho",
-                                         "Clearing collection of cout multiplexors.", "TRC |left"));
+    EXPECT_THAT(sink->lines,
+                ElementsAre("TRC |one1", "TRC |two", "print", "TRC |threcho", cleared, "TRC |left", cleared));
     EXPECT_EQ(stream.str(), "one1\ntwo\r\nthrecho\nleft\nafter\n");
 }
 
-TEST(debugger_output, written_while_somebody_listens) {
-    static std::vector<std::string> texts;
-    void* const handler = AddVectoredExceptionHandler(1, [](EXCEPTION_POINTERS* exception) -> LONG {
-        const auto& record = *exception->ExceptionRecord;
-        const void* const text = reinterpret_cast<const void*>(record.ExceptionInformation[1]);
-        if (record.ExceptionCode == DBG_PRINTEXCEPTION_WIDE_C) {
-            texts.push_back(text::wide_to_utf8(static_cast<const wchar_t*>(text)));
-        } else if (record.ExceptionCode == DBG_PRINTEXCEPTION_C) {
-            texts.emplace_back(static_cast<const char*>(text));
-        } else {
-            return EXCEPTION_CONTINUE_SEARCH;
-        }
-        return EXCEPTION_CONTINUE_EXECUTION;
-    });
+TEST(debugger_output, goes_to_a_trusted_monitor_that_takes_it) {
+    const log_test::system_guard_t guard;
+    faked_system.tick = 1000;
     receiver::COutputDebugStringLog log;
-    const line_head_t head("[time] ", 1234);
-    log.write(head, {.text = "a"});
-    const platform::unique_handle buffer(
+    const auto write = [&](std::string_view text) { log.write({time_stamp_t("[time] "), 1234}, {.text = text}); };
+    write("before");
+    const platform::unique_handle section(
         CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, L"DBWIN_BUFFER"));
-    // The log looks again within a second.
-    for (int i = 0; i < 300 && texts.empty(); ++i, Sleep(10)) log.write(head, {.text = {"c\0c\nd", 5}});
-    RemoveVectoredExceptionHandler(handler);
-    EXPECT_THAT(texts, ElementsAre("[time] <34> Info     c c\n", "[time] <34> Info     d\n"));
+    const platform::unique_handle ready(CreateEventW(nullptr, FALSE, FALSE, L"DBWIN_BUFFER_READY"));
+    const platform::unique_handle data(CreateEventW(nullptr, FALSE, FALSE, L"DBWIN_DATA_READY"));
+    const platform::unique_handle mutex(CreateMutexW(nullptr, FALSE, L"DBWinMutex"));
+    auto* const view = static_cast<char*>(MapViewOfFile(section.get(), FILE_MAP_WRITE, 0, 0, 4096));
+    const auto taken = [&](const std::string& text) {
+        *faked_system.tick += 1000;
+        const ULONGLONG begin = GetTickCount();
+        write(text);
+        if (GetTickCount() - begin > 1000) return std::string("too late");
+        return WaitForSingleObject(data.get(), 0) == WAIT_OBJECT_0 ? std::string(view + 4) : "";
+    };
+    EXPECT_EQ(taken("it is not ready"), "");
+    SetEvent(ready.get());
+    EXPECT_EQ(taken("a"), "[time] <34> Info     a\n");
+    EXPECT_EQ(*reinterpret_cast<DWORD*>(view), GetCurrentProcessId());
+    SetEvent(ready.get());
+    std::string while_taken;  // a failure that is printed waits for the mutex, too
+    std::thread([&] {
+        WaitForSingleObject(mutex.get(), INFINITE);
+        std::thread([&] { while_taken = taken("another thread has the mutex"); }).join();
+        ReleaseMutex(mutex.get());
+    }).join();
+    EXPECT_EQ(while_taken, "");
+    faked_system.is_foreign = [](const std::wstring& name) { return name.empty(); };
+    EXPECT_EQ(taken("the monitor is another account's"), "");
+    faked_system.is_foreign = {};
+    EXPECT_EQ(taken(std::string(5000, 'b')), "[time] <34> Info     " + std::string(4091 - 21, 'b'));
+    UnmapViewOfFile(view);
 }
