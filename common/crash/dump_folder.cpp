@@ -7,9 +7,9 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
-#include "common/logging/file_trust.h"
 #include "common/logging/log_exception.h"
 #include "common/platform/account.h"
+#include "common/platform/file_trust.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"
 
@@ -78,9 +78,9 @@ bool delete_dump(const std::wstring& path) try {
 dump_folder_t open_dump_folder(const std::wstring& folder) {
     const std::wstring path = platform::system_path(folder);
     const std::wstring parent = platform::parent_of(folder);
-    logging::require_trusted_folder(parent);
+    platform::require_trusted_folder(parent);
     platform::create_directories(parent);
-    dump_folder_t opened{logging::require_trusted_folder(parent), {}};
+    dump_folder_t opened{platform::require_trusted_folder(parent), {}};
     if (!platform::create_private_folder(path) && GetLastError() != ERROR_ALREADY_EXISTS) {
         raise_for(folder, "Cannot create directory [%1].");
     }

@@ -21,7 +21,7 @@ struct dump_folder_t {
 //
 // Throws exc::runtime_exc_t "Dump folder [%1] is a link." (also if it is not where its path leads) or "Dump folder [%1]
 // belongs to another account." for a folder that somebody else may have put there, what
-// logging::require_trusted_folder() throws for the folders above it, and exc::win_sys_exc_t "Cannot create directory
+// platform::require_trusted_folder() throws for the folders above it, and exc::win_sys_exc_t "Cannot create directory
 // [%1].", "Cannot open dump folder [%1].", "Cannot protect dump folder [%1]." or "Cannot determine the current
 // account.".
 dump_folder_t open_dump_folder(const std::wstring& folder);

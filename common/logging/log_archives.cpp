@@ -12,7 +12,7 @@
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/file_trust.h"
+#include "common/platform/file_trust.h"
 #include "common/platform/owned.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"
@@ -111,7 +111,7 @@ void gzip_file(const std::wstring& source, const std::wstring& target, std::uint
 bool unpacks_to(const std::wstring& archive, const std::wstring& source, std::uint64_t size) {
     const platform::unique_file held =
         open_file(archive, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, unopened);
-    require_trusted_file(held.get(), archive);
+    platform::require_trusted_file(held.get(), archive);
     unique_gzip packed = open_gzip(archive, "rb");
     if (gzdirect(packed.get())) return false;  // not packed at all
     log_reader_t log(source, size);
@@ -181,7 +181,7 @@ private:
             if (name.size() <= stem_size) continue;
             const auto age = static_cast<std::uint32_t>(std::wcstoul(name.c_str() + stem_size + 1, nullptr, 10));
             const std::wstring path = archive_path(log_path_, age);
-            if (platform::same_path(name, path.substr(folder_size))) found.emplace(age, obstacle_at(path));
+            if (platform::same_path(name, path.substr(folder_size))) found.emplace(age, platform::obstacle_at(path));
         } while (FindNextFileW(search.get(), &entry));
         if (const DWORD code = GetLastError(); code != ERROR_NO_MORE_FILES) refuse(0, code);
         return found;
@@ -215,7 +215,7 @@ constexpr std::uint32_t most_obstacles = 1000;
 
 std::wstring newest_archive(const std::wstring& log_path) {
     std::uint32_t age = 0;
-    while (age < most_obstacles && !obstacle_at(archive_path(log_path, age)).empty()) ++age;
+    while (age < most_obstacles && !platform::obstacle_at(archive_path(log_path, age)).empty()) ++age;
     return archive_path(log_path, age);
 }
 

@@ -5,8 +5,8 @@
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/file_trust.h"
 #include "common/logging/log_archives.h"
+#include "common/platform/file_trust.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"
 
@@ -88,7 +88,7 @@ void log_file_t::archive() {
 
 win_log_file_t::win_log_file_t(const std::wstring& path, const size_limits_t& limits)
     : log_file_t(limits), path_(path) {
-    auto [file, existed] = open_log_file(path);
+    auto [file, existed] = platform::open_log_file(path);
     const DWORD code = GetLastError();
     if (!file && (code == ERROR_SHARING_VIOLATION || code == ERROR_LOCK_VIOLATION)) raise_locked(code);
     if (!file) fail(code, "Cannot open log file. Log path: [%1].");

@@ -5,7 +5,7 @@
 #include <boost/make_shared.hpp>
 
 #include "common/exc/raise.h"
-#include "common/logging/output_sinks.h"
+#include "common/platform/console.h"
 
 namespace logging {
 
@@ -15,7 +15,7 @@ log_file_set_t::log_file_set_t(std::vector<std::wstring> paths, const size_limit
 log_file_set_t::~log_file_set_t() {
     try {
         const std::string lost = file_->lost_records();
-        if (!lost.empty()) receiver::print(GetStdHandle(STD_ERROR_HANDLE), lost + "\r\n");
+        if (!lost.empty()) platform::print(GetStdHandle(STD_ERROR_HANDLE), lost + "\r\n");
     } catch (const std::exception&) {
         // There is no other place to say it.
     }

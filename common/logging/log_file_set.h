@@ -2,7 +2,6 @@
 
 #include <mutex>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
@@ -30,9 +29,6 @@ public:
 
     // Returns the path of the file in use. Any thread may ask.
     std::wstring path() const;
-
-    // Adds a warning that is written before the next record.
-    void add_warning(std::string_view text) { file_->add_warning(text); }
 
 private:
     boost::shared_ptr<receiver::log_file_t> open_first() const;

@@ -28,6 +28,15 @@ struct argument_list_holder_t {
     }
 };
 
+std::wstring common_application_data() {
+    std::array<wchar_t, MAX_PATH> path{};
+    const HRESULT result = SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_CURRENT, path.data());
+    if (result != S_OK) {
+        exc::raise_win_error(static_cast<std::uint32_t>(result), "Cannot get the common application-data folder.");
+    }
+    return path.data();
+}
+
 std::optional<std::uint64_t> log_size() {
     const auto value = platform::find_registry_value(product_key, L"AgentMaxLogSize");
     if (!value) return std::nullopt;
@@ -41,15 +50,6 @@ std::optional<std::uint32_t> archive_count() {
 }
 
 }  // namespace
-
-std::wstring common_application_data() {
-    std::array<wchar_t, MAX_PATH> path{};
-    const HRESULT result = SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_CURRENT, path.data());
-    if (result != S_OK) {
-        exc::raise_win_error(static_cast<std::uint32_t>(result), "Cannot get the common application-data folder.");
-    }
-    return path.data();
-}
 
 std::wstring base_log_directory() {
     const auto value = platform::find_registry_value(product_key, L"LogDirectory");

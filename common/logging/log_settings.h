@@ -11,12 +11,8 @@ struct size_limits_t {
     std::uint32_t archive_count = 10;
 };
 
-// Returns the folder of the common application data. Throws exc::win_sys_exc_t "Cannot get the common application-data
-// folder.".
-std::wstring common_application_data();
-
 // Returns "LogDirectory" or, if it is missing, the folder "Tovak\Backup" of the common application data. Throws
-// like common_application_data().
+// exc::win_sys_exc_t "Cannot get the common application-data folder.".
 std::wstring base_log_directory();
 
 // Returns the full path of the folder below it, which contains logs and dumps. Throws like base_log_directory().

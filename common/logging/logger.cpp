@@ -6,7 +6,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include "common/logging/crash_logging.h"
 #include "common/logging/output_sinks.h"
 #include "common/win32.h"
 

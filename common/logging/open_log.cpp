@@ -8,11 +8,11 @@
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/file_trust.h"
 #include "common/logging/log_exception.h"
 #include "common/logging/log_file_set.h"
 #include "common/logging/logger.h"
 #include "common/logging/output_sinks.h"
+#include "common/platform/file_trust.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/platform/versions.h"
@@ -72,10 +72,9 @@ void attach_echo(const component_t& component) try {
 void attach(const component_t& component, const log_options_t& options) {
     const std::string header = header_block();
     const std::wstring folder = platform::parent_of(options.path);
-    if (!require_trusted_folder(folder)) platform::create_directories(folder);  // nothing is created through a link
+    if (!platform::require_trusted_folder(folder))
+        platform::create_directories(folder);  // nothing is created through a link
     const auto file = boost::make_shared<log_file_set_t>(log_file_set_t::numbered(options.path), options.limits);
-    for (const std::wstring& foreign : foreign_folders(options.shared_folder, folder))
-        file->add_warning(exc::format_message(foreign_folder, text::wide_to_utf8(foreign)));
     process_logger().attach(file);
     exchange_file(file);
     if (options.switches.echo) attach_echo(component);
@@ -84,21 +83,19 @@ void attach(const component_t& component, const log_options_t& options) {
         process_logger().multiplex(std::cout);
     }
     component.info(header);
+    for (const std::wstring& foreign : platform::foreign_folders(options.shared_folder, folder))
+        component.log(level_warning, exc::format_message(foreign_folder, text::wide_to_utf8(foreign)));
 }
 
 [[noreturn]] void rethrow_unopened(const std::exception& cause, const std::wstring& path) {
     exc::rethrow_with_context(cause, exc::format_message("Failed to initialize log [%1].", text::wide_to_utf8(path)));
 }
 
-std::wstring shared_folder() try { return common_application_data(); } catch (const std::exception&) {
-    return {};  // only a warning is missing then
-}
-
 log_options_t options_of_process(const std::wstring& folder, const std::wstring& file_name) try {
     return {.path = platform::join_path(log_folder_path(folder), file_name),
             .limits = process_size_limits(),
             .switches = find_switches(GetCommandLineW()),
-            .shared_folder = shared_folder()};
+            .shared_folder = platform::expand_variables(L"%ProgramData%")};
 } catch (const std::exception& cause) {
     rethrow_unopened(cause, platform::join_path(folder, file_name));
 }

@@ -54,18 +54,6 @@ bool pass_to_monitor(std::string_view text) {
 
 }  // namespace
 
-void print(HANDLE stream, std::string_view text) {
-    if (platform::is_console(stream)) {
-        platform::write_console(stream, text::utf8_to_wide(std::string(text)));
-        return;
-    }
-    DWORD written = 0;
-    while (!text.empty() && WriteFile(stream, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
-           written > 0) {
-        text.remove_prefix(written);
-    }
-}
-
 void COutputDebugStringLog::write(const line_head_t& head, const record_t& record) {
     const std::uint64_t second = GetTickCount64() / 1000;
     if (std::exchange(looked_at_, second) != second) monitored_ = static_cast<bool>(open_trusted_section());
@@ -91,7 +79,7 @@ void stdout_log_file_t::write(const line_head_t& head, const record_t& record) {
     lines_.clear();
     sink_t::write(head, record);
     std::fflush(stdout);  // what was printed before the record comes first
-    print(output_, lines_);
+    platform::print(output_, lines_);
 }
 
 void stdout_log_file_t::write_line(const line_t& line) {

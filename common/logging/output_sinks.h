@@ -10,9 +10,6 @@
 
 namespace logging::receiver {
 
-// Writes UTF-8 to a console or file of the process, as far as it takes it.
-void print(HANDLE stream, std::string_view text);
-
 // Passes each line in the short layout to an attached debugger, or else to the program of a trusted account that
 // monitors debugger output; a monitor gets at most 4,091 bytes of a line. Looks for one once per second, and gives up
 // until then if a line was not taken within 20 ms.

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "common/text/convert.h"
+
 namespace platform {
 
 bool is_console(HANDLE handle) noexcept {
@@ -18,6 +20,17 @@ bool write_console(HANDLE console, std::wstring_view text) noexcept {
         text.remove_prefix(written);
     }
     return true;
+}
+
+void print(HANDLE target, const std::string& text) {
+    DWORD written = 0;
+    if (is_console(target)) {
+        write_console(target, text::utf8_to_wide(text));
+        return;
+    }
+    for (std::string_view rest = text; !rest.empty(); rest.remove_prefix(written)) {
+        if (!WriteFile(target, rest.data(), static_cast<DWORD>(rest.size()), &written, nullptr) || written == 0) return;
+    }
 }
 
 }  // namespace platform

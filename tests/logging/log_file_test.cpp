@@ -14,10 +14,10 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
-#include "common/logging/file_trust.h"
 #include "common/logging/log_archives.h"
 #include "common/logging/log_file_set.h"
 #include "common/logging/logger.h"
+#include "common/platform/file_trust.h"
 #include "common/platform/path.h"
 #include "tests/logging/faked_system.h"
 #include "tests/logging/log_test_kit.h"
@@ -376,7 +376,7 @@ TEST(file_trust, kinds_of_reparse_points) {
                 path = (folder / L"B.log").wstring();
             }
         };
-        const auto open = [&] { open_log_file((folder / L"A.log").wstring()); };
+        const auto open = [&] { platform::open_log_file((folder / L"A.log").wstring()); };
         if (c.reason == nullptr) {
             EXPECT_NO_THROW(open());
             EXPECT_EQ(last_flags & FILE_FLAG_OPEN_REPARSE_POINT, 0U);
@@ -403,12 +403,12 @@ TEST(file_trust, way_that_leads_elsewhere) {
         return testing::ThrowsMessage<exc::runtime_exc_t>(
             testing::HasSubstr(fs::path(platform::system_path(path)).string() + "] is not used: it leads elsewhere."));
     };
-    const auto require = [&] { require_trusted_folder(logs); };
+    const auto require = [&] { platform::require_trusted_folder(logs); };
     EXPECT_NO_THROW(require());
     changed = L"Sub\\Logs";
     EXPECT_THAT(require, refused(logs));
     changed = L"Sub\\Logs\\A.log";
-    EXPECT_THAT([&] { open_log_file(logs + L"\\A.log"); },
+    EXPECT_THAT([&] { platform::open_log_file(logs + L"\\A.log"); },
                 testing::ThrowsMessage<exc::runtime_exc_t>(testing::HasSubstr("it is in another folder")));
     // A link that is there all the time, of an account that is trusted and of another one.
     changed = L"Sub\\Logs";

@@ -117,10 +117,10 @@ TEST(log_process, warns_of_foreign_folders_above_the_log_and_of_a_missing_output
     SetStdHandle(STD_OUTPUT_HANDLE, output);
     std::vector<std::string> warnings = texts_in(path);
     std::erase_if(warnings, [](const std::string& text) { return !text.starts_with("WARN|"); });
-    EXPECT_THAT(warnings, testing::ElementsAre("WARN|Folder [" + (folder / L"shared\\a").string() +
-                                                   "] belongs to another account, which can replace what is in it.",
-                                               "WARN|Error: Failed to initialize stdout log.",
-                                               "WARN|Standard output is not available."));
+    EXPECT_THAT(warnings, testing::ElementsAre("WARN|Error: Failed to initialize stdout log.",
+                                               "WARN|Standard output is not available.",
+                                               "WARN|Folder [" + (folder / L"shared\\a").string() +
+                                                   "] belongs to another account, which can replace what is in it."));
 }
 
 // The program of kill_test.py. It announces each record that was logged.

@@ -7,10 +7,10 @@
 
 #include "common/platform/owned.h"
 
-namespace logging {
+namespace platform {
 
 struct opened_file_t {
-    platform::unique_file file;
+    unique_file file;
     bool existed;
 };
 
@@ -22,7 +22,7 @@ opened_file_t open_log_file(const std::wstring& path);
 
 // For a file that existed before it was opened. Open it with FILE_FLAG_OPEN_REPARSE_POINT and READ_CONTROL access.
 // Throws exc::runtime_exc_t "File [%1] is not used: %2." if the file is a link or folder, has more than one name, has
-// no trusted owner (see platform::has_trusted_owner()), or if its attributes cannot be read.
+// no trusted owner (see has_trusted_owner()), or if its attributes cannot be read.
 void require_trusted_file(HANDLE file, const std::wstring& path);
 
 // Returns what require_trusted_file() would throw for what is under this name; an empty text if there is nothing, or if
@@ -32,10 +32,10 @@ std::string obstacle_at(const std::wstring& path);
 // Returns a handle to the folder: until it is closed, Windows lets nobody rename the folder or one above it. The handle
 // is invalid if the folder does not exist. Throws exc::runtime_exc_t "Folder [%1] is not used: it leads elsewhere."
 // with the folder, or one above it, that is a link without a trusted owner, or to which the way was changed meanwhile.
-platform::unique_file require_trusted_folder(const std::wstring& path);
+unique_file require_trusted_folder(const std::wstring& path);
 
 // Returns the folder and those above it, up to the base and without it, that have no trusted owner. Returns none if the
 // folder is not below the base.
 std::vector<std::wstring> foreign_folders(const std::wstring& base, const std::wstring& folder);
 
-}  // namespace logging
+}  // namespace platform
