@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <set>
@@ -165,6 +166,19 @@ void check_format(const std::string& input) {
     require(exc::format_message(format, arguments[0]) == plain_format(format, {arguments[0]}), "formats one argument");
 }
 
+std::string shown_controls(const std::string& text) {
+    std::string shown;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool is_c1 = text[i] == '\xc2' && i + 1 < text.size() && (text[i + 1] & 0xe0) == 0x80;
+        const unsigned code = static_cast<unsigned char>(text[is_c1 ? ++i : i]);
+        const bool is_control = is_c1 || code == 127 || (code < 32 && code != '\t' && code != '\n');
+        char escape[8];
+        std::snprintf(escape, sizeof escape, "\\x%02X", code);
+        shown += is_control ? escape : std::string(1, text[i]);
+    }
+    return shown;
+}
+
 // The text, a character for each level and each step of depth, the prefix, and the time stamp.
 void check_lines(const std::string& input) {
     std::vector<std::string> parts = pieces(input, '|', 5);
@@ -172,9 +186,9 @@ void check_lines(const std::string& input) {
     record.level = static_cast<unsigned>(parts[1].size());
     record.depth = static_cast<unsigned>(parts[2].size());
     joining_sink_t sink;
-    sink.write({parts[4], 1U << input.size() % 32}, record);
+    sink.write({logging::time_stamp_t(parts[4]), 1U << input.size() % 32}, record);
     for (std::size_t at = 0; (at = parts[0].find("\r\n", at)) != std::string::npos;) parts[0].erase(at++, 1);
-    require(sink.joined == parts[0], "can be joined");
+    require(sink.joined == shown_controls(parts[0]), "can be joined");
 }
 
 // Two bytes are one UTF-16 unit.
