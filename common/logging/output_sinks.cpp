@@ -13,7 +13,7 @@
 namespace logging::receiver {
 namespace {
 
-// At most this long, once a second, a monitor or whoever holds its mutex can delay this program: what the system's own
+// At most this long, once a second, a monitor or the holder of its mutex can delay this program: what the system's own
 // function does waits without a limit.
 constexpr DWORD longest_wait = 10;
 
