@@ -12,8 +12,6 @@
 namespace logging {
 namespace {
 
-constexpr unsigned above_all_levels = UINT_MAX;
-
 logger_t* create_process_logger() {
     auto* const created = new logger_t;
     created->attach(boost::make_shared<receiver::COutputDebugStringLog>());
@@ -21,6 +19,12 @@ logger_t* create_process_logger() {
 }
 
 }  // namespace
+
+// The first limited wait looks for a function of the system, under the loader's lock: in a crash, another thread may
+// hold that.
+logger_t::logger_t() {
+    if (lock_.try_lock_for(std::chrono::milliseconds(0))) lock_.unlock();
+}
 
 logger_t::~logger_t() { clear_multiplexors(); }
 
@@ -65,7 +69,7 @@ void logger_t::seize(std::uint32_t crashed_thread, std::chrono::milliseconds wai
     if (lock_.try_lock_for(wait)) {
         crashed_thread_ = crashed_thread;
     } else {
-        lowest_level_ = above_all_levels;
+        lowest_level_ = UINT_MAX;  // above all levels
     }
 }
 

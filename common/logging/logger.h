@@ -18,7 +18,7 @@ namespace logging {
 
 class logger_t {
 public:
-    logger_t() = default;
+    logger_t();
     ~logger_t();
     logger_t(const logger_t&) = delete;
     logger_t& operator=(const logger_t&) = delete;

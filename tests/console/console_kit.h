@@ -101,6 +101,7 @@ inline std::string EndOf(const fs::path& file) {
 // What the process that had this number last has logged, without time and thread, wherever this machine keeps the logs.
 inline std::string LogOf(DWORD process) {
     std::string log;
+    const std::string last_line = "Clearing collection of cout multiplexors\\.";  // left out
     const std::string separator = "> " + std::string(77, '=') + "\r\n";
     auto newest = fs::file_time_type::min();
     for (const auto& file : fs::directory_iterator(logging::log_folder_path(L"RmanPluginLogs"))) {
@@ -113,8 +114,9 @@ inline std::string LogOf(DWORD process) {
         if (begin == std::string::npos || file.last_write_time() < newest) continue;
         newest = file.last_write_time();
         const std::size_t end = text.find(separator, text.find(separator, begin) + 1);  // of the next header
-        log = std::regex_replace(text.substr(begin, text.rfind("\r\n", end) + 2 - begin),
-                                 std::regex("\\r\\n(\\[.{19}\\] <.{6}> )?"), "\n");
+        log = std::regex_replace(
+            text.substr(begin, text.rfind("\r\n", end) + 2 - begin),
+            std::regex("\\r\\n(\\[.{19}\\] <.{6}> " + last_line + "\\r\\n)?(\\[.{19}\\] <.{6}> )?"), "\n");
     }
     return log;
 }
