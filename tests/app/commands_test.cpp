@@ -6,13 +6,11 @@
 #include "app/dispatch.h"
 #include "app/options.h"
 #include "tests/support/demo_host.h"
-#include "tests/support/recording_sink.h"
 #include "tests/support/scripted_console.h"
 
 namespace {
 
 using namespace app;
-using testing::Contains;
 using testing::EndsWith;
 using testing::HasSubstr;
 
@@ -36,41 +34,6 @@ protected:
 
     test_support::CDemoHost host_;
 };
-
-TEST_F(Commands, ValuesReachTheLibraryAsTyped) {
-    const struct {
-        std::vector<const char*> words;
-        const char* logged;
-        const char* outcome = "ok";
-    } cases[] = {
-        {{"--help"}, "Executing ShowHelp command."},
-        {{"--show-config"}, "Executing ShowConfig command."},
-        {{"--wizard"}, "Executing StartWizard command"},
-        {{"--set-host", " h "},
-         "Executing SetBackupServer command, host = [ h ]",
-         "The backup server [ h ] is not allowed: it is neither a host name nor an IP address.\n"
-         "Failed to execute method SetBackupServer"},
-        {{"--set-port", "70000"},
-         "Executing SetNetworkPort command, port = [70000]",
-         "The port 70000 is not allowed: ports are 1 to 65535.\nFailed to execute method SetBackupServerPort"},
-        {{"--set-parallelism", "0"},
-         "Executing SetParallelism command, parallelism = [0]",
-         "The parallelism 0 is not allowed: it is 1 to 64.\nFailed to execute method SetParallelism"},
-        {{"--set-credentials", " CORP \\ u "},
-         "Executing SetCredentials command, newDomainAndUsername = [ CORP \\ u ]"},
-        {{"--set-credentials", "a\\b\\c"},
-         "Read from console [Hidden data]",
-         "Failed to parse domain and username\nFailed to execute method SetCredentials"},
-    };
-    test_support::CScriptedConsole console({L" ", L"n", L" pw ", L"another"});
-    for (const auto& c : cases) {
-        test_support::CRecordedLog log;
-        EXPECT_EQ(Run(c.words), c.outcome);
-        EXPECT_THAT(log.lines(), Contains(c.logged));
-    }
-    EXPECT_THAT(console.transcript, HasSubstr(L"The backup server [ ] is not allowed"));
-    EXPECT_EQ(Configuration(), L" CORP | u | pw ");
-}
 
 TEST_F(Commands, NamesAndTextsAreShownHarmlessAndPassedOnAsTheyAre) {
     host_.Scenario(
@@ -97,13 +60,6 @@ TEST_F(Commands, APasswordInTheLibrarysTextIsConcealed) {
                                        {{"--set-credentials", "CORP\\u"}, "pw-%1: CORP has no pw-%1"}}) {
         EXPECT_EQ(Run(words), shown + std::string("\nFailed to execute method SetCredentials"));
     }
-}
-
-TEST_F(Commands, APasswordThatNobodyCanTypeIsNotSet) {
-    test_support::CScriptedConsole console({L""}, false);
-    EXPECT_EQ(Run({"--set-credentials", "CORP\\oracle"}),
-              "There is no console to read an answer from\nFailed to execute method SetCredentials");
-    EXPECT_EQ(host_.Calls("SetCredentialsDirect"), 0);
 }
 
 }  // namespace

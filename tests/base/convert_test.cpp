@@ -8,7 +8,10 @@
 #include "common/exc/raise.h"
 #include "common/exc/exceptions.h"
 #include "common/text/wipe.h"
-#include "tests/support/system_function.h"
+#include "tests/support/hook.h"
+
+HOOK(kernel32, MultiByteToWideChar)
+HOOK(kernel32, WideCharToMultiByte)
 
 namespace {
 
@@ -18,35 +21,24 @@ using namespace text;
 // every text that a test could build.
 int calls_until_failure = 0;
 
-template <class... Args>
-int ConvertOrFail(const char* function, Args... args) {
-    if (calls_until_failure > 0 && --calls_until_failure == 0) {
+template <class Hook>
+void FailWhenItsTurnComes() {
+    Hook::replacement = [](auto... args) {
+        if (calls_until_failure == 0 || --calls_until_failure > 0) return Hook::System(args...);
         SetLastError(ERROR_NO_UNICODE_TRANSLATION);
         return 0;
+    };
+}
+
+class Convert : public testing::Test {
+protected:
+    Convert() {
+        FailWhenItsTurnComes<MultiByteToWideChar_hook>();
+        FailWhenItsTurnComes<WideCharToMultiByte_hook>();
     }
-    return test_support::SystemFunction<int WINAPI(Args...)>(function)(args...);
-}
+};
 
-int WINAPI ToWide(UINT page, DWORD flags, LPCCH source, int length, LPWSTR target, int size) {
-    return ConvertOrFail("MultiByteToWideChar", page, flags, source, length, target, size);
-}
-
-int WINAPI ToNarrow(UINT page, DWORD flags, LPCWCH source, int length, LPSTR target, int size, LPCCH other,
-                    LPBOOL used) {
-    return ConvertOrFail("WideCharToMultiByte", page, flags, source, length, target, size, other, used);
-}
-
-}  // namespace
-
-// The names under which the linker looks for an imported function.
-extern "C" {
-decltype(&ToWide) __imp_MultiByteToWideChar = &ToWide;
-decltype(&ToNarrow) __imp_WideCharToMultiByte = &ToNarrow;
-}
-
-namespace {
-
-TEST(Convert, RoundTripsAndCutsAtANull) {
+TEST_F(Convert, RoundTripsAndCutsAtANull) {
     const std::wstring wide = L"a\u00e4\u4e2d\xd83d\xde00z";
     const std::string narrow = "a\xc3\xa4\xe4\xb8\xad\xf0\x9f\x98\x80z";
     EXPECT_EQ(utf8_to_wide(narrow), wide);
@@ -62,7 +54,7 @@ TEST(Convert, RoundTripsAndCutsAtANull) {
     EXPECT_EQ(utf8_to_wide(std::string("\0b", 2)), L"");
 }
 
-TEST(Convert, ReplacesWhatIsNoTextAndConvertsNothingWithoutACall) {
+TEST_F(Convert, ReplacesWhatIsNoTextAndConvertsNothingWithoutACall) {
     EXPECT_EQ(utf8_to_wide("a\xff z"), L"a\xfffd z");
     EXPECT_EQ(wide_to_utf8(L"a\xd800z\xdc00"), "a\xef\xbf\xbdz\xef\xbf\xbd");
     calls_until_failure = 1;
@@ -71,7 +63,7 @@ TEST(Convert, ReplacesWhatIsNoTextAndConvertsNothingWithoutACall) {
     EXPECT_EQ(std::exchange(calls_until_failure, 0), 1);
 }
 
-TEST(Convert, FailuresNameTheConversionAndTheSourceOfNarrowText) {
+TEST_F(Convert, FailuresNameTheConversionAndTheSourceOfNarrowText) {
     const struct {
         void (*convert)();
         const char* sentence;
@@ -92,7 +84,7 @@ TEST(Convert, FailuresNameTheConversionAndTheSourceOfNarrowText) {
     }
 }
 
-TEST(Convert, AnErrorTextThatCannotBeConvertedDoesNotRecurse) {
+TEST_F(Convert, AnErrorTextThatCannotBeConvertedDoesNotRecurse) {
     calls_until_failure = 1;
     EXPECT_NE(exc::get_error_text(ERROR_ACCESS_DENIED), "");
     EXPECT_EQ(calls_until_failure, 0);

@@ -6,23 +6,9 @@
 
 #include "common/exc/raise.h"
 #include "common/text/convert.h"
-#include "tests/support/system_function.h"
+#include "tests/support/hook.h"
 
-namespace {
-
-DWORD first_flags = 0, first_language = 0;  // of the first request for a text
-
-DWORD WINAPI Format(DWORD flags, LPCVOID source, DWORD code, DWORD language, LPWSTR text, DWORD size, va_list* values) {
-    if (first_flags == 0) first_flags = flags, first_language = language;
-    const auto original = test_support::SystemFunction<decltype(FormatMessageW)>("FormatMessageW");
-    return original(flags, source, code, language, text, size, values);
-}
-
-}  // namespace
-
-extern "C" {
-decltype(&Format) __imp_FormatMessageW = &Format;
-}
+HOOK(kernel32, FormatMessageW)
 
 namespace {
 
@@ -48,10 +34,14 @@ TEST(Exceptions, ComposeBothMessages) {
 }
 
 TEST(Exceptions, EveryCodeHasAText) {
-    first_flags = 0;
+    std::vector<std::pair<DWORD, DWORD>> requests;
+    FormatMessageW_hook::replacement = [&](DWORD flags, auto from, auto code, DWORD language, auto... rest) {
+        requests.emplace_back(flags, language);
+        return FormatMessageW_hook::System(flags, from, code, language, rest...);
+    };
     const std::string given = get_error_text(ERROR_ACCESS_DENIED);
-    EXPECT_EQ(first_flags, 0x1300U);
-    EXPECT_EQ(first_language, 0x409U);
+    FormatMessageW_hook::replacement = nullptr;
+    EXPECT_EQ(requests.at(0), std::pair(DWORD{0x1300}, DWORD{0x409}));
     wchar_t text[512] = L"";  // stays empty on a system without English texts
     FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_ACCESS_DENIED, 0x409, text, 512, nullptr);
     text[std::wcscspn(text, L"\r\n")] = L'\0';

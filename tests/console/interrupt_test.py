@@ -9,12 +9,7 @@ COUNT = os.environ.get("ORMACON_INTERRUPTS")  # for scripts/soak.sh
 RUNS = int(COUNT or 30)
 CLOSED_WINDOWS = int(COUNT or 3)
 PROMPT = r"Enter password for CORP\oracle: "
-# Of the wizard on a host without a configuration.
-FIRST = [("Enter backup server name or IP address : ", "h.example.org"), ("Enter backup server port 0: ", "10006"),
-         ("Enter username: ", r"CORP\oracle"), (PROMPT, "s3cret-word"),
-         ("Specify up to 4 Tovak repositories to use as target using whitespace as a separator: ", "3 1"),
-         ("Enter the number of data streams (1-64) to run in parallel for each repository (RMAN DEVICE PARALLELISM "
-          "value). Channel count per device [1]: ", "8")]
+ANSWERS = ["h.example.org", "10006", r"CORP\oracle", "s3cret-word", "3 1", "8"]  # to the wizard
 
 
 class Interrupts(ConsoleTest):
@@ -73,7 +68,7 @@ class Interrupts(ConsoleTest):
         for count, prompt in ((3, PROMPT), (6, "Enter: ")):
             with self.subTest(prompt):
                 terminal = self.start_in_shell("wait", 1, "--wizard")
-                self.talk(terminal, FIRST[:count])
+                self.answer(terminal, ANSWERS[:count])
                 self.await_prompt(terminal, prompt)
                 terminal.press("C-c")
                 self.await_ends(terminal, 1)

@@ -34,11 +34,9 @@ class Secrets(ConsoleTest):
         self.screens.append(super().ending(terminal, status))
         return self.screens[-1]
 
-    def answer(self, option, answers, status=0):
+    def run_and_answer(self, option, answers, status=0):
         terminal = self.start(*option)
-        for answer in answers:
-            self.assertTrue(terminal.wait_for_prompt_or_end(0.1), terminal.screen())
-            terminal.answer(answer)
+        self.answer(terminal, answers)
         self.ending(terminal, status)
 
     def use_everything(self):
@@ -46,15 +44,15 @@ class Secrets(ConsoleTest):
             self.run_program(*words)
         for fault, status in FAULTS:
             self.scenario(f'<Function name="SetCredentialsDirect" {fault}/>')
-            self.answer([CREDENTIALS, "user"], [SECRET], status)
+            self.run_and_answer([CREDENTIALS, "user"], [SECRET], status)
             self.assertEqual({"SetCredentialsDirect": 1}, self.calls())
         for faults, answers, status in WIZARDS:
             self.scenario(faults)
-            self.answer(["--wizard"], answers, status)
+            self.run_and_answer(["--wizard"], answers, status)
             self.assertLessEqual(1, self.calls()["SetCredentials"])
         for words in OTHERS:
             self.run_program(*words)
-        self.answer(["--set-repositories"], ["1"])
+        self.run_and_answer(["--set-repositories"], ["1"])
 
     def test_found_nowhere(self):
         self.use_everything()

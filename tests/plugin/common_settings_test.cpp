@@ -8,47 +8,37 @@
 #include "common/text/convert.h"
 #include "tests/support/demo_host.h"
 #include "tests/support/recording_sink.h"
-#include "tests/support/system_function.h"
+#include "tests/support/hook.h"
+
+HOOK(kernel32, CreateFileW)
+HOOK(kernel32, GetFileAttributesW)
 
 namespace {
 
 using plugin::common_settings_t;
-using test_support::SystemFunction;
 using testing::ElementsAre;
 
 DWORD refusal = ERROR_SUCCESS;  // with which the system refuses the settings file
 
 // Windows refuses a long path in its ordinary form, unless the machine allows it. Wine never does.
-bool IsRefused(const std::wstring& path) {
-    const bool is_long = path.size() >= MAX_PATH && !path.starts_with(L"\\\\?\\");
-    const DWORD code = is_long ? ERROR_PATH_NOT_FOUND : path.ends_with(L"tovak_common_config.xml") ? refusal : 0;
-    if (code != ERROR_SUCCESS) SetLastError(code);
-    return code != ERROR_SUCCESS;
+template <class Hook, class Result>
+void RefuseWith(Result result) {
+    Hook::replacement = [=](const std::wstring& path, auto... rest) {
+        const bool is_long = path.size() >= MAX_PATH && !path.starts_with(L"\\\\?\\");
+        const DWORD code = is_long ? ERROR_PATH_NOT_FOUND : path.ends_with(L"tovak_common_config.xml") ? refusal : 0;
+        if (code == ERROR_SUCCESS) return Hook::System(path.c_str(), rest...);
+        SetLastError(code);
+        return result;
+    };
 }
-
-DWORD WINAPI GetAttributes(LPCWSTR path) {
-    return IsRefused(path) ? INVALID_FILE_ATTRIBUTES
-                           : SystemFunction<decltype(GetFileAttributesW)>("GetFileAttributesW")(path);
-}
-
-HANDLE WINAPI Open(LPCWSTR path, DWORD access, DWORD sharing, LPSECURITY_ATTRIBUTES security, DWORD disposition,
-                   DWORD flags, HANDLE like) {
-    return IsRefused(path) ? INVALID_HANDLE_VALUE
-                           : SystemFunction<decltype(CreateFileW)>("CreateFileW")(path, access, sharing, security,
-                                                                                  disposition, flags, like);
-}
-
-}  // namespace
-
-extern "C" {
-decltype(&GetAttributes) __imp_GetFileAttributesW = &GetAttributes;
-decltype(&Open) __imp_CreateFileW = &Open;
-}
-
-namespace {
 
 class CommonSettings : public testing::Test {
 protected:
+    CommonSettings() {
+        RefuseWith<CreateFileW_hook>(INVALID_HANDLE_VALUE);
+        RefuseWith<GetFileAttributesW_hook>(INVALID_FILE_ATTRIBUTES);
+    }
+
     common_settings_t Load(const std::string& content) {
         test_support::WriteFileText(folder_ / "tovak_common_config.xml", content);
         return LoadFrom(folder_.path);
@@ -77,7 +67,7 @@ protected:
 
 TEST_F(CommonSettings, ElementsComeBeforeAttributes) {
     std::string flat;
-    for (int i = 0; i < 1001; ++i) flat += "<x>1</x><y/>";
+    for (int i = 0; i < 1001; ++i) flat += "<x z='a > b'>1</x><y z=\"'\"/><!-- <a> --><![CDATA[<a>]]>";
     for (const char* parameters :
          {"<PluginParameters><minPluginManagerPort>7001</minPluginManagerPort><managerConnectionAttempsCount> 5"
           "</managerConnectionAttempsCount><managerLockDir>\r\n <!-- x -->C:\\&#xE4;<!-- x -->  l\t</managerLockDir>"
@@ -145,7 +135,7 @@ TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
                         unable + "There is no node with the specified name: [" + node + "]."});
     }
     std::string deep;
-    while (deep.size() < 60000) deep += "<a x='>'><!--></a>-->";
+    while (deep.size() < 60000) deep += "<a x='/>'><!--></a>--><![CDATA[</a>]]><?b?><!c>";
     Load(deep);
     ExpectDefaults({loading, unable + "Elements are nested more than 1000 deep (line 1)."});
     Load("<a x='</a>'>");

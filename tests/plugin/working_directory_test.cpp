@@ -11,49 +11,19 @@
 #include "common/platform/path.h"
 #include "common/text/convert.h"
 #include "tests/support/recording_sink.h"
-#include "tests/support/system_function.h"
+#include "tests/support/hook.h"
 #include "tests/support/test_registry.h"
 
-namespace {
+HOOK(kernel32, DeviceIoControl)
+HOOK(kernel32, GetModuleFileNameW)
+HOOK(kernel32, GetModuleHandleExW)
 
-using test_support::SystemFunction;
-
-// What the hooks below say, where set.
-HMODULE runs_in = nullptr;  // the module that this code is in
-bool is_link = false;       // each file is a symbolic link, with this content
-bool has_path = true;       // otherwise, the path of a module cannot be read
-
-const struct {
+static const struct {
     DWORD tag;
     USHORT data_size, reserved, name_at, name_size, shown_at, shown_size;
     DWORD is_relative;
     wchar_t name[15];
 } link = {IO_REPARSE_TAG_SYMLINK, 42, 0, 0, 28, 0, 28, 0, L"D:\\links\\t.exe"};
-
-BOOL WINAPI FindModule(DWORD flags, LPCWSTR address, HMODULE* module) {
-    const auto original = SystemFunction<decltype(GetModuleHandleExW)>("GetModuleHandleExW");
-    return runs_in != nullptr ? (*module = runs_in, TRUE) : original(flags, address, module);
-}
-
-DWORD WINAPI ModulePath(HMODULE module, LPWSTR path, DWORD size) {
-    if (has_path) return SystemFunction<decltype(GetModuleFileNameW)>("GetModuleFileNameW")(module, path, size);
-    SetLastError(ERROR_MOD_NOT_FOUND);
-    return 0;
-}
-
-BOOL WINAPI Control(HANDLE file, DWORD, void*, DWORD, void* out, DWORD, DWORD* size, OVERLAPPED*) {
-    SetLastError(ERROR_NOT_A_REPARSE_POINT);
-    if (is_link) std::memcpy(out, &link, *size = sizeof link);
-    return file != INVALID_HANDLE_VALUE && is_link;
-}
-
-}  // namespace
-
-extern "C" {
-decltype(&FindModule) __imp_GetModuleHandleExW = &FindModule;
-decltype(&ModulePath) __imp_GetModuleFileNameW = &ModulePath;
-decltype(&Control) __imp_DeviceIoControl = &Control;
-}
 
 TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) {
     test_support::CTestRegistry registry;
@@ -76,20 +46,24 @@ TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) 
     registry.SetText(plugin::plugin_registry_key, L"LinkTargetPath", L"");
     expect(folder, {no_text, by_module});
 
-    is_link = true;
+    DeviceIoControl_hook::replacement = [](auto file, auto, auto, auto, void* out, auto, DWORD* size, auto) {
+        std::memcpy(out, &link, *size = sizeof link);
+        return file != INVALID_HANDLE_VALUE;
+    };
     expect(L"D:\\links", {no_text, by_module, "Path to executable [" + shown + "] is symlink to [D:\\links\\t.exe]"});
-    is_link = false;
-    runs_in = GetModuleHandleW(L"kernel32.dll");
-    const std::wstring library = platform::module_path(runs_in);
+    DeviceIoControl_hook::Fail(ERROR_NOT_A_REPARSE_POINT);
+    const HMODULE other = GetModuleHandleW(L"kernel32.dll");
+    GetModuleHandleExW_hook::replacement = [=](auto, auto, HMODULE* module) { return (*module = other) != nullptr; };
+    const std::wstring library = platform::module_path(other);
     expect(platform::parent_of(library),
            {no_text, "Getting current directory by dynamic lib path [" + text::wide_to_utf8(library) + "]"});
-    runs_in = nullptr;
-    has_path = false;
+    GetModuleHandleExW_hook::replacement = nullptr;
+    GetModuleFileNameW_hook::Fail(ERROR_MOD_NOT_FOUND);
     const std::wstring current = std::filesystem::current_path().wstring();
     expect(current, {no_text, "WARN|" + exc::get_error_text(ERROR_MOD_NOT_FOUND), "WARN|Cannot get module path.",
                      "WARN|--tr:Error code: 0x0000007e",
                      "Failed to get current directory path. Temporary value [" + text::wide_to_utf8(current) + "]"});
-    has_path = true;
+    GetModuleFileNameW_hook::replacement = nullptr;
 
     registry.SetText(plugin::plugin_registry_key, L"LinkTargetPath", L"D:\\links \u4e2d");
     expect(L"D:\\links \u4e2d", {"Target link path: D:\\links \u4e2d"});

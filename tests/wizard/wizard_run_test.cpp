@@ -211,6 +211,7 @@ TEST_F(WizardRun, WhatIsWrongWithAnAnswerIsShown) {
         const wchar_t* message;
         const char* scenario = "";
     } cases[] = {
+        {0, L" ", L"The backup server [ ] is not allowed: it is neither a host name nor an IP address."},
         {1, L"", L"The port 0 is not allowed: ports are 1 to 65535."},
         {1, L"2147483648", L"Cannot convert value [2147483648] from string"},
         {2, L"a\\b\\c", L"Failed to parse domain and username"},
