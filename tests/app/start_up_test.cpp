@@ -10,49 +10,15 @@
 #include "common/plugin/working_directory.h"
 #include "tests/support/demo_host.h"
 #include "tests/support/recording_sink.h"
-#include "tests/support/system_function.h"
+#include "tests/support/hook.h"
 #include "tests/support/test_registry.h"
 
 #include <objidl.h>
 
-namespace {
-
-using test_support::SystemFunction;
-
-bool is_kept_loaded = false;  // the configuration library
-std::wstring searched_instead = L"the current folder";
-
-// Wine's own function is not found there: the program does what it does on Windows.
-HMODULE WINAPI FindModule(LPCWSTR name) {
-    const bool is_wines = name != nullptr && std::wstring_view(name) == L"ntdll.dll";
-    return SystemFunction<decltype(GetModuleHandleW)>("GetModuleHandleW")(is_wines ? L"kernel32.dll" : name);
-}
-
-BOOL WINAPI SetFolder(LPCWSTR folder) {
-    searched_instead = folder;
-    SetLastError(ERROR_ACCESS_DENIED);
-    return FALSE;
-}
-
-BOOL WINAPI SetPolicy(PROCESS_MITIGATION_POLICY, PVOID, SIZE_T) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return FALSE;
-}
-
-BOOL WINAPI Free(HMODULE module) {
-    const bool is_kept = is_kept_loaded && module == GetModuleHandleW(L"OrmaconLib.dll");
-    if (is_kept) SetLastError(ERROR_BUSY);
-    return !is_kept && SystemFunction<decltype(FreeLibrary)>("FreeLibrary")(module);
-}
-
-}  // namespace
-
-extern "C" {
-decltype(&FindModule) __imp_GetModuleHandleW = &FindModule;
-decltype(&SetFolder) __imp_SetDllDirectoryW = &SetFolder;
-decltype(&SetPolicy) __imp_SetProcessMitigationPolicy = &SetPolicy;
-decltype(&Free) __imp_FreeLibrary = &Free;
-}
+HOOK(kernel32, FreeLibrary)
+HOOK(kernel32, GetModuleHandleW)
+HOOK(kernel32, SetDllDirectoryW)
+HOOK(kernel32, SetProcessMitigationPolicy)
 
 TEST(Run, ReportsWhatFailsBeforeTheLogIsOpenAndAfterTheCommand) {
     const test_support::CDemoHost host;
@@ -63,9 +29,26 @@ TEST(Run, ReportsWhatFailsBeforeTheLogIsOpenAndAfterTheCommand) {
     std::ostringstream printed;
     std::streambuf* const screen = std::cout.rdbuf(printed.rdbuf());
     const char* const words[] = {"Ormacon.exe", "--set-port", "10006"};
-    is_kept_loaded = true;
+    std::wstring searched_instead = L"the current folder";
+    SetDllDirectoryW_hook::replacement = [&](LPCWSTR folder) {
+        searched_instead = folder;
+        SetLastError(ERROR_ACCESS_DENIED);
+        return FALSE;
+    };
+    SetProcessMitigationPolicy_hook::Fail(ERROR_INVALID_PARAMETER);
+    // Wine's own function is not found there: the program does what it does on Windows.
+    GetModuleHandleW_hook::replacement = [](LPCWSTR name) {
+        const bool is_wines = name != nullptr && std::wstring_view(name) == L"ntdll.dll";
+        return GetModuleHandleW_hook::System(is_wines ? L"kernel32.dll" : name);
+    };
+    FreeLibrary_hook::replacement = [](HMODULE module) {
+        if (module != GetModuleHandleW(L"OrmaconLib.dll")) return FreeLibrary_hook::System(module);
+        SetLastError(ERROR_BUSY);
+        return FALSE;
+    };
     app::Run(3, words);
-    is_kept_loaded = false;
+    SetDllDirectoryW_hook::replacement = nullptr;
+    FreeLibrary_hook::replacement = nullptr;
     FreeLibrary(GetModuleHandleW(L"OrmaconLib.dll"));
     std::cout.rdbuf(screen);
     logging::close_log();
@@ -82,6 +65,7 @@ TEST(Run, ReportsWhatFailsBeforeTheLogIsOpenAndAfterTheCommand) {
                     "or is empty."));
     EXPECT_EQ(printed.str(), exc::get_error_text(ERROR_BUSY) +
                                  "\nFailed to unload configuration library\n--tr:Error code: 0x000000aa\n");
+    EXPECT_THAT(log.lines(), testing::Contains("ERR |Unloading configuration library Failed."));
     APTTYPE apartment{};
     APTTYPEQUALIFIER qualifier{};
     EXPECT_EQ(CoGetApartmentType(&apartment, &qualifier), S_OK);

@@ -87,23 +87,6 @@ void GetTBRRepositories(CConfigToolLibCaller& caller) {
 
 const std::vector<RepositoryEntry> one_repository{{L"REP-0001", L"Central Primary", 1, 1, false}};
 
-TEST_F(LibCaller, EachFailureHasTheLibrarysTextAndItsLogLines) {
-    const std::pair<std::string, std::function<void(CConfigToolLibCaller&)>> operations[] = {
-        {"SetPort", [](auto& c) { c.SetPort(1); }},
-        {"MapBackup", [](auto& c) { c.MapBackup(); }},
-        {"Uninstall", [](auto& c) { c.Uninstall(); }},
-    };
-    CConfigToolLibCaller caller(CallerMode::Direct);
-    for (const auto& [name, call] : operations) {
-        host_.Scenario("<Function name='" + name + "Direct' fail='Refused: %1 \u00e4\u4e2d'/>");
-        log_.Clear();
-        EXPECT_EQ(FailureOf([&] { call(caller); }), "Refused: %1 \u00e4\u4e2d") << name;
-        EXPECT_THAT(log_.lines(),
-                    ElementsAre("Calling " + name + " function", "ERR |Failed to call " + name + " function"));
-        host_.ExpectMemoryBalanced(name);
-    }
-}
-
 TEST_F(LibCaller, ReceivedRepositoriesAreLoggedAndAppended) {
     host_.Scenario(
         "<Repositories><Repository id='R1' name='\u00e4' capacity='21990232555520' freeSpace='0.5' encryption='1'/>"
@@ -225,16 +208,6 @@ TEST_F(LibCaller, TheFirstMissingExportIsNamed) {
             EXPECT_TRUE(library_.IsLoaded()) << *name;
         }
     }
-}
-
-TEST_F(LibCaller, FailureOfUnloadingIsRaisedOnce) {
-    CConfigToolLibCaller caller(CallerMode::Direct);
-    FreeLibrary(GetModuleHandleW(L"OrmaconLib.dll"));
-    log_.Clear();
-    EXPECT_THAT([&] { caller.Unload(); },
-                ThrowsMessage<exc::win_sys_exc_t>(testing::HasSubstr("\nFailed to unload configuration library\n")));
-    EXPECT_THAT(log_.lines(),
-                ElementsAre("Unloading configuration library", "ERR |Unloading configuration library Failed."));
 }
 
 }  // namespace

@@ -139,6 +139,7 @@ TEST_F(Commands, CallOneFunctionAndPrintOnlyItsFailureToARedirectedOutput) {
             EXPECT_THAT(Redirect(c.options, "Refused: %1 äж" + failed + c.method + "\n", flags),
                         EndsWith(begin + "ERR |Failed to call " + c.call + " function\nERR |Executing method " +
                                  c.method + " Failed.\n" + unloaded));
+            host_.ExpectMemoryBalanced(name);
         }
     }
     EXPECT_EQ(console.Rows(), "");

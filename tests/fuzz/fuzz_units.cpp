@@ -28,12 +28,11 @@ const std::vector<unit_t>& units() {
     constexpr char units[] =
         "a\0~\n\0~\r\0\n\0~\r\0~\t\0~\x1f\0~\x7f\0~\x9f\0~\x1c\x06~\x0e\x20~\x29\x20~\x2e\x20~\x66\x20~\x69\x20";
     static const std::vector<unit_t> all = {
-        {"account", check_account, pieces("\\~/~@~CORP~oracle~CORP\\oracle", '~')},
         {"exception", check_exception, pieces({exceptions, sizeof exceptions - 1}, '~')},
         {"format", check_format, pieces("%~%1~%2~%3~% +1~%-~%0~%4294967296~%\t-4294967295~|", '~')},
-        {"integer", check_integer, pieces("+~-~0~7~2147483647~2147483648~-2147483649~4294967297~ ", '~')},
         {"lines", check_lines, pieces("\n~\r\n~\r~|~4~3~prefix ~0123456789abcde~sixteen or more ", '~')},
-        {"selection", check_selection, pieces(" ~1 ~ 2~3 ~+4 ~05 ~0 ~-1~  ~|~||6 rep.|~|SE|6 rep.|", '~')},
+        {"selection", check_selection,
+         pieces(" ~1 ~ 2~3 ~2147483648 ~4294967297 ~4294967298 ~+4 ~05 ~0 ~-1~  ~|~||6 rep.|~|SE|6 rep.|", '~')},
         {"settings", check_settings, pieces(settings, '~')},
         {"shown", check_shown, pieces({units, sizeof units - 1}, '~')},
     };
@@ -101,22 +100,6 @@ std::vector<std::string> values_of(const plugin::common_settings_t& settings) {
 }
 
 }  // namespace
-
-void check_integer(const std::string& input) {
-    std::optional<int> value;
-    refuses([&] { value = wizard::ConvertAnswer(wide(input)); });
-    require(value == plain_integer(input), "accepts only decimal 32-bit integers");
-    require(!value || wizard::ParseInt(std::to_wstring(*value)) == *value, "the number's own text gives it");
-}
-
-void check_account(const std::string& input) {
-    const auto backslashes = std::ranges::count(input, '\\');
-    wizard::Account account;
-    require(refuses([&] { account = wizard::SplitAccount(wide(input)); }) == (backslashes > 1), "refuses two or more");
-    if (backslashes > 1) return;
-    require(backslashes == 1 || account.domain.empty(), "without a backslash there is no domain");
-    require(account.domain + wide(backslashes == 1 ? "\\" : "") + account.user_name == wide(input), "can be joined");
-}
 
 // The answer, anything for the Standard Edition, and a character for each repository offered.
 void check_selection(const std::string& input) {

@@ -11,8 +11,7 @@
 namespace fuzz {
 
 using check_t = void(const std::string& input);
-check_t check_account, check_exception, check_format, check_integer, check_lines, check_selection, check_settings,
-    check_shown;
+check_t check_exception, check_format, check_lines, check_selection, check_settings, check_shown;
 
 struct unit_t {
     const char* name;
