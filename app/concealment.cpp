@@ -26,7 +26,8 @@ bool IsOption(std::string_view word) {
 bool IsCredentials(std::string_view word) {
     const std::string_view name = NameOf(word);
     const std::string_view whole = option_set_credentials;
-    return name == whole || (name.size() < word.size() && whole.starts_with(name));
+    const bool is_marked = word.starts_with('-') || word.starts_with('/');
+    return name == whole || (is_marked && !name.empty() && whole.starts_with(name));
 }
 
 void Replace(std::string& complaint, std::string_view word, const std::string& shown) {

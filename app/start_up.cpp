@@ -33,8 +33,6 @@ public:
     }
 
 private:
-    void write_line(const logging::line_t&) override {}
-
     std::vector<std::pair<unsigned, std::string>> records_;
 };
 

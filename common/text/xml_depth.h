@@ -8,8 +8,8 @@
 namespace text {
 
 // Returns what is wrong, as an English sentence with the line, or an empty text: elements that are nested deeper than
-// the limit, or a "<" within a tag. XML forbids it there, and the parser takes it for text; only in a DOCTYPE it is
-// allowed, which the parser does not understand either.
+// the limit, or a "<" within a tag. XML forbids it there except in a DOCTYPE, and the parser takes it for text, in a
+// DOCTYPE, too.
 std::string find_xml_fault(std::string_view content, int deepest);
 
 }  // namespace text

@@ -65,6 +65,7 @@ TEST(Dispatch, ComplaintsOfTheParserGetTheirContext) {
         {{"--set-credentials", "user", "--set-p=s3cret"},
          "option '--set-p=***' is ambiguous and matches '--set-parallelism', and '--set-port'"},
         {{"/set-cred", "user", "-s3cret"}, "unrecognised option '***'"},
+        {{"/", "s=", "-misspelt"}, "unrecognised option '-misspelt'"},
         {{"--password=s3cret=", "--set-credentials=user"}, "unrecognised option '--password=***'"},
         {{"--set=s3cret"},
          "option '--set=***' is ambiguous and matches '--set-credentials', '--set-host', '--set-parallelism', "
