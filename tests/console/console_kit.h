@@ -124,7 +124,8 @@ inline std::string LogOf(DWORD process) {
 // A run of the program. The streams are input, output and error.
 class CProcess {
 public:
-    CProcess(const fs::path& program, const std::string& options, std::array<HANDLE, 3> streams, DWORD flags = 0) {
+    CProcess(const fs::path& program, const std::string& options, const std::array<HANDLE, 3>& streams,
+             DWORD flags = 0) {
         STARTUPINFOW how{};
         how.cb = sizeof how;
         how.dwFlags = STARTF_USESTDHANDLES;
