@@ -26,8 +26,8 @@ constexpr unsigned most_dumps = 10;
 constexpr const wchar_t* base_name = L"Ormacon_crash";
 constexpr std::chrono::milliseconds longest_log_wait(1000);
 
-// Replaced, never changed: the crashed thread may be the one that sets them. The program's folder is looked up before a
-// crash: that needs the loader's lock, which the crashed thread may hold.
+// Replaced, never changed: the crashed thread may be the one that sets them, and have the loader's lock, which is
+// needed to look up the program's folder.
 struct folders_t {
     std::wstring dumps;
     std::wstring program;
@@ -55,10 +55,7 @@ bool attempt(const Step& step) noexcept try {
     return false;
 }
 
-std::wstring known_folder() {
-    const folders_t* const known = folders;
-    return known == nullptr ? std::wstring() : known->dumps;
-}
+std::wstring known_folder() { return folders == nullptr ? std::wstring() : folders.load()->dumps; }
 
 void begin(state_t&) { logging::ormacon_tool.info("Trying to generate crash dump"); }
 

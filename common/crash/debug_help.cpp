@@ -42,8 +42,7 @@ std::string module_at(std::uint64_t address) {
 platform::unique_module load_debug_help() {
     platform::unique_module library;
     platform::call_guarded([&] {
-        *library.put() = LoadLibraryExW(L"dbghelp.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-        return true;
+        return (*library.put() = LoadLibraryExW(L"dbghelp.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32)) != nullptr;
     });
     return library;
 }

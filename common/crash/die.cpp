@@ -37,17 +37,16 @@ DWORD WINAPI run_spare_thread(void*) {
 
 // False when there is no such thread, which includes a process that is exiting, and when this is it.
 bool wake_spare_thread() noexcept {
-    if (GetThreadId(spare_thread) == GetCurrentThreadId()) return false;
-    if (WaitForSingleObject(spare_thread, 0) != WAIT_TIMEOUT) return false;
-    return SetEvent(spare_thread_needed);
+    return GetThreadId(spare_thread) != GetCurrentThreadId() && WaitForSingleObject(spare_thread, 0) == WAIT_TIMEOUT &&
+           SetEvent(spare_thread_needed);
 }
 
 }  // namespace
 
 void prepare_spare_thread() noexcept {
     spare_thread_needed = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    if (spare_thread_needed == nullptr) return;
-    spare_thread = CreateThread(nullptr, spare_stack, &run_spare_thread, nullptr, 0, nullptr);
+    if (spare_thread_needed != nullptr)
+        spare_thread = CreateThread(nullptr, spare_stack, &run_spare_thread, nullptr, 0, nullptr);
 }
 
 bool is_handling_crash() noexcept { return handling_thread == GetCurrentThreadId(); }

@@ -5,9 +5,8 @@
 
 namespace crash {
 
-// Starts the spare thread, which waits: it handles the crash of a thread that has too little stack left. It runs from
-// the beginning because the start of a thread needs locks that the crashed thread may hold. If it cannot be created,
-// such a thread handles its crash itself.
+// Starts the spare thread, which handles the crash of a thread that has too little stack left (without it, that thread
+// does). It waits from the beginning: the start of a thread needs locks that the crashed thread may hold.
 void prepare_spare_thread() noexcept;
 
 // Whether the calling thread is the one that handles the crash of this process.

@@ -23,20 +23,19 @@ constexpr unsigned most_identifiers = 10000;
     exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(folder)));
 }
 
-[[noreturn]] void refuse(const std::wstring& folder, const char* sentence) {
-    exc::raise(exc::format_message(sentence, text::wide_to_utf8(folder)));
-}
-
 void check(HANDLE opened, const std::wstring& folder, const std::wstring& expected) {
     FILE_BASIC_INFO basic{};
     const bool is_known = GetFileInformationByHandleEx(opened, FileBasicInfo, &basic, sizeof basic) != FALSE;
     if (is_known) SetLastError(ERROR_DIRECTORY);
     if ((basic.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) raise_for(folder, "Cannot open dump folder [%1].");
-    if (!platform::has_trusted_owner(opened)) refuse(folder, "Dump folder [%1] belongs to another account.");
+    const std::string shown = text::wide_to_utf8(folder);
+    if (!platform::has_trusted_owner(opened)) {
+        exc::raise(exc::format_message("Dump folder [%1] belongs to another account.", shown));
+    }
     const bool is_link = (basic.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     const std::wstring place = platform::final_path(opened);
     const bool is_there = CompareStringOrdinal(place.c_str(), -1, expected.c_str(), -1, TRUE) == CSTR_EQUAL;
-    if (is_link || !is_there) refuse(folder, "Dump folder [%1] is a link.");
+    if (is_link || !is_there) exc::raise(exc::format_message("Dump folder [%1] is a link.", shown));
 }
 
 // Calls take(entry) for each dump in the folder whose name fits the pattern.

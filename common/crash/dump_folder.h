@@ -10,20 +10,19 @@
 
 namespace crash {
 
-// While it exists, Windows lets nobody rename or delete the folder, those above it, or what links lead to them.
+// While it exists, Windows lets nobody rename or delete the folder or those above it.
 struct dump_folder_t {
     platform::unique_file parent;
     platform::unique_file folder;
 };
 
-// Opens the folder, and creates it if it is missing. Others have no access to it then (see platform::make_private()),
-// even if it exists already: any account may be allowed to create files in the folders above it.
+// Opens the folder, and creates it if it is missing. Nobody else has access to it from then on, even if it existed (see
+// platform::make_private()): any account may be allowed to create files in the folders above it.
 //
 // Throws exc::runtime_exc_t "Dump folder [%1] is a link." (also if it is not where its path leads) or "Dump folder [%1]
-// belongs to another account." for a folder that somebody else may have put there, what
-// platform::require_trusted_folder() throws for the folders above it, and exc::win_sys_exc_t "Cannot create directory
-// [%1].", "Cannot open dump folder [%1].", "Cannot protect dump folder [%1]." or "Cannot determine the current
-// account.".
+// belongs to another account.", what platform::require_trusted_folder() throws for the folders above it, and
+// exc::win_sys_exc_t "Cannot create directory [%1].", "Cannot open dump folder [%1].", "Cannot protect dump folder
+// [%1]." or "Cannot determine the current account.".
 dump_folder_t open_dump_folder(const std::wstring& folder);
 
 // Makes room for one more dump: deletes the oldest ones until fewer than maximum_count are left, and logs

@@ -9,9 +9,8 @@ namespace crash {
 // invalid parameter of the C runtime, and heap corruption. No dialog window appears. The dumps go to the folder "Dumps"
 // in the given folder below the base log directory, beside the log.
 //
-// Not covered, because none of the hooks is called: a fast-fail (0xC0000409: __fastfail, and what a library's stack
-// cookie or control-flow guard reports), which goes from the kernel to Windows Error Reporting; and std::terminate,
-// abort and invalid parameters of the C runtime of a library that was built with another compiler.
+// Not covered, because no hook is called: a fast-fail (0xC0000409, also of a library's stack cookie or control-flow
+// guard); std::terminate, abort and invalid parameters in the runtime of a library built with another compiler.
 //
 // Call it on the main thread, which lives as long as the process, before anything else runs; later calls do nothing.
 // Never throws: if the system refuses a part of this, the crash handling works without that part.

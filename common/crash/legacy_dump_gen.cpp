@@ -22,7 +22,7 @@
 namespace crash::win32 {
 namespace {
 
-// Each line is in the file before the next one is made: making it may crash, and then the file stays as it is.
+// Each line is in the file before the next one is made: if that crashes, the file stays as it is.
 class report_t {
 public:
     explicit report_t(const std::wstring& path)

@@ -9,8 +9,8 @@ namespace crash {
 
 // Creates the watching thread; call it on the main thread. If it cannot be created, nothing ends a process that hangs.
 //
-// Only for Wine, it also ends the process when the main thread has ended, with that thread's exit code, or 1 if that is
-// 0: Wine silently ends a thread whose stack overflow leaves no room for the report, where Windows ends the process.
+// Only for Wine, it also ends the process after the main thread, with that thread's exit code, or 1 if that is 0: Wine
+// silently ends a thread whose stack overflow leaves no room for the report, where Windows ends the process.
 void prepare_watchdog() noexcept;
 
 // Gives the handling of the crash one minute; after that, the process is ended with this exit status. Needs no lock and
