@@ -103,7 +103,7 @@ inline std::string LogOf(DWORD process) {
     std::string log;
     const std::string last_line = "Clearing collection of cout multiplexors\\.";  // left out
     const std::string separator = "> " + std::string(77, '=') + "\r\n";
-    auto newest = fs::file_time_type::min();
+    std::string newest;  // year, month, day, time: another run may be writing to the other files
     for (const auto& file : fs::directory_iterator(logging::log_folder_path(L"RmanPluginLogs"))) {
         if (file.path().extension() != ".log") continue;
         std::string text = EndOf(file);
@@ -111,8 +111,11 @@ inline std::string LogOf(DWORD process) {
         const fs::path archive = file.path().wstring() + L".gz";
         if (text.find(id) == std::string::npos && fs::exists(archive)) text = log_test::read_gzip(archive) + text;
         const std::size_t begin = text.rfind(id);
-        if (begin == std::string::npos || file.last_write_time() < newest) continue;
-        newest = file.last_write_time();
+        if (begin == std::string::npos) continue;
+        const std::string stamp = text.substr(begin - 28, 19);
+        const std::string when = stamp.substr(6, 5) + stamp.substr(3, 3) + stamp.substr(0, 3) + stamp.substr(11);
+        if (when < newest) continue;
+        newest = when;
         const std::size_t end = text.find(separator, text.find(separator, begin) + 1);  // of the next header
         log = std::regex_replace(
             text.substr(begin, text.rfind("\r\n", end) + 2 - begin),
