@@ -31,6 +31,9 @@ public:
     bool has_dump() const noexcept { return has_dump_; }
 
 protected:
+    void set_has_dump(bool has_dump) noexcept { has_dump_ = has_dump; }
+
+private:
     bool has_dump_ = false;
 };
 

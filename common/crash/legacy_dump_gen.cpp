@@ -99,7 +99,7 @@ void legacy_dump_gen_t::generate(const failure_t& failure, const std::wstring& p
     logging::ormacon_tool.info(
         exc::format_message("Writing legacy dump. Dump path: %1.", text::wide_to_utf8(file_path)));
     report_t report(file_path);
-    has_dump_ = true;
+    set_has_dump(true);
     write(report, *failure.pointers->ContextRecord);
     report.keep();
 }

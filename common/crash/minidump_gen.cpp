@@ -38,8 +38,8 @@ void minidump_gen_t::generate(const failure_t& failure, const std::wstring& path
     }
     MINIDUMP_EXCEPTION_INFORMATION exception{failure.thread_id, failure.pointers, FALSE};
     const dump_source_t source{GetCurrentProcess(), GetCurrentProcessId(), &exception, watching_thread()};
-    has_dump_ = platform::call_guarded([&] { return write_minidump(writer, file.get(), source); });
-    if (!has_dump_) raise_system_error("MiniDumpWriteDump() function call has failed.");
+    set_has_dump(platform::call_guarded([&] { return write_minidump(writer, file.get(), source); }));
+    if (!has_dump()) raise_system_error("MiniDumpWriteDump() function call has failed.");
 }
 
 }  // namespace crash::win32

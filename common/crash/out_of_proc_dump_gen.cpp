@@ -49,8 +49,8 @@ void COutOfProcDumpGen::generate(const failure_t& failure, const std::wstring& p
     logging::ormacon_tool.info(
         exc::format_message("Generating dump to %1", text::wide_to_utf8(platform::parent_of(path))));
     const std::uint32_t code = wait_for_recorder(start_recorder(recorder.path(), arguments(failure, path)));
-    has_dump_ = code == recorder_success;
-    if (has_dump_) return;
+    set_has_dump(code == recorder_success);
+    if (has_dump()) return;
     exc::raise(exc::format_message("Dump generator process failed with %1: %2",
                                    {std::to_string(code), recorder_exit_text(code)}));
 }

@@ -222,7 +222,7 @@ std::wstring newest_archive(const std::wstring& log_path) {
 // Returns the first of the temporary names under which there is nothing, or nothing any more.
 std::wstring free_temporary_path(const std::wstring& log_path) {
     for (std::uint32_t number = 0;; ++number) {
-        const std::wstring path = archive_path(log_path, number) + L".tmp";
+        std::wstring path = archive_path(log_path, number) + L".tmp";
         if (number == most_obstacles || delete_file(path) || GetLastError() == ERROR_FILE_NOT_FOUND) return path;
     }
 }
@@ -238,7 +238,7 @@ freed_place_t archive_log(const std::wstring& log_path, std::uint64_t size, std:
     const std::wstring temporary = free_temporary_path(log_path);
     try {
         gzip_file(log_path, temporary, size);
-        const freed_place_t place = age_archives(log_path, limit);
+        freed_place_t place = age_archives(log_path, limit);
         if (!move_file(temporary, place.path)) fail(GetLastError(), "Cannot rename archive [%1].", temporary);
         return place;
     } catch (...) {
