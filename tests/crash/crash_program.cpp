@@ -16,9 +16,16 @@
 #include "common/logging/open_log.h"
 #include "common/logging/logger.h"
 #include "common/text/convert.h"
+#include "tests/support/hook.h"
 #include "tests/support/test_registry.h"
 
 #include <tlhelp32.h>
+
+// What the handling calls.
+HOOK(kernel32, FindFirstFileW)
+HOOK(kernel32, GetStdHandle)
+HOOK(kernel32, GetTickCount64)
+HOOK(kernel32, LoadLibraryExW)
 
 // A way to die. It is found by its name, which is what a backtrace must show.
 #define WAY extern "C" __declspec(dllexport) void
@@ -99,42 +106,9 @@ WAY crash_while_exiting() {
     std::atexit(write_through_null);
     std::exit(0);
 }
-// What the handling calls, and where it can be made to fail. The linker looks for an imported function by these names.
-bool is_clock_fast = false;
-bool is_planted = false;
+extern "C" void ormacon_guarded_frame(void (*function)(), void* argument);
 void fault_in_handling();
-
-// Found before anything runs: finding needs the loader's lock.
-template <class Function>
-Function real(Function, const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), name)));
-}
-const auto real_clock = real(&GetTickCount64, "GetTickCount64");
-const auto real_search = real(&FindFirstFileW, "FindFirstFileW");
-const auto real_standard = real(&GetStdHandle, "GetStdHandle");
-const auto real_load = real(&LoadLibraryExW, "LoadLibraryExW");
-
-ULONGLONG WINAPI clock_or_fast() { return real_clock() * (is_clock_fast ? 100 : 1); }
-HANDLE WINAPI search_or_fault(LPCWSTR name, WIN32_FIND_DATAW* entry) {
-    static bool again = false;
-    if (is_planted && !std::exchange(again, true)) fault_in_handling();
-    return real_search(name, entry);
-}
-HANDLE WINAPI standard_or_fault(DWORD number) {
-    if (is_planted) fault_in_handling();
-    return real_standard(number);
-}
-// Without the real debug-help library, this program is one: it has a writer that survives a fault and not the next one.
-HMODULE WINAPI load_or_this(LPCWSTR name, HANDLE file, DWORD flags) {
-    return is_planted ? GetModuleHandleW(nullptr) : real_load(name, file, flags);
-}
-extern "C" {
-decltype(&clock_or_fast) __imp_GetTickCount64 = clock_or_fast;
-decltype(&search_or_fault) __imp_FindFirstFileW = search_or_fault;
-decltype(&standard_or_fault) __imp_GetStdHandle = standard_or_fault;
-decltype(&load_or_this) __imp_LoadLibraryExW = load_or_this;
-void ormacon_guarded_frame(void (*function)(), void* argument);
-}
+// Stands for the debug-help library's writer, where this program does for that: it survives a fault, not the next one.
 WAY MiniDumpWriteDump() {
     ormacon_guarded_frame(write_through_null, nullptr);
     logging::ormacon_tool.info("The library goes on.");
@@ -158,7 +132,16 @@ void plant_faults() {
     for (const auto* place : {"Trying to", "handler has failed", "Generating dump", "Writing legacy dump"}) {
         logging::process_logger().attach(boost::make_shared<faulting_sink_t>(place));
     }
-    is_planted = true;
+    FindFirstFileW_hook::replacement = [](auto... args) {
+        static bool again = false;
+        if (!std::exchange(again, true)) fault_in_handling();
+        return FindFirstFileW_hook::System(args...);
+    };
+    GetStdHandle_hook::replacement = [](DWORD number) {
+        fault_in_handling();
+        return GetStdHandle_hook::System(number);
+    };
+    LoadLibraryExW_hook::replacement = [](auto...) { return GetModuleHandleW(nullptr); };
 }
 WAY faults_in_filter() {
     plant_faults();
@@ -169,7 +152,7 @@ WAY faults_in_vectored_handler() {
     heap_corruption();
 }
 WAY hanging_handler() {
-    is_clock_fast = true;
+    GetTickCount64_hook::replacement = [] { return GetTickCount64_hook::System() * 100; };
     crash::register_handler([] { Sleep(INFINITE); });
     write_through_null();
 }
@@ -221,10 +204,6 @@ WAY damaged_heap() {
         std::memset(block, 0x41, 5000);
     }
 }
-WAY faulting_handler() {
-    crash::register_handler(write_through_null);
-    write_through_null();
-}
 WAY aborting_handler() {
     crash::register_handler(std::abort);
     std::abort();
@@ -275,7 +254,7 @@ void kill_recorder(const std::wstring& dump, HANDLE crashed_thread) {
 WAY recorder_killed() {
     const HANDLE self = OpenThread(THREAD_SUSPEND_RESUME, FALSE, GetCurrentThreadId());
     std::thread(kill_recorder, logging::log_folder_path(L"logs") + L"\\Dumps\\*.mdmp", self).detach();
-    write_through_null();
+    use_password(write_through_null);
 }
 
 int main(int argc, char** argv) {

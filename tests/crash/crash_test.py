@@ -19,7 +19,6 @@ BEGIN = ["Trying to generate crash dump", "Executing crash handlers.", "Crash ha
 RECORDING = [r"Generating dump to .*\\logs\\Dumps$"]
 RECORDED = BEGIN + RECORDING
 FAULTY = BEGIN[:2] + ["A crash handler has failed."] + RECORDING
-REFUSED = BEGIN + [r"Failed to create dump recorder file: .*\\TovakDumpRecorder$"]
 IN_PROCESS = [r"Writing dump\. Dump path: .*\\Ormacon_crash_\d+_1\.mdmp\.$"]
 KILLED = RECORDED + ["Dump generator process failed with 9: unexpected exit code$"]
 LEGACY = RECORDED + ["Dump generator process failed with 1: unspecified failure$",
@@ -37,7 +36,7 @@ IN_FOLDER, NOWHERE, UNKNOWN, NO_NOTICE = ("The crash dump is in {}.\n", "No cras
                                           "No crash dump could be written: the log folder is unknown.\n", None)
 ACCESS_VIOLATION, STACK_OVERFLOW, TERMINATE, ABORT = 0xC0000005, 0xC00000FD, 0xE0000001, 0x40000015
 
-# function: what the backtrace shows; obstacle: what is in the folder of program and logs, a file, a folder/ or a link@
+# function: what the backtrace shows; obstacle: what is in the folder of program and logs, a file or a link@
 Case = collections.namedtuple("Case", "way status function lines dump notice obstacle overrides",
                               defaults=(RECORDED, MINIDUMP, IN_FOLDER, "", ""))
 CASES = [
@@ -56,15 +55,12 @@ CASES = [
     Case("faults_in_filter", ACCESS_VIOLATION, None, FAULTS, NO_DUMP, NO_NOTICE),
     Case("faults_in_vectored_handler", 0xC0000374, None, FAULTS, NO_DUMP, NO_NOTICE),
     Case("damaged_heap", ACCESS_VIOLATION, "damaged_heap"),
-    Case("faulting_handler", ACCESS_VIOLATION, "faulting_handler", FAULTY),
     Case("aborting_handler", ABORT, "aborting_handler", FAULTY),
     Case("overflowing_handler", ACCESS_VIOLATION, "write_through_null", BEGIN[:2]),
     # No library of the folder that the recorder is run from may be loaded.
     Case("password_in_use", ACCESS_VIOLATION, "password_in_use", obstacle="dbghelp.dll"),
     Case("password_and_abort", ABORT, "password_and_abort"),
     Case("recorder_killed", ACCESS_VIOLATION, "recorder_killed", KILLED + IN_PROCESS, OWN_MINIDUMP),
-    Case("password_in_use", ACCESS_VIOLATION, "password_in_use", REFUSED + IN_PROCESS, OWN_MINIDUMP,
-         obstacle="TovakDumpRecorder/"),
     Case("damaged_frame", ABORT, None, LEGACY, REPORT, overrides="dbghelp="),
     # Ways to die whose dumps would show nothing new.
     Case("no_dump_folder", 0xC0000417, None, NO_FOLDER, NO_DUMP, UNKNOWN),
@@ -138,12 +134,10 @@ def prepare(name, obstacle=""):
     (folder / "logs").mkdir(parents=True)
     for file in PROGRAM, PROGRAM.with_name("crash_library.dll"):
         os.link(file, folder / file.name)
-    place = folder / obstacle.rstrip("/@")
+    place = folder / obstacle.rstrip("@")
     if obstacle.endswith("@"):
         (folder / "elsewhere").mkdir()
         place.symlink_to(folder / "elsewhere")
-    elif obstacle.endswith("/"):
-        place.mkdir()
     elif obstacle:
         place.touch()
 

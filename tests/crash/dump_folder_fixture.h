@@ -1,26 +1,29 @@
 // An empty folder of the test's own, with files of a chosen age.
 #pragma once
 
+#include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <set>
 #include <string>
 
-#include <boost/filesystem.hpp>
 #include <gmock/gmock.h>
 
-#include "common/exc/exceptions.h"
 #include "common/platform/owned.h"
+#include "tests/support/demo_host.h"
+#include "tests/support/hook.h"
+
+HOOK(kernel32, CreateFileW)
+HOOK(kernel32, DuplicateHandle)
+HOOK(kernel32, LoadLibraryExW)
+HOOK(kernel32, WriteFile)
 
 class DumpFolder : public testing::Test {
 protected:
-    DumpFolder() : folder(boost::filesystem::current_path() / boost::filesystem::unique_path("dumps-%%%%%%%%")) {
-        boost::filesystem::create_directories(folder);
-    }
-    ~DumpFolder() override { boost::filesystem::remove_all(folder); }
-
     void create(const std::wstring& name, int age_in_hours) const {
         std::ofstream((folder / name).c_str()) << "x";
-        boost::filesystem::last_write_time(folder / name, 1'700'000'000 - age_in_hours * 3600);
+        const auto now = std::filesystem::file_time_type::clock::now();
+        std::filesystem::last_write_time(folder / name, now - std::chrono::hours(age_in_hours));
     }
 
     // As another program holds a file that it reads.
@@ -31,12 +34,13 @@ protected:
 
     std::set<std::wstring> names() const {
         std::set<std::wstring> result;
-        for (const auto& entry : boost::filesystem::directory_iterator(folder))
+        for (const auto& entry : std::filesystem::directory_iterator(folder))
             result.insert(entry.path().filename().wstring());
         return result;
     }
 
-    boost::filesystem::path folder;
+    const test_support::CTestFolder around;
+    std::filesystem::path folder = around.path;
 };
 
 // For an action.

@@ -3,14 +3,13 @@
 #include "common/platform/account.h"
 #include "common/text/convert.h"
 #include "tests/crash/dump_folder_fixture.h"
-#include "tests/crash/hooked_calls.h"
 #include "tests/support/access_list.h"
 
 namespace {
 
 using testing::HasSubstr;
 
-void open_to_everyone(const boost::filesystem::path& path) {
+void open_to_everyone(const std::filesystem::path& path) {
     platform::unique_local descriptor;
     ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;OICI;FA;;;WD)", SDDL_REVISION_1, descriptor.put(),
                                                          nullptr);
@@ -19,8 +18,8 @@ void open_to_everyone(const boost::filesystem::path& path) {
 }
 
 TEST_F(DumpFolder, OthersHaveNoRights) {
-    const boost::filesystem::path dumps = folder / "Dumps";
-    const boost::filesystem::path planted = dumps / "planted";
+    const std::filesystem::path dumps = folder / "Dumps";
+    const std::filesystem::path planted = dumps / "planted";
     open_to_everyone(folder);
     for (const bool existed : {false, true}) {
         if (existed) {
@@ -41,13 +40,13 @@ TEST_F(DumpFolder, OthersHaveNoRights) {
 TEST_F(DumpFolder, FolderThatIsSwappedBetweenLookAndUseIsRefused) {
     const std::wstring dumps = (folder / "Dumps").wstring();
     crash::open_dump_folder((folder / "elsewhere" / "Dumps").wstring());
-    hooked::create_file = [&](std::wstring& path, DWORD) -> DWORD {
+    CreateFileW_hook::replacement = [&](std::wstring path, auto... rest) {
         if (path.ends_with(L"\\Dumps")) path = (folder / "elsewhere" / "Dumps").wstring();
-        return 0;
+        return CreateFileW_hook::System(path.c_str(), rest...);
     };
     EXPECT_THAT([&] { crash::open_dump_folder(dumps); },
                 Fails("Dump folder [" + text::wide_to_utf8(dumps) + "] is a link."));
-    hooked::create_file = nullptr;
+    CreateFileW_hook::replacement = nullptr;
 }
 
 TEST(TrustedOwner, IsTheSystemOrAnAdministrator) {

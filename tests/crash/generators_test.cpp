@@ -11,7 +11,8 @@
 #include "common/exc/raise.h"
 #include "common/platform/path.h"
 #include "tests/crash/dump_folder_fixture.h"
-#include "tests/crash/hooked_calls.h"
+
+std::wstring take_symbol_search_path();
 
 namespace {
 
@@ -27,7 +28,7 @@ protected:
         record.ExceptionCode = 0xC0000005;
         EXCEPTION_POINTERS pointers{&record, &context};
         generator.generate({record.ExceptionCode, GetCurrentThreadId(), &pointers}, (folder / "a_crash").wstring());
-        std::ifstream file(boost::filesystem::directory_iterator(folder)->path().c_str(), std::ios::binary);
+        std::ifstream file(std::filesystem::directory_iterator(folder)->path().c_str(), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
@@ -41,7 +42,14 @@ protected:
 };
 
 TEST_F(Generators, LegacyReportListsModulesAndFrames) {
+    const auto begin = reinterpret_cast<std::uint64_t>(GetModuleHandleW(nullptr));
+    const auto* const header = reinterpret_cast<IMAGE_DOS_HEADER*>(begin);
+    const auto* const headers = reinterpret_cast<IMAGE_NT_HEADERS*>(begin + static_cast<unsigned>(header->e_lfanew));
+    char line[64];
+    std::snprintf(line, sizeof line, "\r\n0x%08llx - 0x%08llx crash_test.exe (", begin,
+                  begin + headers->OptionalHeader.SizeOfImage);
     const std::string report = dump_by(crash::win32::legacy_dump_gen_t());
+    EXPECT_THAT(report, HasSubstr(line));
     const std::string address = "\r\n0x[0-9a-f]{8,16} ";
     const std::string module = address + "- " + address.substr(2);
     const std::string symbols =
@@ -57,16 +65,6 @@ TEST_F(Generators, LegacyReportListsModulesAndFrames) {
     }
 }
 
-TEST_F(Generators, LegacyReportKnowsTheSizeOfAModule) {
-    const auto begin = reinterpret_cast<std::uint64_t>(GetModuleHandleW(nullptr));
-    const auto* const header = reinterpret_cast<IMAGE_DOS_HEADER*>(begin);
-    const auto* const headers = reinterpret_cast<IMAGE_NT_HEADERS*>(begin + static_cast<unsigned>(header->e_lfanew));
-    char line[64];
-    std::snprintf(line, sizeof line, "\r\n0x%08llx - 0x%08llx crash_test.exe (", begin,
-                  begin + headers->OptionalHeader.SizeOfImage);
-    EXPECT_THAT(dump_by(crash::win32::legacy_dump_gen_t()), HasSubstr(line));
-}
-
 TEST_F(Generators, FailuresOfTheDebugHelpLibraryAreReported) {
     const std::tuple<HMODULE, DWORD, const char*> libraries[] = {
         {nullptr, ERROR_MOD_NOT_FOUND, "Cannot load dbghelp.dll library."},
@@ -75,7 +73,7 @@ TEST_F(Generators, FailuresOfTheDebugHelpLibraryAreReported) {
         {GetModuleHandleW(nullptr), ERROR_READ_FAULT, "MiniDumpWriteDump() function call has failed."},
     };
     for (const auto& [library, code, message] : libraries) {
-        hooked::loaded_library = library;
+        LoadLibraryExW_hook::Fail(ERROR_MOD_NOT_FOUND, library);
         const auto generate = [&] { dump_by(crash::win32::minidump_gen_t()); };
         EXPECT_THAT(generate, Fails(testing::StartsWith(exc::get_error_text(code) + "\n" + message)));
         EXPECT_THAT(names(), testing::IsEmpty());
@@ -84,8 +82,8 @@ TEST_F(Generators, FailuresOfTheDebugHelpLibraryAreReported) {
     SetEnvironmentVariableW(L"_NT_ALT_SYMBOL_PATH", L"C:\\other");
     EXPECT_THAT(dump_by(crash::win32::legacy_dump_gen_t()),
                 HasSubstr(", no matching symbolic information found (error code: 0x"));
-    hooked::loaded_library = std::nullopt;
-    EXPECT_EQ(hooked::symbol_search_path, platform::expand_variables(L"C:\\mine;C:\\other;%SystemRoot%\\Symbols"));
+    LoadLibraryExW_hook::replacement = nullptr;
+    EXPECT_EQ(take_symbol_search_path(), platform::expand_variables(L"C:\\mine;C:\\other;%SystemRoot%\\Symbols"));
 }
 
 TEST(GuardedCall, EndsWithTheFaultThatLeavesIt) {

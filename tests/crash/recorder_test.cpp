@@ -7,7 +7,6 @@
 #include "common/platform/module.h"
 #include "common/text/convert.h"
 #include "tests/crash/dump_folder_fixture.h"
-#include "tests/crash/hooked_calls.h"
 #include "tests/support/recording_sink.h"
 
 namespace {
@@ -33,7 +32,7 @@ protected:
             exc::format_message(arguments, {std::to_string(reinterpret_cast<std::uintptr_t>(process.get())),
                                             std::to_string(GetCurrentProcessId()), std::to_string(GetCurrentThreadId()),
                                             text::wide_to_utf8(folder.wstring())});
-        const crash::recorder_file_t file(boost::filesystem::current_path().wstring());
+        const crash::recorder_file_t file(std::filesystem::current_path().wstring());
         return crash::wait_for_recorder(crash::start_recorder(file.path(), text::utf8_to_wide(line)));
     }
 };
@@ -62,7 +61,7 @@ TEST_F(Recorder, WrongCallsHaveTheirExitCodes) {
     for (const auto& [arguments, outcome] : calls) EXPECT_EQ(shown(run(arguments)), outcome) << arguments;
     EXPECT_EQ(shown(run("%1 %2 %3 0 0 \"%4\" b 10", PROCESS_QUERY_LIMITED_INFORMATION)),
               "107: cannot write dump content");
-    EXPECT_TRUE(boost::filesystem::is_empty(folder / "new folder"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "new folder"));
     EXPECT_THAT(names(), UnorderedElementsAre(L"file", L"new folder"));
 }
 
@@ -88,7 +87,7 @@ TEST_F(Recorder, FileIsReplacedAndRenamedByNobody) {
     create(name, 1);  // left behind by a power failure
     {
         const crash::recorder_file_t file(folder.wstring(), 0);
-        EXPECT_GT(boost::filesystem::file_size(path), 4096u);
+        EXPECT_GT(std::filesystem::file_size(path), 4096u);
         EXPECT_FALSE(MoveFileW(path.c_str(), (path + L"2").c_str()));
         EXPECT_FALSE(DeleteFileW(path.c_str()));
         EXPECT_FALSE(platform::unique_file(
@@ -109,27 +108,29 @@ TEST_F(Recorder, FailedStartLeavesNoFile) {
     const auto text_of = [](DWORD code) { return exc::get_error_text(code) + "\n"; };
     const auto make = [&] { crash::recorder_file_t(folder.wstring()); };
 
-    hooked::write_file_failure = ERROR_DISK_FULL;
+    WriteFile_hook::Fail(ERROR_DISK_FULL);
     EXPECT_THAT(make, Fails(HasSubstr(text_of(ERROR_DISK_FULL) + "Failed to write dump recorder code to " + path)));
-    hooked::write_file_failure = 0;
+    WriteFile_hook::replacement = nullptr;
 
-    hooked::create_file = [](std::wstring&, DWORD disposition) -> DWORD {
-        return disposition == OPEN_EXISTING ? ERROR_TOO_MANY_OPEN_FILES : 0;
+    CreateFileW_hook::replacement = [](auto file, auto access, auto sharing, auto security, auto how, auto... rest) {
+        if (how != OPEN_EXISTING) return CreateFileW_hook::System(file, access, sharing, security, how, rest...);
+        SetLastError(ERROR_TOO_MANY_OPEN_FILES);
+        return INVALID_HANDLE_VALUE;
     };
     EXPECT_THAT(make, Fails(HasSubstr(text_of(ERROR_TOO_MANY_OPEN_FILES) +
                                       "Failed to re-open dump recorder for deletion: " + path)));
-    hooked::create_file = nullptr;
+    CreateFileW_hook::replacement = nullptr;
 
     EXPECT_THAT(
         [&] { crash::start_recorder((folder / name).wstring(), L""); },
         Fails(HasSubstr(text_of(ERROR_FILE_NOT_FOUND) + "Failed to start dump generator process. File: " + path)));
 
-    hooked::duplicate_handle_failure = ERROR_ACCESS_DENIED;
+    DuplicateHandle_hook::Fail(ERROR_ACCESS_DENIED);
     EXPECT_THAT([] { crash::win32::COutOfProcDumpGen generator(1, L""); },
                 Fails(AllOf(HasSubstr(text_of(ERROR_ACCESS_DENIED) + "Cannot initialize out-of-process dump generator: "
                                                                      "failed to duplicate current process handle"),
                             testing::EndsWith("\nFailed to create out-of-process dump generator"))));
-    hooked::duplicate_handle_failure = 0;
+    DuplicateHandle_hook::replacement = nullptr;
     EXPECT_THAT(names(), testing::IsEmpty());
 }
 
