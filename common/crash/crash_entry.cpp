@@ -9,12 +9,12 @@
 #include <boost/make_shared.hpp>
 
 #include "common/crash/dump_folder.h"
-#include "common/platform/guarded_call.h"
 #include "common/crash/handler_registry.h"
 #include "common/exc/raise.h"
 #include "common/logging/log_exception.h"
 #include "common/logging/logger.h"
 #include "common/platform/console.h"
+#include "common/platform/guarded_call.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"
@@ -113,13 +113,10 @@ std::wstring notice(const state_t& state) {
 
 // Not through a stream of the process, which another thread may have locked.
 void print_notice(state_t& state) {
-    const std::wstring line = notice(state);
     const HANDLE target = GetStdHandle(STD_ERROR_HANDLE);
     // The console's cursor may be behind a prompt.
-    if (platform::write_console(target, L"\r\n" + line)) return;
-    const std::string in_file = text::wide_to_utf8(line);
-    DWORD written = 0;
-    WriteFile(target, in_file.data(), static_cast<DWORD>(in_file.size()), &written, nullptr);
+    const std::string line_end = platform::is_console(target) ? "\r\n" : "";
+    platform::print(target, line_end + text::wide_to_utf8(notice(state)));
 }
 
 constexpr void (*stages[])(state_t& state) = {

@@ -33,9 +33,9 @@ void check(HANDLE opened, const std::wstring& folder, const std::wstring& expect
         exc::raise(exc::format_message("Dump folder [%1] belongs to another account.", shown));
     }
     const bool is_link = (basic.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-    const std::wstring place = platform::final_path(opened);
-    const bool is_there = CompareStringOrdinal(place.c_str(), -1, expected.c_str(), -1, TRUE) == CSTR_EQUAL;
-    if (is_link || !is_there) exc::raise(exc::format_message("Dump folder [%1] is a link.", shown));
+    if (is_link || !platform::same_path(platform::final_path(opened), expected)) {
+        exc::raise(exc::format_message("Dump folder [%1] is a link.", shown));
+    }
 }
 
 // Calls take(entry) for each dump in the folder whose name fits the pattern.
