@@ -12,8 +12,8 @@ void PrintToConsole(std::wstring text);
 
 // Blocks until a line is entered; returns it without its line end. Hidden input is not echoed. Logs "Read from console
 // [%1]", with "Hidden data" in place of hidden input. Returns an empty text for an empty line. If there has never been
-// a console, returns an empty text, too, but for hidden input throws exc::runtime_exc_t "There is no console to read an
-// answer from": nobody chose an empty password. If the user presses Ctrl+C or closes the window, the process ends.
+// a console, visible input is empty, and hidden input throws exc::runtime_exc_t "There is no console to read an answer
+// from", because nobody chose an empty password. If the user presses Ctrl+C or closes the window, the process ends.
 //
 // Of a line of more than 1,024 UTF-16 units, line end included, only the beginning is returned. The rest of a visible
 // line is returned by the next calls. The rest of a hidden line is dropped, so that it cannot answer the next question.

@@ -9,10 +9,10 @@
 
 #include "common/crash/crash_entry.h"
 #include "common/crash/die.h"
-#include "common/platform/guarded_call.h"
 #include "common/crash/watchdog.h"
 #include "common/logging/log_exception.h"
 #include "common/logging/log_settings.h"
+#include "common/platform/guarded_call.h"
 #include "common/platform/path.h"
 
 namespace crash {

@@ -1,12 +1,12 @@
 #include "common/crash/debug_help.h"
 #include "common/crash/dump_folder.h"
 #include "common/crash/generators.h"
-#include "common/platform/guarded_call.h"
 #include "common/crash/recorder/minidump_file.h"
 #include "common/crash/watchdog.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
+#include "common/platform/guarded_call.h"
 #include "common/platform/path.h"
 #include "common/text/convert.h"
 

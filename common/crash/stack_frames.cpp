@@ -1,8 +1,8 @@
 #include "common/crash/stack_frames.h"
 
-#include "common/platform/guarded_call.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
+#include "common/platform/guarded_call.h"
 
 namespace crash {
 namespace {
