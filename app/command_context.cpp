@@ -2,7 +2,7 @@
 
 #include "app/options.h"
 #include "common/logging/log_exception.h"
-#include "common/text/wipe.h"
+#include "common/platform/wipe.h"
 
 namespace app {
 namespace {
@@ -12,7 +12,7 @@ void WipeCredentials(boost::program_options::variables_map& variables) {
     if (found == variables.end()) return;
     auto* const tokens = boost::any_cast<std::vector<std::string>>(&found->second.value());
     if (tokens == nullptr) return;
-    for (std::string& token : *tokens) text::wipe(token);
+    for (std::string& token : *tokens) platform::wipe(token);
 }
 
 }  // namespace

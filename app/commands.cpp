@@ -7,10 +7,10 @@
 #include <boost/make_shared.hpp>
 
 #include "app/options.h"
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/logging/component.h"
-#include "common/text/convert.h"
-#include "common/text/wipe.h"
+#include "common/platform/wipe.h"
 #include "wizard/answers.h"
 #include "wizard/config_tool_wizard.h"
 #include "wizard/console.h"
@@ -54,7 +54,7 @@ std::wstring AskPassword(const std::wstring& account) {
 
 // The second word, or what the user types. Further words are ignored.
 std::wstring PasswordFor(const std::wstring& account, const std::vector<std::string>& words) {
-    return words.size() >= 2 ? text::utf8_to_wide(words[1]) : AskPassword(account);
+    return words.size() >= 2 ? encoding::utf8_to_wide(words[1]) : AskPassword(account);
 }
 
 // Stores a new caller in direct mode in the context.
@@ -92,9 +92,9 @@ void ShowConfig(CommandContext& context) {
 void SetCredentials(CommandContext& context) {
     EnsureDirectCaller(context);
     const auto& words = ValueOf<std::vector<std::string>>(context, option_set_credentials);
-    const std::wstring account_text = text::utf8_to_wide(words.front());
+    const std::wstring account_text = encoding::utf8_to_wide(words.front());
     std::wstring password = PasswordFor(account_text, words);
-    const text::wipe_at_exit_t wipe_password(password);
+    const platform::wipe_at_exit_t wipe_password(password);
     const wizard::Account account = wizard::SplitAccount(account_text);
     ormacon_tool.info(format_message("Executing SetCredentials command, newDomainAndUsername = [%1]", words.front()));
     Caller(context).SetCredentials(account.domain, account.user_name, password);
@@ -104,7 +104,7 @@ void SetBackupServer(CommandContext& context) {
     EnsureDirectCaller(context);
     const auto& host = ValueOf<std::string>(context, option_set_host);
     ormacon_tool.info(format_message("Executing SetBackupServer command, host = [%1]", host));
-    Caller(context).SetHost(text::utf8_to_wide(host));
+    Caller(context).SetHost(encoding::utf8_to_wide(host));
 }
 
 void SetBackupServerPort(CommandContext& context) {
@@ -125,8 +125,8 @@ void SetParallelism(CommandContext& context) {
 void MapBackup(CommandContext& context) {
     EnsureDirectCaller(context);
     const conf_tool::MapBackupResult result = Caller(context).MapBackup();
-    ormacon_tool.info(
-        format_message("Map backup results [%1] [%2]", {std::to_string(result.code), text::wide_to_utf8(result.text)}));
+    ormacon_tool.info(format_message("Map backup results [%1] [%2]",
+                                     {std::to_string(result.code), encoding::wide_to_utf8(result.text)}));
     if (result.code != 0) PrintToConsole(L"Error has occurred\n");
     PrintToConsole(wizard::ShownText(result.text));
 }

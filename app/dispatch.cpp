@@ -10,7 +10,7 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/method_scope.h"
-#include "common/text/wipe.h"
+#include "common/platform/wipe.h"
 
 namespace app {
 namespace {
@@ -41,8 +41,8 @@ constexpr std::array checks{
 // reach.
 void WipeWords(po::parsed_options& parsed) {
     for (auto& option : parsed.options) {
-        for (std::string& word : option.value) text::wipe(word);
-        for (std::string& word : option.original_tokens) text::wipe(word);
+        for (std::string& word : option.value) platform::wipe(word);
+        for (std::string& word : option.original_tokens) platform::wipe(word);
     }
 }
 

@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "app/run.h"
-#include "common/text/convert.h"
-#include "common/text/wipe.h"
+#include "common/encoding/convert.h"
+#include "common/platform/wipe.h"
 #include "common/win32.h"
 
 // The program expands no wildcards: an account such as "CORP\ora*" is passed unchanged.
@@ -16,9 +16,9 @@ namespace {
 // Wipes the runtime's copy.
 std::string TakeNarrow(wchar_t* argument) {
     std::wstring wide(argument);
-    const text::wipe_at_exit_t wipe_wide(wide);
+    const platform::wipe_at_exit_t wipe_wide(wide);
     SecureZeroMemory(argument, wide.size() * sizeof(wchar_t));
-    return text::wide_to_utf8(wide);
+    return encoding::wide_to_utf8(wide);
 }
 
 // A password may be among the arguments.
@@ -28,14 +28,14 @@ public:
         arguments_.reserve(static_cast<std::size_t>(argc));  // growing would leave copies behind
         for (int i = 0; i < argc; ++i) {
             std::string argument = TakeNarrow(wargv[i]);
-            const text::wipe_at_exit_t wipe_argument(argument);
+            const platform::wipe_at_exit_t wipe_argument(argument);
             arguments_.push_back(argument);
             pointers_.push_back(arguments_.back().c_str());
         }
         pointers_.push_back(nullptr);
     }
     ~CNarrowArguments() {
-        for (std::string& argument : arguments_) text::wipe(argument);
+        for (std::string& argument : arguments_) platform::wipe(argument);
     }
     CNarrowArguments(const CNarrowArguments&) = delete;
     CNarrowArguments& operator=(const CNarrowArguments&) = delete;

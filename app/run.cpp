@@ -8,7 +8,7 @@
 #include "app/options.h"
 #include "app/start_up.h"
 #include "common/crash/install.h"
-#include "common/text/convert.h"
+#include "common/encoding/convert.h"
 #include "wizard/console_session.h"
 #include "wizard/shown_text.h"
 
@@ -16,8 +16,8 @@ namespace app {
 namespace {
 
 void Print(const char* message) {
-    const std::wstring text = text::utf8_to_wide(message == nullptr ? "Unknown error" : message);
-    std::cout << text::wide_to_utf8(wizard::ShownText(text)) << std::endl;
+    const std::wstring text = encoding::utf8_to_wide(message == nullptr ? "Unknown error" : message);
+    std::cout << encoding::wide_to_utf8(wizard::ShownText(text)) << std::endl;
 }
 
 void RunCommand(int argc, const char* const* argv) {

@@ -4,7 +4,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "common/text/convert.h"
+#include "common/encoding/convert.h"
 #include "common/win32.h"
 
 namespace {
@@ -12,12 +12,12 @@ namespace {
 // Like the log's texts: mostly ASCII, with names in other languages now and then. 64 characters.
 const std::wstring wide =
     L"Repository [Z\u00fcrich \u6771\u4eac \u0434\u0438\u0441\u043a] of the backup server, path [/vol/b].";
-const std::string utf8 = text::wide_to_utf8(wide);
+const std::string utf8 = encoding::wide_to_utf8(wide);
 const int wide_size = static_cast<int>(wide.size()) + 1;  // the terminating null is converted, too
 const int utf8_size = static_cast<int>(utf8.size()) + 1;
 
 void to_utf8_product(benchmark::State& state) {
-    for (auto _ : state) benchmark::DoNotOptimize(text::wide_to_utf8(wide));
+    for (auto _ : state) benchmark::DoNotOptimize(encoding::wide_to_utf8(wide));
 }
 
 void to_utf8_floor(benchmark::State& state) {
@@ -30,7 +30,7 @@ void to_utf8_floor(benchmark::State& state) {
 }
 
 void to_wide_product(benchmark::State& state) {
-    for (auto _ : state) benchmark::DoNotOptimize(text::utf8_to_wide(utf8));
+    for (auto _ : state) benchmark::DoNotOptimize(encoding::utf8_to_wide(utf8));
 }
 
 void to_wide_floor(benchmark::State& state) {

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 
-#include "common/text/wipe.h"
+#include "common/platform/wipe.h"
 
 namespace conf_tool {
 
@@ -13,6 +13,6 @@ std::string SizeText(double bytes) {
     return text.data();
 }
 
-ConfigurationSnapshot::~ConfigurationSnapshot() { text::wipe(password); }
+ConfigurationSnapshot::~ConfigurationSnapshot() { platform::wipe(password); }
 
 }  // namespace conf_tool

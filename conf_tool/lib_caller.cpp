@@ -2,11 +2,11 @@
 
 #include <boost/algorithm/string/replace.hpp>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/method_scope.h"
-#include "common/text/convert.h"
-#include "common/text/wipe.h"
+#include "common/platform/wipe.h"
 #include "conf_tool/library_memory.h"
 
 namespace conf_tool {
@@ -16,15 +16,15 @@ std::string TakeErrorText(LibraryError error, FreeStringFn free_string, const st
     const CLibraryText text(error, free_string);
     if (!text) return "Configuration library returned an unknown error";
     std::wstring shown = text.Get();
-    const text::wipe_at_exit_t wipe_shown(shown);
+    const platform::wipe_at_exit_t wipe_shown(shown);
     boost::replace_all(shown, secret, L"***");
-    return text::wide_to_utf8(shown);
+    return encoding::wide_to_utf8(shown);
 }
 
 void LogReceived(const RepositoryEntry& entry) {
     logging::ormacon_tool.info(exc::format_message(
         "ConfigToolLibCaller received repo id=[%1] name=[%2] capacity=[%3] free_space=[%4] encryptionEnabled=[%5]",
-        {text::wide_to_utf8(entry.id), text::wide_to_utf8(entry.name), SizeText(entry.capacity),
+        {encoding::wide_to_utf8(entry.id), encoding::wide_to_utf8(entry.name), SizeText(entry.capacity),
          SizeText(entry.free_space), entry.encryptionEnabled ? "1" : "0"}));
 }
 

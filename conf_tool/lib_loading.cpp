@@ -4,12 +4,12 @@
 #include <exception>
 #include <utility>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/log_exception.h"
 #include "common/logging/method_scope.h"
 #include "common/platform/module.h"
-#include "common/text/convert.h"
 
 namespace conf_tool {
 namespace {
@@ -46,7 +46,7 @@ void CConfigToolLibCaller::Load(CallerMode mode) {
     if (module_ == nullptr) exc::raise_win_error(GetLastError(), "Failed to load configuration library");
     logging::ormacon_tool.log(
         logging::level_detail,
-        exc::format_message("Configuration library: [%1]", text::wide_to_utf8(platform::module_path(module_))));
+        exc::format_message("Configuration library: [%1]", encoding::wide_to_utf8(platform::module_path(module_))));
     ResolveExports(mode);
     scope.succeed();
 }

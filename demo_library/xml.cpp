@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "common/text/xml_depth.h"
+#include "common/xml/find_xml_fault.h"
 #include "demo_library/failure.h"
 #include "demo_library/text.h"
 
@@ -17,8 +17,8 @@ namespace {
 
 void parse(TiXmlDocument& document, const std::string& content) {
     to_wide(content);  // throws for broken UTF-8, in which the parser would step over markup and over the end
-    constexpr int deepest = 32;
-    const std::string fault = ::text::find_xml_fault(content, deepest);
+    constexpr int max_depth = 32;
+    const std::string fault = ::xml::find_xml_fault(content, max_depth);
     if (!fault.empty()) throw failure_t(to_wide(fault));
     document.Parse(content.c_str(), nullptr, TIXML_ENCODING_UTF8);
     if (!document.Error()) return;

@@ -2,16 +2,16 @@
 
 #include <boost/lexical_cast.hpp>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/text/convert.h"
 
 namespace wizard {
 
 int ParseInt(const std::wstring& text) { return boost::lexical_cast<int>(text); }
 
 int ConvertAnswer(const std::wstring& answer) try { return ParseInt(answer); } catch (const std::bad_cast&) {
-    exc::raise(exc::format_message("Cannot convert value [%1] from string", text::wide_to_utf8(answer)));
+    exc::raise(exc::format_message("Cannot convert value [%1] from string", encoding::wide_to_utf8(answer)));
 }
 
 Account SplitAccount(const std::wstring& text) {

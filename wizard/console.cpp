@@ -5,10 +5,10 @@
 #include <optional>
 #include <vector>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
-#include "common/text/convert.h"
 #include "wizard/console_device.h"
 #include "wizard/console_session.h"
 #include "wizard/shown_text.h"
@@ -18,7 +18,7 @@ namespace wizard {
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the caller moves its text
 void PrintToConsole(std::wstring text) {
     ConsoleDevice().Write(text);
-    logging::ormacon_tool.info(exc::format_message("Print to console [%1]", text::wide_to_utf8(text)));
+    logging::ormacon_tool.info(exc::format_message("Print to console [%1]", encoding::wide_to_utf8(text)));
 }
 
 std::wstring ReadFromConsole(bool hidden) {
@@ -27,14 +27,14 @@ std::wstring ReadFromConsole(bool hidden) {
     if (hidden) no_echo.emplace();
     std::wstring line = ConsoleDevice().ReadLine(hidden);
     logging::ormacon_tool.info(
-        exc::format_message("Read from console [%1]", hidden ? "Hidden data" : text::wide_to_utf8(line)));
+        exc::format_message("Read from console [%1]", hidden ? "Hidden data" : encoding::wide_to_utf8(line)));
     return line;
 }
 
 std::wstring FormatPrompt(std::string_view format, std::initializer_list<std::wstring> arguments) {
     std::vector<std::string> narrow;
-    for (const std::wstring& argument : arguments) narrow.push_back(text::wide_to_utf8(ShownValue(argument)));
-    return text::utf8_to_wide(exc::format_message(format, narrow));
+    for (const std::wstring& argument : arguments) narrow.push_back(encoding::wide_to_utf8(ShownValue(argument)));
+    return encoding::utf8_to_wide(exc::format_message(format, narrow));
 }
 
 std::wstring BracketedDefault(const std::wstring& value) { return value.empty() ? L"" : L" [" + value + L"]"; }

@@ -10,9 +10,9 @@
 #include <boost/algorithm/string/replace.hpp>
 
 #include "common/crash/handler_registry.h"
+#include "common/encoding/convert.h"
 #include "common/logging/component.h"
 #include "common/platform/console.h"
-#include "common/text/convert.h"
 #include "common/win32.h"
 
 namespace wizard {
@@ -89,7 +89,7 @@ protected:
     std::streamsize xsputn(const char* text, std::streamsize size) override {
         const std::string lines(text, static_cast<std::size_t>(size));
         platform::write_console(GetStdHandle(STD_OUTPUT_HANDLE),
-                                text::utf8_to_wide(boost::replace_all_copy(lines, "\n", "\r\n")));
+                                encoding::utf8_to_wide(boost::replace_all_copy(lines, "\n", "\r\n")));
         return size;
     }
 

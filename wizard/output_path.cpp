@@ -2,9 +2,9 @@
 
 #include <boost/filesystem.hpp>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/text/convert.h"
 #include "wizard/console.h"
 
 namespace wizard {
@@ -36,7 +36,7 @@ fs::path ToAbsolute(const fs::path& path) {
 }
 
 std::string WithPath(const char* sentence, const fs::path& path) {
-    return exc::format_message(sentence, text::wide_to_utf8(path.wstring()));
+    return exc::format_message(sentence, encoding::wide_to_utf8(path.wstring()));
 }
 
 void RemoveExisting(const fs::path& path) {

@@ -4,10 +4,10 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/method_scope.h"
-#include "common/text/convert.h"
 #include "wizard/answers.h"
 
 namespace wizard {
@@ -48,7 +48,7 @@ void RejectSeveralInStandardEdition(const std::vector<TypedNumber>& numbers, int
 void RejectOutOfRange(const std::vector<TypedNumber>& numbers, std::size_t count) {
     for (const TypedNumber& typed : numbers) {
         if (typed.number >= 1 && static_cast<std::size_t>(typed.number) <= count) continue;
-        exc::raise(format_message("Incorrect repository value: %1", text::wide_to_utf8(typed.token)));
+        exc::raise(format_message("Incorrect repository value: %1", encoding::wide_to_utf8(typed.token)));
     }
 }
 

@@ -1,7 +1,7 @@
 #include <array>
 
 #include "common/platform/console.h"
-#include "common/text/wipe.h"
+#include "common/platform/wipe.h"
 #include "wizard/console_device.h"
 #include "wizard/console_session.h"
 #include "common/win32.h"
@@ -32,7 +32,7 @@ void DropRestOfLine(CReadBuffer& buffer) {
     for (bool ended = false; !ended;) {
         std::wstring rest = ReadUnits(buffer);
         ended = rest.empty() || rest.back() == L'\n';
-        text::wipe(rest);
+        platform::wipe(rest);
     }
 }
 

@@ -5,12 +5,12 @@
 
 #include <boost/make_shared.hpp>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/log_exception.h"
+#include "common/platform/wipe.h"
 #include "common/plugin/working_directory.h"
-#include "common/text/convert.h"
-#include "common/text/wipe.h"
 #include "wizard/answers.h"
 #include "wizard/console.h"
 #include "wizard/console_device.h"
@@ -51,7 +51,7 @@ std::string MessageOf(const std::exception& failure) {
 bool WantsRestart() {
     PrintToConsole(L"Some errors occurred while applying the configuration. Restart the wizard? (y/n): ");
     const std::wstring answer = ReadFromConsole();
-    ormacon_tool.info(format_message("Received value [%1]", text::wide_to_utf8(answer)));
+    ormacon_tool.info(format_message("Received value [%1]", encoding::wide_to_utf8(answer)));
     const std::wstring lower = ToLowerText(answer);
     if (!ConsoleDevice().IsInteractive()) return false;
     if (lower == L"n" || lower == L"no") return false;
@@ -62,7 +62,7 @@ bool WantsRestart() {
 bool AskAfterFailure(const std::exception& failure) {
     logging::log_exception(ormacon_tool, "Failed to execute wizard ", failure);  // the space is fixed from outside
     ormacon_tool.info("Prompting user to re-run wizard");
-    PrintToConsole(ShownText(text::utf8_to_wide(MessageOf(failure))) + L"\r\n");
+    PrintToConsole(ShownText(encoding::utf8_to_wide(MessageOf(failure))) + L"\r\n");
     return WantsRestart();
 }
 
@@ -107,7 +107,7 @@ void CConfigToolWizard::LoadPreviousConfig() {
     const auto config = boost::make_shared<conf_tool::ConfigurationSnapshot>();
     caller_->GetConfig(*config);
     has_password_ = !config->password.empty();
-    text::wipe(config->password);
+    platform::wipe(config->password);
     previous_ = config;
 }
 

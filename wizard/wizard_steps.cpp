@@ -3,11 +3,11 @@
 
 #include <boost/make_shared.hpp>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
-#include "common/text/convert.h"
-#include "common/text/wipe.h"
+#include "common/platform/wipe.h"
 #include "wizard/answers.h"
 #include "wizard/console.h"
 #include "wizard/repository_selection.h"
@@ -54,7 +54,7 @@ void LogReceived(const std::vector<RepositoryEntry>& repositories) {
     for (const RepositoryEntry& entry : repositories) {
         ormacon_tool.info(
             format_message("CConfigToolWizard received repos id=[%1] name=[%2] capacity=[%3] free_space=[%4]",
-                           {text::wide_to_utf8(entry.id), text::wide_to_utf8(entry.name),
+                           {encoding::wide_to_utf8(entry.id), encoding::wide_to_utf8(entry.name),
                             conf_tool::SizeText(entry.capacity), conf_tool::SizeText(entry.free_space)}));
     }
 }
@@ -102,7 +102,7 @@ void CConfigToolWizard::AskCredentials() {
     const std::wstring account_text = Ask(FormatPrompt("Enter username%1: ", {BracketedDefault(shown)}), shown);
     const Account account = SplitAccount(account_text);
     std::wstring password = AskPassword(account_text, has_password_);
-    const text::wipe_at_exit_t wipe_password(password);
+    const platform::wipe_at_exit_t wipe_password(password);
     if (password.empty() && has_password_) TakeConfigured(password, *caller_);
     caller_->SetCredentials(account.domain, account.user_name, password);
 }

@@ -10,6 +10,7 @@
 
 #include "common/crash/dump_folder.h"
 #include "common/crash/handler_registry.h"
+#include "common/encoding/convert.h"
 #include "common/exc/raise.h"
 #include "common/logging/log_exception.h"
 #include "common/logging/logger.h"
@@ -17,7 +18,6 @@
 #include "common/platform/guarded_call.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 
 namespace crash {
 namespace {
@@ -116,7 +116,7 @@ void print_notice(state_t& state) {
     const HANDLE target = GetStdHandle(STD_ERROR_HANDLE);
     // The console's cursor may be behind a prompt.
     const std::string line_end = platform::is_console(target) ? "\r\n" : "";
-    platform::print(target, line_end + text::wide_to_utf8(notice(state)));
+    platform::print(target, line_end + encoding::wide_to_utf8(notice(state)));
 }
 
 constexpr void (*stages[])(state_t& state) = {

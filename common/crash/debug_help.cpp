@@ -3,10 +3,10 @@
 #include <array>
 #include <cstdio>
 
+#include "common/encoding/convert.h"
 #include "common/platform/guarded_call.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 
 namespace crash {
 namespace {
@@ -33,7 +33,7 @@ std::string module_at(std::uint64_t address) {
                             reinterpret_cast<const wchar_t*>(address), &module)) {
         return {};
     }
-    return " " + text::wide_to_utf8(platform::file_name_of(platform::module_path(module))) +
+    return " " + encoding::wide_to_utf8(platform::file_name_of(platform::module_path(module))) +
            print(" + 0x%llx", address - reinterpret_cast<std::uint64_t>(module));
 }
 
@@ -83,7 +83,7 @@ std::string symbols_t::function_at(std::uint64_t address) const {
     DWORD64 distance = 0;
     if (!platform::call_guarded([&] { return from_address_(GetCurrentProcess(), address, &distance, &symbol.info); }))
         return {};
-    return " " + text::wide_to_utf8(symbol.info.Name) + print(" + 0x%llx", static_cast<std::uint64_t>(distance));
+    return " " + encoding::wide_to_utf8(symbol.info.Name) + print(" + 0x%llx", static_cast<std::uint64_t>(distance));
 }
 
 std::string symbols_t::describe_address(std::uint64_t address) const {

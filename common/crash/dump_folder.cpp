@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <vector>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
@@ -11,24 +12,19 @@
 #include "common/platform/account.h"
 #include "common/platform/file_trust.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 
 namespace crash {
 namespace {
 
 constexpr unsigned most_identifiers = 10000;
 
-[[noreturn]] void raise_for(const std::wstring& folder, const char* sentence) {
-    const DWORD code = GetLastError();
-    exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(folder)));
-}
-
 void check(HANDLE opened, const std::wstring& folder, const std::wstring& expected) {
     FILE_BASIC_INFO basic{};
     const bool is_known = GetFileInformationByHandleEx(opened, FileBasicInfo, &basic, sizeof basic) != FALSE;
-    if (is_known) SetLastError(ERROR_DIRECTORY);
-    if ((basic.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) raise_for(folder, "Cannot open dump folder [%1].");
-    const std::string shown = text::wide_to_utf8(folder);
+    if ((basic.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+        exc::raise_path_error(is_known ? ERROR_DIRECTORY : GetLastError(), "Cannot open dump folder [%1].", folder);
+    }
+    const std::string shown = encoding::wide_to_utf8(folder);
     if (!platform::has_trusted_owner(opened)) {
         exc::raise(exc::format_message("Dump folder [%1] belongs to another account.", shown));
     }
@@ -59,14 +55,13 @@ std::vector<WIN32_FIND_DATAW> dumps_oldest_first(const std::wstring& folder) {
 
 // Whether the dump is gone. One that cannot be deleted is logged.
 bool delete_dump(const std::wstring& path) try {
-    const std::string shown = text::wide_to_utf8(path);
     if (DeleteFileW(platform::system_path(path).c_str())) {
-        logging::ormacon_tool.info(exc::format_message("Dump [%1] deleted.", shown));
+        logging::ormacon_tool.info(exc::format_message("Dump [%1] deleted.", encoding::wide_to_utf8(path)));
         return true;
     }
     const DWORD code = GetLastError();
     if (code == ERROR_FILE_NOT_FOUND) return true;  // another program that crashes at this moment was quicker
-    exc::raise_win_error(code, exc::format_message("Old dump cannot be removed. Dump path: [%1].", shown));
+    exc::raise_path_error(code, "Old dump cannot be removed. Dump path: [%1].", path);
 } catch (const std::exception& failure) {
     logging::log_exception(logging::ormacon_tool, failure);
     return false;
@@ -81,15 +76,16 @@ dump_folder_t open_dump_folder(const std::wstring& folder) {
     platform::create_directories(parent);
     dump_folder_t opened{platform::require_trusted_folder(parent), {}};
     if (!platform::create_private_folder(path) && GetLastError() != ERROR_ALREADY_EXISTS) {
-        raise_for(folder, "Cannot create directory [%1].");
+        exc::raise_path_error(GetLastError(), "Cannot create directory [%1].", folder);
     }
     opened.folder = platform::unique_file(
         CreateFileW(path.c_str(), FILE_LIST_DIRECTORY | READ_CONTROL | WRITE_DAC, FILE_SHARE_READ, nullptr,
                     OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-    if (!opened.folder) raise_for(folder, "Cannot open dump folder [%1].");
+    if (!opened.folder) exc::raise_path_error(GetLastError(), "Cannot open dump folder [%1].", folder);
     const std::wstring inside = platform::final_path(opened.parent.get());
     check(opened.folder.get(), folder, platform::join_path(inside, platform::file_name_of(folder)));
-    if (!platform::make_private(opened.folder.get())) raise_for(folder, "Cannot protect dump folder [%1].");
+    if (!platform::make_private(opened.folder.get()))
+        exc::raise_path_error(GetLastError(), "Cannot protect dump folder [%1].", folder);
     return opened;
 }
 

@@ -9,13 +9,13 @@
 #include "common/crash/dump_folder.h"
 #include "common/crash/generators.h"
 #include "common/crash/stack_frames.h"
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/platform/versions.h"
-#include "common/text/convert.h"
 
 #include <psapi.h>
 
@@ -53,7 +53,7 @@ public:
 private:
     [[noreturn]] void raise(const char* sentence) const {
         const DWORD code = GetLastError();
-        exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(path_)));
+        exc::raise_win_error(code, exc::format_message(sentence, encoding::wide_to_utf8(path_)));
     }
 
     std::wstring path_;
@@ -79,8 +79,9 @@ std::string describe(HMODULE module, const symbols_t& symbols) {
     std::snprintf(addresses.data(), addresses.size(), "0x%08llx - 0x%08llx ", begin, begin + info.SizeOfImage);
     const std::wstring path = platform::module_path(module);
     const std::string version = platform::read_version_resource(path).file_version;
-    return addresses.data() + text::wide_to_utf8(platform::file_name_of(path)) + " (" + text::wide_to_utf8(path) +
-           ") " + (version.empty() ? "0.0.0.0" : version) + ", " + symbols.describe_module(begin);
+    return addresses.data() + encoding::wide_to_utf8(platform::file_name_of(path)) + " (" +
+           encoding::wide_to_utf8(path) + ") " + (version.empty() ? "0.0.0.0" : version) + ", " +
+           symbols.describe_module(begin);
 }
 
 void write(report_t& report, const CONTEXT& thread) {
@@ -97,7 +98,7 @@ void write(report_t& report, const CONTEXT& thread) {
 void legacy_dump_gen_t::generate(const failure_t& failure, const std::wstring& path) {
     const std::wstring file_path = reserve_dump_identifier(path) + legacy_report_ending;
     logging::ormacon_tool.info(
-        exc::format_message("Writing legacy dump. Dump path: %1.", text::wide_to_utf8(file_path)));
+        exc::format_message("Writing legacy dump. Dump path: %1.", encoding::wide_to_utf8(file_path)));
     report_t report(file_path);
     set_has_dump(true);
     write(report, *failure.pointers->ContextRecord);

@@ -5,11 +5,11 @@
 #include "common/crash/recorder/exit_codes.h"
 #include "common/crash/recorder_program.h"
 #include "common/crash/watchdog.h"
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 
 namespace crash::win32 {
 namespace {
@@ -47,7 +47,7 @@ void COutOfProcDumpGen::generate(const failure_t& failure, const std::wstring& p
     // Anyone who can write to the program's folder can replace the program as well.
     const recorder_file_t recorder(program_folder_);
     logging::ormacon_tool.info(
-        exc::format_message("Generating dump to %1", text::wide_to_utf8(platform::parent_of(path))));
+        exc::format_message("Generating dump to %1", encoding::wide_to_utf8(platform::parent_of(path))));
     const std::uint32_t code = wait_for_recorder(start_recorder(recorder.path(), arguments(failure, path)));
     set_has_dump(code == recorder_success);
     if (has_dump()) return;

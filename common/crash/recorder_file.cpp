@@ -1,10 +1,10 @@
 #include "common/crash/recorder_program.h"
 
 #include "common/crash/recorder/minidump_file.h"
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 
 // The recorder's program file as data: recorder_image.S.
 extern "C" const unsigned char ormacon_recorder_begin;
@@ -15,7 +15,7 @@ namespace {
 
 [[noreturn]] void raise_for(const std::wstring& path, const char* sentence) {
     const DWORD code = GetLastError();
-    exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(path)));
+    exc::raise_win_error(code, exc::format_message(sentence, encoding::wide_to_utf8(path)));
 }
 
 // Whether the failure to create the file is due to one that exists or, refusing access, is just being deleted.

@@ -5,9 +5,9 @@
 
 #include "common/crash/recorder/exit_codes.h"
 #include "common/crash/watchdog.h"
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/text/convert.h"
 
 namespace crash {
 
@@ -19,8 +19,8 @@ platform::unique_handle start_recorder(const std::wstring& file, const std::wstr
     if (!CreateProcessW(file.c_str(), command_line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
                         &start, &process)) {
         const DWORD code = GetLastError();
-        exc::raise_win_error(
-            code, exc::format_message("Failed to start dump generator process. File: %1", text::wide_to_utf8(file)));
+        exc::raise_win_error(code, exc::format_message("Failed to start dump generator process. File: %1",
+                                                       encoding::wide_to_utf8(file)));
     }
     CloseHandle(process.hThread);
     return platform::unique_handle(process.hProcess);

@@ -4,7 +4,8 @@
 
 #include <boost/system/error_code.hpp>
 
-#include "common/text/convert.h"
+#include "common/encoding/convert.h"
+#include "common/exc/format_message.h"
 #include "common/win32.h"
 
 namespace exc {
@@ -31,7 +32,7 @@ std::string system_text(DWORD flags, HMODULE module, std::uint32_t code, DWORD l
     FormatMessageW(flags, module, code, language, reinterpret_cast<wchar_t*>(&allocated), 0, nullptr);
     const std::unique_ptr<wchar_t, local_free_t> buffer(allocated);
     if (!buffer) return {};
-    std::string text = text::wide_to_utf8_or_empty(buffer.get());
+    std::string text = encoding::wide_to_utf8_or_empty(buffer.get());
     trim_line_breaks(text);
     return text;
 }
@@ -63,6 +64,10 @@ void raise_win_error(std::uint32_t code, std::string_view message) {
     win_sys_exc_t failure(code);
     add_win_error(failure, code, message);
     throw failure;
+}
+
+void raise_path_error(std::uint32_t code, std::string_view sentence, const std::wstring& path) {
+    raise_win_error(code, format_message(sentence, encoding::wide_to_utf8(path)));
 }
 
 void rethrow_with_context(const std::exception& cause, std::string_view context) {

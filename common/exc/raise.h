@@ -31,6 +31,9 @@ void add_win_error(exc_base_t& failure, std::uint32_t code, std::string_view mes
 // system.
 [[noreturn]] void raise_win_error(std::uint32_t code, std::string_view message);
 
+// The same, with the path in place of the sentence's %1.
+[[noreturn]] void raise_path_error(std::uint32_t code, std::string_view sentence, const std::wstring& path);
+
 // Throws the cause again, with its type and error code, and with the context appended as a plain part. An exception
 // outside this family becomes a runtime_exc_t with its what() as the first part.
 [[noreturn]] void rethrow_with_context(const std::exception& cause, std::string_view context);

@@ -10,12 +10,12 @@
 #include <string_view>
 #include <vector>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/platform/file_trust.h"
 #include "common/platform/owned.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 
 namespace logging {
 namespace {
@@ -31,14 +31,10 @@ struct gzip_holder_t {
 };
 using unique_gzip = platform::unique_t<gzip_holder_t>;
 
-[[noreturn]] void fail(DWORD code, const char* sentence, const std::wstring& path) {
-    exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(path)));
-}
-
 [[noreturn]] void fail_in_zlib(int code, const char* sentence, const std::wstring& path) {
     exc::runtime_exc_t failure;
     if (code == Z_ERRNO) failure.add_text(std::strerror(errno));
-    failure.add_text(exc::format_message(sentence, text::wide_to_utf8(path)));
+    failure.add_text(exc::format_message(sentence, encoding::wide_to_utf8(path)));
     failure.add_trace_text(exc::format_message("Error code: %1", std::to_string(code)));
     throw failure;
 }
@@ -47,7 +43,7 @@ platform::unique_file open_file(const std::wstring& path, DWORD access, DWORD sh
                                 const char* sentence) {
     platform::unique_file file(CreateFileW(platform::system_path(path).c_str(), access, sharing, nullptr, creation,
                                            FILE_ATTRIBUTE_NORMAL | flags, nullptr));
-    if (!file) fail(GetLastError(), sentence, path);
+    if (!file) exc::raise_path_error(GetLastError(), sentence, path);
     return file;
 }
 
@@ -74,8 +70,9 @@ public:
         if (left_ == 0) return {};
         DWORD count = 0;
         const auto wanted = static_cast<DWORD>(std::min<std::uint64_t>(left_, portion));
-        if (!ReadFile(file_.get(), data_.data(), wanted, &count, nullptr)) fail(GetLastError(), unreadable, path_);
-        if (count == 0) fail(ERROR_HANDLE_EOF, unreadable, path_);
+        if (!ReadFile(file_.get(), data_.data(), wanted, &count, nullptr))
+            exc::raise_path_error(GetLastError(), unreadable, path_);
+        if (count == 0) exc::raise_path_error(ERROR_HANDLE_EOF, unreadable, path_);
         left_ -= count;
         return {data_.data(), count};
     }
@@ -104,7 +101,7 @@ void gzip_file(const std::wstring& source, const std::wstring& target, std::uint
         fail_in_zlib(code, "Cannot add data to the GZ archive [%1].", target);
     }
     if (const int code = gzclose(archive.release()); code != Z_OK) fail_in_zlib(code, unfinished, target);
-    if (!FlushFileBuffers(created.get())) fail(GetLastError(), unfinished, target);
+    if (!FlushFileBuffers(created.get())) exc::raise_path_error(GetLastError(), unfinished, target);
 }
 
 // Whether the gzip file unpacks to exactly the first size bytes of the source.
@@ -203,8 +200,8 @@ private:
     [[noreturn]] void refuse(std::uint32_t age, DWORD code) const {
         exc::raise_win_error(code,
                              exc::format_message("Cannot age file. File path: [%1]. Extension: [%2]. Ages limit: [%3].",
-                                                 {text::wide_to_utf8(archive_path(log_path_, age)),
-                                                  text::wide_to_utf8(archive_extension), std::to_string(limit_)}));
+                                                 {encoding::wide_to_utf8(archive_path(log_path_, age)),
+                                                  encoding::wide_to_utf8(archive_extension), std::to_string(limit_)}));
     }
 
     const std::wstring& log_path_;
@@ -239,7 +236,8 @@ freed_place_t archive_log(const std::wstring& log_path, std::uint64_t size, std:
     try {
         gzip_file(log_path, temporary, size);
         freed_place_t place = age_archives(log_path, limit);
-        if (!move_file(temporary, place.path)) fail(GetLastError(), "Cannot rename archive [%1].", temporary);
+        if (!move_file(temporary, place.path))
+            exc::raise_path_error(GetLastError(), "Cannot rename archive [%1].", temporary);
         return place;
     } catch (...) {
         delete_file(temporary);

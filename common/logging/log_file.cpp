@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/log_archives.h"
 #include "common/platform/file_trust.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 
 namespace logging::receiver {
 namespace {
@@ -69,7 +69,7 @@ void log_file_t::archive_when_due() {
     } catch (const std::exception& cause) {
         archive_at_ = size_ + std::max<std::uint64_t>(limits_.log_size / 10, 1);
         if (std::exchange(failure_reported_, true)) return;
-        add_warning(exc::format_message("Cannot compress log file. Log: [%1].", text::wide_to_utf8(path())));
+        add_warning(exc::format_message("Cannot compress log file. Log: [%1].", encoding::wide_to_utf8(path())));
         add_warning(cause.what());
     }
 }
@@ -104,12 +104,12 @@ win_log_file_t::win_log_file_t(const std::wstring& path, const size_limits_t& li
 void win_log_file_t::raise_locked(DWORD code) const {
     exc::file_locked_exc_t failure;
     const std::string sentence = "Log file is locked. Log path: [%1].";
-    exc::add_win_error(failure, code, exc::format_message(sentence, text::wide_to_utf8(path_)));
+    exc::add_win_error(failure, code, exc::format_message(sentence, encoding::wide_to_utf8(path_)));
     throw failure;
 }
 
 void win_log_file_t::fail(DWORD code, const char* sentence) const {
-    exc::raise_win_error(code, exc::format_message(sentence, text::wide_to_utf8(path_)));
+    exc::raise_win_error(code, exc::format_message(sentence, encoding::wide_to_utf8(path_)));
 }
 
 // The file's pointer stays after the last record while all goes well. (A write at a given offset costs several times as

@@ -6,6 +6,7 @@
 
 #include <boost/make_shared.hpp>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/log_exception.h"
@@ -16,7 +17,6 @@
 #include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/platform/versions.h"
-#include "common/text/convert.h"
 
 namespace logging {
 namespace {
@@ -58,7 +58,7 @@ std::string header_block() {
         "Process Id: %5\n"
         "OS version: %6\n"
         "%1",
-        {std::string(77, '='), text::wide_to_utf8(program), version.file_version, version.comments,
+        {std::string(77, '='), encoding::wide_to_utf8(program), version.file_version, version.comments,
          std::to_string(GetCurrentProcessId()), platform::os_version_text()});
 }
 
@@ -84,11 +84,12 @@ void attach(const component_t& component, const log_options_t& options) {
     }
     component.info(header);
     for (const std::wstring& foreign : platform::foreign_folders(options.shared_folder, folder))
-        component.log(level_warning, exc::format_message(foreign_folder, text::wide_to_utf8(foreign)));
+        component.log(level_warning, exc::format_message(foreign_folder, encoding::wide_to_utf8(foreign)));
 }
 
 [[noreturn]] void rethrow_unopened(const std::exception& cause, const std::wstring& path) {
-    exc::rethrow_with_context(cause, exc::format_message("Failed to initialize log [%1].", text::wide_to_utf8(path)));
+    exc::rethrow_with_context(cause,
+                              exc::format_message("Failed to initialize log [%1].", encoding::wide_to_utf8(path)));
 }
 
 log_options_t options_of_process(const std::wstring& folder, const std::wstring& file_name) try {

@@ -4,11 +4,11 @@
 #include <cstring>
 #include <utility>
 
+#include "common/encoding/convert.h"
 #include "common/exc/raise.h"
 #include "common/platform/account.h"
 #include "common/platform/console.h"
 #include "common/platform/owned.h"
-#include "common/text/convert.h"
 
 namespace logging::receiver {
 namespace {
@@ -63,11 +63,11 @@ void COutputDebugStringLog::write(const line_head_t& head, const record_t& recor
 void COutputDebugStringLog::write_line(const line_t& line) {
     text_.clear();
     append_short_line(text_, line);
-    const std::wstring text = text::utf8_to_wide(text_ += '\n');
+    const std::wstring text = encoding::utf8_to_wide(text_ += '\n');
     if (IsDebuggerPresent()) {
         OutputDebugStringW(text.c_str());
     } else if (monitored_) {
-        monitored_ = pass_to_monitor(text::wide_to_ansi(text));
+        monitored_ = pass_to_monitor(encoding::wide_to_ansi(text));
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "common/text/controls.h"
+#include "common/encoding/controls.h"
 
 namespace logging {
 namespace {
@@ -53,14 +53,14 @@ void append_short_line(std::string& target, const line_t& line) {
 }
 
 void receiver::sink_t::write(const line_head_t& head, const record_t& record) {
-    if (text::is_plain(record.text)) return write_line({head, record, record.text, 0});
+    if (encoding::is_plain(record.text)) return write_line({head, record, record.text, 0});
     std::string_view rest = record.text;
     for (std::size_t index = 0;; ++index) {
         const std::size_t end = std::min(rest.find('\n'), rest.size());
         std::string_view piece = rest.substr(0, end);
         // A carriage return before the line feed is half of the same line end.
         if (end < rest.size() && piece.ends_with('\r')) piece.remove_suffix(1);
-        const std::string visible = text::with_visible_controls(piece);
+        const std::string visible = encoding::with_visible_controls(piece);
         write_line({head, record, visible, index});
         if (end == rest.size()) return;
         rest.remove_prefix(end + 1);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "common/text/convert.h"
+#include "common/encoding/convert.h"
 
 namespace platform {
 
@@ -25,7 +25,7 @@ bool write_console(HANDLE console, std::wstring_view text) noexcept {
 void print(HANDLE target, const std::string& text) {
     DWORD written = 0;
     if (is_console(target)) {
-        write_console(target, text::utf8_to_wide(text));
+        write_console(target, encoding::utf8_to_wide(text));
         return;
     }
     for (std::string_view rest = text; !rest.empty(); rest.remove_prefix(written)) {

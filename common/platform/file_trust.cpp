@@ -2,11 +2,11 @@
 
 #include <cstring>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/platform/account.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 
 namespace platform {
 namespace {
@@ -50,7 +50,7 @@ const char* reason_to_distrust(HANDLE file) {
 }
 
 std::string refusal(const std::wstring& path, const char* reason) {
-    return exc::format_message("File [%1] is not used: %2.", {text::wide_to_utf8(path), reason});
+    return exc::format_message("File [%1] is not used: %2.", {encoding::wide_to_utf8(path), reason});
 }
 
 void require(bool condition, const std::wstring& path, const char* reason) {
@@ -80,7 +80,7 @@ bool differ(const std::wstring& place, const std::wstring& expected) {
 
 void require_place(bool is_right, const std::wstring& folder) {
     if (is_right) return;
-    exc::raise(exc::format_message("Folder [%1] is not used: it leads elsewhere.", text::wide_to_utf8(folder)));
+    exc::raise(exc::format_message("Folder [%1] is not used: it leads elsewhere.", encoding::wide_to_utf8(folder)));
 }
 
 // Returns where the folder is, after having looked at each folder above it: one that is no trusted link must be in the

@@ -1,8 +1,6 @@
 #include "common/platform/path.h"
 
-#include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/text/convert.h"
 #include "common/win32.h"
 
 namespace platform {
@@ -71,7 +69,7 @@ void create_directories(const std::wstring& path) {
     }
     // Another process may have been quicker.
     if (code == ERROR_SUCCESS || is_directory(path)) return;
-    exc::raise_win_error(code, exc::format_message("Cannot create directory [%1].", text::wide_to_utf8(path)));
+    exc::raise_path_error(code, "Cannot create directory [%1].", path);
 }
 
 std::wstring expand_variables(const std::wstring& text) {

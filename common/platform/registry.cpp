@@ -2,11 +2,9 @@
 
 #include <cstring>
 
-#include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/platform/owned.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 
 namespace platform {
 namespace {
@@ -19,8 +17,8 @@ std::optional<Number> number_of(const std::vector<unsigned char>& data) {
     return value;
 }
 
-[[noreturn]] void raise_unreadable(LSTATUS code, const char* sentence, const std::wstring& name) {
-    exc::raise_win_error(static_cast<DWORD>(code), exc::format_message(sentence, text::wide_to_utf8(name)));
+void check(LSTATUS status, const char* sentence, const std::wstring& name) {
+    if (status != ERROR_SUCCESS) exc::raise_path_error(static_cast<DWORD>(status), sentence, name);
 }
 
 }  // namespace
@@ -46,16 +44,16 @@ registry_value_t read_registry_value(const std::wstring& key, const std::wstring
     constexpr const char* unreadable = "Cannot read registry value [%1].";
     unique_registry_key opened;
     LSTATUS status = RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_QUERY_VALUE | KEY_WOW64_64KEY, opened.put());
-    if (status != ERROR_SUCCESS) raise_unreadable(status, "Cannot open registry key [%1].", key);
+    check(status, "Cannot open registry key [%1].", key);
 
     DWORD type = 0;
     DWORD size = 0;
     status = RegQueryValueExW(opened.get(), name.c_str(), nullptr, &type, nullptr, &size);
-    if (status != ERROR_SUCCESS) raise_unreadable(status, unreadable, name);
+    check(status, unreadable, name);
 
     std::vector<unsigned char> data(size);
     status = RegQueryValueExW(opened.get(), name.c_str(), nullptr, &type, data.data(), &size);
-    if (status != ERROR_SUCCESS) raise_unreadable(status, unreadable, name);
+    check(status, unreadable, name);
     data.resize(size);
     return {type, std::move(data)};
 }

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <vector>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
-#include "common/text/convert.h"
 #include "common/win32.h"
 
 namespace platform {
@@ -70,7 +70,7 @@ std::string comments(const std::vector<char>& resource) {
     swprintf(name.data(), name.size(), L"\\StringFileInfo\\%04x%04x\\Comments", translation->language,
              translation->code_page);
     const auto* value = find<wchar_t>(resource, name.data());
-    return value == nullptr ? std::string() : text::wide_to_utf8(value);
+    return value == nullptr ? std::string() : encoding::wide_to_utf8(value);
 }
 
 }  // namespace
@@ -85,7 +85,7 @@ std::string os_version_text() {
                             {std::to_string(version.dwMajorVersion), std::to_string(version.dwMinorVersion),
                              std::to_string(version.dwBuildNumber),
                              version.wProductType == VER_NT_WORKSTATION ? "workstation" : "server", architecture()});
-    return version.szCSDVersion[0] == L'\0' ? text : text + " " + text::wide_to_utf8(version.szCSDVersion);
+    return version.szCSDVersion[0] == L'\0' ? text : text + " " + encoding::wide_to_utf8(version.szCSDVersion);
 }
 
 version_resource_t read_version_resource(const std::wstring& path) {

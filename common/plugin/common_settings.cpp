@@ -2,12 +2,12 @@
 
 #include <boost/filesystem/path.hpp>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
 #include "common/platform/owned.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 #include "common/win32.h"
 
 namespace plugin {
@@ -28,22 +28,16 @@ void require_settings_file(const std::wstring& path) {
     }
 }
 
-[[noreturn]] void raise_unread(const char* sentence, const std::string& name) {
-    const DWORD code = GetLastError();
-    exc::raise_win_error(code, format_message(sentence, name));
-}
-
 std::string read_text(const std::wstring& path) {
-    const std::string name = text::wide_to_utf8(path);
-    plugin_common.info(format_message("Loading xml file [%1]", name));
+    plugin_common.info(format_message("Loading xml file [%1]", encoding::wide_to_utf8(path)));
     const platform::unique_file file(CreateFileW(platform::system_path(path).c_str(), GENERIC_READ,
                                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                                  OPEN_EXISTING, 0, nullptr));
-    if (!file) raise_unread("Failed to open configuration file from path: %1", name);
+    if (!file) exc::raise_path_error(GetLastError(), "Failed to open configuration file from path: %1", path);
     std::string content(largest_file + 1, '\0');
     DWORD size = 0;
     if (!ReadFile(file.get(), content.data(), largest_file + 1, &size, nullptr)) {
-        raise_unread("Failed to load configuration file: %1", name);
+        exc::raise_path_error(GetLastError(), "Failed to load configuration file: %1", path);
     }
     if (size > largest_file) exc::raise("The file is larger than 64 KiB.");
     content.resize(size);
@@ -53,7 +47,7 @@ std::string read_text(const std::wstring& path) {
 void log_unreadable(const std::wstring& path, const char* reason) {
     plugin_common.log(logging::level_warning,
                       format_message("Unable to load params from file [%1]. %2",
-                                     {text::wide_to_utf8(path), reason == nullptr ? "Unknown error" : reason}));
+                                     {encoding::wide_to_utf8(path), reason == nullptr ? "Unknown error" : reason}));
 }
 
 std::wstring find_settings_file(const std::wstring& directory) try {

@@ -7,7 +7,7 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
-#include "common/text/xml_depth.h"
+#include "common/xml/find_xml_fault.h"
 
 namespace plugin {
 namespace {
@@ -17,8 +17,8 @@ using logging::plugin_common;
 
 // Returns false, and logs it, if the text is not XML.
 bool parse(const std::string& content, TiXmlDocument& document) {
-    constexpr int deepest = 1000;
-    const std::string fault = text::find_xml_fault(content, deepest);
+    constexpr int max_depth = 1000;
+    const std::string fault = xml::find_xml_fault(content, max_depth);
     if (!fault.empty()) exc::raise(fault);
     // The parser reads past the end of a text that is cut off within a character. This gives each such step an end.
     const std::string with_ends = content + std::string(4, '\0');

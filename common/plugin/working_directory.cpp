@@ -4,13 +4,13 @@
 
 #include <boost/filesystem.hpp>
 
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/platform/registry.h"
-#include "common/text/convert.h"
 
 namespace plugin {
 namespace {
@@ -26,7 +26,7 @@ std::wstring read_target_link_path() {
 
 std::optional<std::wstring> find_target_link_path() try {
     std::wstring path = read_target_link_path();
-    plugin_common.info(format_message("Target link path: %1", text::wide_to_utf8(path)));
+    plugin_common.info(format_message("Target link path: %1", encoding::wide_to_utf8(path)));
     return path;
 } catch (const std::exception& failure) {
     plugin_common.info(format_message("Cannot find target link path in the registry: %1", failure.what()));
@@ -35,14 +35,14 @@ std::optional<std::wstring> find_target_link_path() try {
 
 std::wstring module_directory() {
     const platform::module_path_t module = platform::current_module_path();
-    const std::string path = text::wide_to_utf8(module.path);
+    const std::string path = encoding::wide_to_utf8(module.path);
     plugin_common.info(format_message(module.is_library ? "Getting current directory by dynamic lib path [%1]"
                                                         : "Getting current directory by module path [%1]",
                                       path));
     const auto target = platform::symlink_target(module.path);
     if (!target) return platform::parent_of(module.path);
     plugin_common.info(
-        format_message("Path to executable [%1] is symlink to [%2]", {path, text::wide_to_utf8(*target)}));
+        format_message("Path to executable [%1] is symlink to [%2]", {path, encoding::wide_to_utf8(*target)}));
     return platform::parent_of(platform::resolve_link(module.path, *target));
 }
 
@@ -60,7 +60,7 @@ std::wstring get_current_directory() {
         boost::system::error_code unknown;
         directory = boost::filesystem::current_path(unknown).wstring();
         plugin_common.info(format_message("Failed to get current directory path. Temporary value [%1]",
-                                          text::wide_to_utf8(directory)));
+                                          encoding::wide_to_utf8(directory)));
     }
     return directory;
 }

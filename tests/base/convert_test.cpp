@@ -1,13 +1,13 @@
-#include "common/text/convert.h"
+#include "common/encoding/convert.h"
 
 #include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/raise.h"
 #include "common/exc/exceptions.h"
-#include "common/text/wipe.h"
+#include "common/exc/raise.h"
+#include "common/platform/wipe.h"
 #include "tests/support/hook.h"
 
 HOOK(kernel32, MultiByteToWideChar)
@@ -15,7 +15,7 @@ HOOK(kernel32, WideCharToMultiByte)
 
 namespace {
 
-using namespace text;
+using namespace encoding;
 
 // Makes the n-th conversion call from now on fail once, with ERROR_NO_UNICODE_TRANSLATION: the system itself accepts
 // every text that a test could build.
@@ -95,7 +95,7 @@ TEST(Wipe, OverwritesShortAndLongTexts) {
         std::wstring secret(size, L's');
         const wchar_t* memory = secret.data();
         {
-            const wipe_at_exit_t wipe(secret);
+            const platform::wipe_at_exit_t wipe(secret);
             secret.resize(1);  // the rest of the text is still in memory
         }
         EXPECT_TRUE(secret.empty());

@@ -4,8 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "common/encoding/convert.h"
 #include "common/exc/raise.h"
-#include "common/text/convert.h"
 #include "tests/support/hook.h"
 
 HOOK(kernel32, FormatMessageW)
@@ -45,7 +45,7 @@ TEST(Exceptions, EveryCodeHasAText) {
     wchar_t text[512] = L"";  // stays empty on a system without English texts
     FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_ACCESS_DENIED, 0x409, text, 512, nullptr);
     text[std::wcscspn(text, L"\r\n")] = L'\0';
-    EXPECT_TRUE(text[0] == L'\0' || text::utf8_to_wide(given) == text) << given;
+    EXPECT_TRUE(text[0] == L'\0' || encoding::utf8_to_wide(given) == text) << given;
     for (const std::uint32_t code : {5U, 0U, 12007U, 0x1fffffffU, 0xffffffffU}) {
         EXPECT_NE(get_error_text(code), "") << code;
     }

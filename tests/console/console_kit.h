@@ -7,9 +7,9 @@
 
 #include <boost/algorithm/string.hpp>
 
+#include "common/encoding/convert.h"
 #include "common/logging/log_settings.h"
 #include "common/platform/owned.h"
-#include "common/text/convert.h"
 #include "tests/logging/log_test_kit.h"
 
 namespace console_test {
@@ -42,7 +42,7 @@ public:
 
     void TypeLine(const std::string& line) const {
         std::vector<INPUT_RECORD> keys;
-        for (const wchar_t unit : text::utf8_to_wide(line) + L'\r') {
+        for (const wchar_t unit : encoding::utf8_to_wide(line) + L'\r') {
             const WORD key = unit == L'\r' ? VK_RETURN : 0;
             for (const BOOL down : {TRUE, FALSE}) keys.push_back({KEY_EVENT, {{down, 1, key, 0, {unit}, 0}}});
         }
@@ -61,14 +61,14 @@ public:
             ReadConsoleOutputCharacterW(screen(), row.data(), static_cast<DWORD>(row.size()), {0, y}, &read);
             rows += y < last ? boost::trim_right_copy(row) + L'\n' : row;
         }
-        return text::wide_to_utf8(rows);
+        return encoding::wide_to_utf8(rows);
     }
 
     // The rows in which the console shows a text, as far back as it keeps them.
     std::string RowsOf(const std::string& printed) const {
         const auto [columns, lines] = State().dwSize;
         std::deque<std::wstring> rows{L""};
-        for (const wchar_t unit : text::utf8_to_wide(printed)) {
+        for (const wchar_t unit : encoding::utf8_to_wide(printed)) {
             if (unit == L'\n' || rows.back().size() == static_cast<std::size_t>(columns)) {
                 boost::trim_right(rows.back());
                 rows.emplace_back();
@@ -76,7 +76,7 @@ public:
             if (unit != L'\n') rows.back() += unit;
             if (rows.size() > static_cast<std::size_t>(lines)) rows.pop_front();
         }
-        return text::wide_to_utf8(boost::join(rows, L"\n"));
+        return encoding::wide_to_utf8(boost::join(rows, L"\n"));
     }
 
 private:
@@ -133,7 +133,7 @@ public:
         how.cb = sizeof how;
         how.dwFlags = STARTF_USESTDHANDLES;
         how.hStdInput = streams[0], how.hStdOutput = streams[1], how.hStdError = streams[2];
-        std::wstring line = L"Ormacon " + text::utf8_to_wide(options);
+        std::wstring line = L"Ormacon " + encoding::utf8_to_wide(options);
         PROCESS_INFORMATION started{};
         EXPECT_TRUE(CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr, &how,
                                    &started));

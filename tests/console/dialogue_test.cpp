@@ -68,8 +68,8 @@ protected:
     static void ExpectStored(const std::string& account, const std::string& password) {
         conf_tool::ConfigurationSnapshot config;
         conf_tool::CConfigToolLibCaller(conf_tool::CallerMode::Direct).GetConfig(config);
-        EXPECT_EQ(text::wide_to_utf8(config.domain + L"\\" + config.user_name), account);
-        EXPECT_EQ(text::wide_to_utf8(config.password), password);
+        EXPECT_EQ(encoding::wide_to_utf8(config.domain + L"\\" + config.user_name), account);
+        EXPECT_EQ(encoding::wide_to_utf8(config.password), password);
     }
 
     const test_support::CDemoHost host_;

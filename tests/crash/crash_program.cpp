@@ -12,10 +12,10 @@
 #include "common/crash/crash_entry.h"
 #include "common/crash/handler_registry.h"
 #include "common/crash/install.h"
+#include "common/encoding/convert.h"
 #include "common/logging/log_settings.h"
-#include "common/logging/open_log.h"
 #include "common/logging/logger.h"
-#include "common/text/convert.h"
+#include "common/logging/open_log.h"
 #include "tests/support/hook.h"
 #include "tests/support/test_registry.h"
 
@@ -260,7 +260,7 @@ WAY recorder_killed() {
 int main(int argc, char** argv) {
     if (argc != 3) return 0;
     test_support::CTestRegistry registry;
-    registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", text::utf8_to_wide(argv[2]));
+    registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", encoding::utf8_to_wide(argv[2]));
     crash::install(L"logs");
     logging::initialise(logging::ormacon_tool, L"logs", L"Ormacon.log");
     reinterpret_cast<way_to_die_t>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(nullptr), argv[1])))();

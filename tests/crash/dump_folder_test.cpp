@@ -1,7 +1,7 @@
 #include "common/crash/dump_folder.h"
 
+#include "common/encoding/convert.h"
 #include "common/platform/account.h"
-#include "common/text/convert.h"
 #include "tests/crash/dump_folder_fixture.h"
 #include "tests/support/access_list.h"
 
@@ -45,7 +45,7 @@ TEST_F(DumpFolder, FolderThatIsSwappedBetweenLookAndUseIsRefused) {
         return CreateFileW_hook::System(path.c_str(), rest...);
     };
     EXPECT_THAT([&] { crash::open_dump_folder(dumps); },
-                Fails("Dump folder [" + text::wide_to_utf8(dumps) + "] is a link."));
+                Fails("Dump folder [" + encoding::wide_to_utf8(dumps) + "] is a link."));
     CreateFileW_hook::replacement = nullptr;
 }
 

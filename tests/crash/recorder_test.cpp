@@ -2,10 +2,10 @@
 #include "common/crash/generators.h"
 #include "common/crash/recorder/ntdll.h"
 #include "common/crash/recorder_program.h"
+#include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/platform/module.h"
-#include "common/text/convert.h"
 #include "tests/crash/dump_folder_fixture.h"
 #include "tests/support/recording_sink.h"
 
@@ -31,9 +31,9 @@ protected:
         const std::string line =
             exc::format_message(arguments, {std::to_string(reinterpret_cast<std::uintptr_t>(process.get())),
                                             std::to_string(GetCurrentProcessId()), std::to_string(GetCurrentThreadId()),
-                                            text::wide_to_utf8(folder.wstring())});
+                                            encoding::wide_to_utf8(folder.wstring())});
         const crash::recorder_file_t file(std::filesystem::current_path().wstring());
-        return crash::wait_for_recorder(crash::start_recorder(file.path(), text::utf8_to_wide(line)));
+        return crash::wait_for_recorder(crash::start_recorder(file.path(), encoding::utf8_to_wide(line)));
     }
 };
 
@@ -93,7 +93,7 @@ TEST_F(Recorder, FileIsReplacedAndRenamedByNobody) {
         EXPECT_FALSE(platform::unique_file(
             CreateFileW(path.c_str(), GENERIC_WRITE, 7, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
         EXPECT_THAT([&] { crash::recorder_file_t(folder.wstring(), 50); },
-                    Fails(HasSubstr("Failed to create dump recorder file: " + text::wide_to_utf8(path))));
+                    Fails(HasSubstr("Failed to create dump recorder file: " + encoding::wide_to_utf8(path))));
         const platform::unique_module image(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
         EXPECT_NE(FindResourceW(image.get(), MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(24)), nullptr) << "no manifest";
     }
@@ -104,7 +104,7 @@ TEST_F(Recorder, FileIsReplacedAndRenamedByNobody) {
 
 TEST_F(Recorder, FailedStartLeavesNoFile) {
     const std::wstring name = L"TovakDumpRecorder";
-    const std::string path = text::wide_to_utf8((folder / name).wstring());
+    const std::string path = encoding::wide_to_utf8((folder / name).wstring());
     const auto text_of = [](DWORD code) { return exc::get_error_text(code) + "\n"; };
     const auto make = [&] { crash::recorder_file_t(folder.wstring()); };
 
@@ -144,7 +144,7 @@ TEST_F(Recorder, CleansUpAsTheProgramDoes) {
         }
         return "done";
     };
-    const auto path_of = [&](const char* name) { return text::wide_to_utf8((folder / name).wstring()); };
+    const auto path_of = [&](const char* name) { return encoding::wide_to_utf8((folder / name).wstring()); };
     const std::pair<const wchar_t*, int> files[] = {
         {L"a_crash_1.mdmp", 9}, {L"A_CRASH_2-EXCEPTIONS.LOG", 8}, {L"a_crash_3.MDMP", 7}, {L"a_crash_B.mdmp", 6},
         {L"a_crash_a.mdmp", 6}, {L"a_crash_4.mdmp.txt", 10},      {L"a.mdmp", 10},

@@ -7,7 +7,7 @@
 
 #include <gmock/gmock.h>
 
-#include "common/text/convert.h"
+#include "common/encoding/convert.h"
 #include "conf_tool/lib_caller.h"
 #include "tests/support/demo_host.h"
 
@@ -18,7 +18,7 @@ using test_support::FileText;
 class demo_library_test : public testing::Test {
 protected:
     static std::wstring answer(const std::function<void()>& call) {
-        return text::utf8_to_wide(test_support::FailureOf(call));
+        return encoding::utf8_to_wide(test_support::FailureOf(call));
     }
 
     static std::wstring select(CConfigToolLibCaller& caller, const std::vector<std::wstring>& ids) {

@@ -3,12 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "common/encoding/convert.h"
 #include "common/exc/raise.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
 #include "tests/support/demo_host.h"
-#include "tests/support/recording_sink.h"
 #include "tests/support/hook.h"
+#include "tests/support/recording_sink.h"
 
 HOOK(kernel32, CreateFileW)
 HOOK(kernel32, GetFileAttributesW)
@@ -59,7 +59,7 @@ protected:
         EXPECT_EQ(log_.lines(), expected);
     }
 
-    std::string Path() const { return text::wide_to_utf8((folder_ / "tovak_common_config.xml").wstring()); }
+    std::string Path() const { return encoding::wide_to_utf8((folder_ / "tovak_common_config.xml").wstring()); }
 
     const test_support::CTestFolder folder_;
     test_support::CRecordedLog log_;

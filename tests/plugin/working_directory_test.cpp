@@ -6,12 +6,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "common/encoding/convert.h"
 #include "common/exc/raise.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
-#include "common/text/convert.h"
-#include "tests/support/recording_sink.h"
 #include "tests/support/hook.h"
+#include "tests/support/recording_sink.h"
 #include "tests/support/test_registry.h"
 
 HOOK(kernel32, DeviceIoControl)
@@ -33,7 +33,7 @@ TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) 
         EXPECT_EQ(log.lines(), lines);
     };
     const std::wstring program = platform::program_path(), folder = platform::parent_of(program);
-    const std::string shown = text::wide_to_utf8(program);
+    const std::string shown = encoding::wide_to_utf8(program);
     const std::string no_text =
         "Cannot find target link path in the registry: The registry value is not a text or is empty.";
     const std::string by_module = "Getting current directory by module path [" + shown + "]";
@@ -56,13 +56,14 @@ TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) 
     GetModuleHandleExW_hook::replacement = [=](auto, auto, HMODULE* module) { return (*module = other) != nullptr; };
     const std::wstring library = platform::module_path(other);
     expect(platform::parent_of(library),
-           {no_text, "Getting current directory by dynamic lib path [" + text::wide_to_utf8(library) + "]"});
+           {no_text, "Getting current directory by dynamic lib path [" + encoding::wide_to_utf8(library) + "]"});
     GetModuleHandleExW_hook::replacement = nullptr;
     GetModuleFileNameW_hook::Fail(ERROR_MOD_NOT_FOUND);
     const std::wstring current = std::filesystem::current_path().wstring();
-    expect(current, {no_text, "WARN|" + exc::get_error_text(ERROR_MOD_NOT_FOUND), "WARN|Cannot get module path.",
-                     "WARN|--tr:Error code: 0x0000007e",
-                     "Failed to get current directory path. Temporary value [" + text::wide_to_utf8(current) + "]"});
+    expect(current,
+           {no_text, "WARN|" + exc::get_error_text(ERROR_MOD_NOT_FOUND), "WARN|Cannot get module path.",
+            "WARN|--tr:Error code: 0x0000007e",
+            "Failed to get current directory path. Temporary value [" + encoding::wide_to_utf8(current) + "]"});
     GetModuleFileNameW_hook::replacement = nullptr;
 
     registry.SetText(plugin::plugin_registry_key, L"LinkTargetPath", L"D:\\links \u4e2d");

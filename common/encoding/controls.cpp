@@ -1,9 +1,9 @@
-#include "common/text/controls.h"
+#include "common/encoding/controls.h"
 
 #include <algorithm>
 #include <array>
 
-namespace text {
+namespace encoding {
 namespace {
 
 constexpr unsigned char c1_lead = 0xC2;  // of the characters from U+0080 to U+00BF
@@ -40,4 +40,4 @@ std::string with_visible_controls(std::string_view text) {
     return visible;
 }
 
-}  // namespace text
+}  // namespace encoding

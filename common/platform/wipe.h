@@ -5,7 +5,7 @@
 
 #include "common/win32.h"
 
-namespace text {
+namespace platform {
 
 // Overwrites the whole capacity and empties the text.
 template <class Char>
@@ -27,4 +27,4 @@ private:
     std::basic_string<Char>& secret_;
 };
 
-}  // namespace text
+}  // namespace platform

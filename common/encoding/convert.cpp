@@ -1,4 +1,4 @@
-#include "common/text/convert.h"
+#include "common/encoding/convert.h"
 
 #include <climits>
 
@@ -6,7 +6,7 @@
 #include "common/exc/raise.h"
 #include "common/win32.h"
 
-namespace text {
+namespace encoding {
 namespace {
 
 // The length passed to the system includes the terminating null, which is also converted.
@@ -78,4 +78,4 @@ std::string wide_to_utf8_or_empty(const wchar_t* source) noexcept try {
     return {};
 }
 
-}  // namespace text
+}  // namespace encoding

@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
-namespace text {
+namespace xml {
 
 // Returns what is wrong, as an English sentence with the line, or an empty text: elements that are nested deeper than
 // the limit, or a "<" within a tag. XML forbids it there except in a DOCTYPE, and the parser takes it for text, in a
 // DOCTYPE, too.
-std::string find_xml_fault(std::string_view content, int deepest);
+std::string find_xml_fault(std::string_view content, int max_depth);
 
-}  // namespace text
+}  // namespace xml

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace text {
+namespace encoding {
 
 // Returns whether the text certainly has no control character. Quick: it is asked for each record of the log.
 bool is_plain(std::string_view text) noexcept;
@@ -12,4 +12,4 @@ bool is_plain(std::string_view text) noexcept;
 // Returns the text with \x and two hexadecimal digits in place of each control character.
 std::string with_visible_controls(std::string_view text);
 
-}  // namespace text
+}  // namespace encoding

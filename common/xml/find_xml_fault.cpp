@@ -1,8 +1,8 @@
-#include "common/text/xml_depth.h"
+#include "common/xml/find_xml_fault.h"
 
 #include <algorithm>
 
-namespace text {
+namespace xml {
 namespace {
 
 // Moves past the next occurrence of the mark, or to the end.
@@ -34,7 +34,7 @@ std::string fault_at(std::string_view content, std::string_view rest, const std:
 
 }  // namespace
 
-std::string find_xml_fault(std::string_view content, int deepest) {
+std::string find_xml_fault(std::string_view content, int max_depth) {
     int depth = 0;
     for (std::string_view rest = content;;) {
         rest.remove_prefix(std::min(rest.find('<'), rest.size()));
@@ -52,11 +52,11 @@ std::string find_xml_fault(std::string_view content, int deepest) {
                     content, rest,
                     is_declaration ? "A DOCTYPE with a \"<\" in it is not supported" : "There is a \"<\" within a tag");
             }
-            if (depth > deepest) {
-                return fault_at(content, rest, "Elements are nested more than " + std::to_string(deepest) + " deep");
+            if (depth > max_depth) {
+                return fault_at(content, rest, "Elements are nested more than " + std::to_string(max_depth) + " deep");
             }
         }
     }
 }
 
-}  // namespace text
+}  // namespace xml

@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace text {
+namespace encoding {
 
 // "Unicode string cannot be converted to multibyte string." Both ANSI conversions are fixed from outside.
 std::string wide_to_ansi(const std::wstring& source);
@@ -24,4 +24,4 @@ std::wstring utf8_to_wide(const std::string& source);
 // Only for the system's error texts: never throws; returns an empty text if the source cannot be converted.
 std::string wide_to_utf8_or_empty(const wchar_t* source) noexcept;
 
-}  // namespace text
+}  // namespace encoding
