@@ -22,7 +22,7 @@ case ${1-} in
         libraries+=(googlebenchmark peers)
         ;;
     --fuzz) packages+=(clang libclang-rt-dev llvm) ;;  # libFuzzer; function names in its reports
-    --check) packages+=(cppcheck clang-tidy) ;;
+    --check) packages+=(cppcheck clang-tidy universal-ctags) ;;
     --sign) packages+=(osslsigncode) ;;
 esac
 
