@@ -3,6 +3,7 @@
 #include "app/options.h"
 #include "common/logging/log_exception.h"
 #include "common/platform/wipe.h"
+#include "conf_tool/log_component.h"
 
 namespace app {
 namespace {
@@ -21,7 +22,7 @@ CommandContext::~CommandContext() {
     try {
         ReleaseCaller();
     } catch (const std::exception& failure) {
-        logging::log_exception(logging::ormacon_tool, failure);
+        logging::log_exception(conf_tool::ormacon_tool, failure);
     }
     WipeCredentials(variables);
 }

@@ -9,8 +9,8 @@
 #include "app/options.h"
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
-#include "common/logging/component.h"
 #include "common/platform/wipe.h"
+#include "conf_tool/log_component.h"
 #include "wizard/answers.h"
 #include "wizard/config_tool_wizard.h"
 #include "wizard/console.h"
@@ -21,8 +21,8 @@ namespace {
 
 using conf_tool::CallerMode;
 using conf_tool::CConfigToolLibCaller;
+using conf_tool::ormacon_tool;
 using exc::format_message;
-using logging::ormacon_tool;
 using wizard::PrintToConsole;
 using wizard::ShownValue;
 

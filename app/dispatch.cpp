@@ -11,6 +11,7 @@
 #include "common/exc/raise.h"
 #include "common/logging/method_scope.h"
 #include "common/platform/wipe.h"
+#include "conf_tool/log_component.h"
 
 namespace app {
 namespace {
@@ -80,7 +81,7 @@ Command Choose(CommandContext& context) {
 }  // namespace
 
 Command ParseCommandLine(CommandContext& context, int argc, const char* const* argv) {
-    logging::method_scope_t scope(logging::ormacon_tool, "Parsing incoming values");
+    logging::method_scope_t scope(conf_tool::ormacon_tool, "Parsing incoming values");
     try {
         StoreCommandLine(context, argc, argv);
         Command chosen = Choose(context);
@@ -96,7 +97,7 @@ Command ParseCommandLine(CommandContext& context, int argc, const char* const* a
 }
 
 void ExecuteMethod(boost::function<void()> handler, const std::string& method_name) {
-    logging::method_scope_t scope(logging::ormacon_tool, exc::format_message("Executing method %1", method_name));
+    logging::method_scope_t scope(conf_tool::ormacon_tool, exc::format_message("Executing method %1", method_name));
     try {
         handler();
         scope.succeed();

@@ -9,6 +9,7 @@
 #include "app/start_up.h"
 #include "common/crash/install.h"
 #include "common/encoding/convert.h"
+#include "conf_tool/log_component.h"
 #include "wizard/console_session.h"
 #include "wizard/shown_text.h"
 
@@ -41,7 +42,7 @@ void Run(int argc, const char* const* argv) {
     std::optional<wizard::CConsoleSession> console_session;
     try {
         HardenProcess();
-        crash::install(log_folder);
+        crash::install(conf_tool::ormacon_tool, log_folder, L"Ormacon_crash");
         console_session.emplace();
         InitializeApplication();
         RunCommand(argc, argv);

@@ -14,6 +14,7 @@
 #include "common/platform/path.h"
 #include "common/plugin/common_settings.h"
 #include "common/plugin/working_directory.h"
+#include "conf_tool/log_component.h"
 #include "common/win32.h"
 
 #include <objbase.h>
@@ -29,7 +30,7 @@ public:
     }
 
     void LogAgain() const {
-        for (const auto& [level, text] : records_) logging::ormacon_tool.log(level, text);
+        for (const auto& [level, text] : records_) conf_tool::ormacon_tool.log(level, text);
     }
 
 private:
@@ -43,8 +44,8 @@ const boost::shared_ptr<CEarlyRecords>& EarlyRecords() {
 
 void Report(bool succeeded, const char* measure) {
     const DWORD code = GetLastError();
-    logging::ormacon_tool.log(succeeded ? logging::level_info : logging::level_warning,
-                              exc::format_message("%1: %2", {measure, succeeded ? "ok" : exc::get_error_text(code)}));
+    conf_tool::ormacon_tool.log(succeeded ? logging::level_info : logging::level_warning,
+                                exc::format_message("%1: %2", {measure, succeeded ? "ok" : exc::get_error_text(code)}));
 }
 
 // The empty text takes the current folder out of the search. Wine ignores it: there the program's own folder, which is
@@ -79,8 +80,8 @@ void InitializeApplication() {
     InitializeCom();
     const std::wstring settings_directory = plugin::get_current_directory();
     logging::process_logger().detach(EarlyRecords());
-    logging::initialise(logging::ormacon_tool, log_folder, L"Ormacon.log");
-    logging::ormacon_tool.info(std::string(84, '='));
+    logging::initialise(conf_tool::ormacon_tool, log_folder, L"Ormacon.log");
+    conf_tool::ormacon_tool.info(std::string(84, '='));
     EarlyRecords()->LogAgain();
     plugin::load_common_settings(settings_directory);
 }

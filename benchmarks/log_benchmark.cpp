@@ -21,6 +21,8 @@ namespace {
 constexpr std::string_view text = "Loading configuration library in direct mode: the file of the library is loaded.";
 static_assert(text.size() == 80);
 
+constexpr logging::component_t component("benchmark");
+
 platform::unique_file floor_file;
 std::string floor_line;
 std::shared_ptr<spdlog::logger> peer;
@@ -43,7 +45,7 @@ std::string last_line(const std::wstring& path) {
 }
 
 void log_product(benchmark::State& state) {
-    for (auto _ : state) logging::ormacon_tool.info(text);
+    for (auto _ : state) component.info(text);
 }
 
 void log_floor(benchmark::State& state) {
@@ -71,9 +73,9 @@ int main(int argc, char** argv) {
                                  nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     const std::wstring product_path = benchmarks::fresh_work_file(L"Product.log");
     // The limit is checked for each record and never reached.
-    logging::open_log(logging::ormacon_tool,
+    logging::open_log(component,
                       {.path = product_path, .limits = {.log_size = 1ULL << 40, .archive_count = 10}, .switches = {}});
-    logging::ormacon_tool.info(text);
+    component.info(text);
     floor_line = last_line(product_path);
     const std::wstring peer_path = open_peer();
     peer->info(text);

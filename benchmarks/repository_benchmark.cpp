@@ -8,6 +8,7 @@
 
 #include "benchmarks/work_file.h"
 #include "common/logging/open_log.h"
+#include "conf_tool/log_component.h"
 #include "wizard/config_tool_wizard.h"
 #include "wizard/console_device.h"
 #include "common/win32.h"
@@ -47,9 +48,9 @@ void WholeStep(benchmark::State& state) {
     CTimedUser user;
     for (auto _ : state) {
         // The log has no size limit: another benchmark measures archiving.
-        logging::open_log(logging::ormacon_tool, {.path = benchmarks::fresh_work_file(L"Repositories.log"),
-                                                  .limits = {.log_size = 0, .archive_count = 10},
-                                                  .switches = {}});
+        logging::open_log(conf_tool::ormacon_tool, {.path = benchmarks::fresh_work_file(L"Repositories.log"),
+                                                    .limits = {.log_size = 0, .archive_count = 10},
+                                                    .switches = {}});
         wizard::CConfigToolWizard(boost::make_shared<conf_tool::CConfigToolLibCaller>(conf_tool::CallerMode::Wizard))
             .StartWizard();
         logging::close_log();

@@ -8,6 +8,7 @@
 #include "common/logging/method_scope.h"
 #include "common/platform/wipe.h"
 #include "conf_tool/library_memory.h"
+#include "conf_tool/log_component.h"
 
 namespace conf_tool {
 namespace {
@@ -22,7 +23,7 @@ std::string TakeErrorText(LibraryError error, FreeStringFn free_string, const st
 }
 
 void LogReceived(const RepositoryEntry& entry) {
-    logging::ormacon_tool.info(exc::format_message(
+    ormacon_tool.info(exc::format_message(
         "ConfigToolLibCaller received repo id=[%1] name=[%2] capacity=[%3] free_space=[%4] encryptionEnabled=[%5]",
         {encoding::wide_to_utf8(entry.id), encoding::wide_to_utf8(entry.name), SizeText(entry.capacity),
          SizeText(entry.free_space), entry.encryptionEnabled ? "1" : "0"}));
@@ -34,7 +35,7 @@ void LogReceived(const RepositoryEntry& entry) {
 template <class Invoke, class TakeResults>
 void CConfigToolLibCaller::Call(const char* name, const char* failure_name, Invoke invoke, TakeResults take_results,
                                 const std::wstring& secret) {
-    logging::method_scope_t scope(logging::ormacon_tool, exc::format_message("Calling %1 function", name),
+    logging::method_scope_t scope(ormacon_tool, exc::format_message("Calling %1 function", name),
                                   exc::format_message("Failed to call %1 function", failure_name));
     LibraryError error = nullptr;
     if (invoke(&error) != 0) exc::raise(TakeErrorText(error, functions_.FreeString, secret));
@@ -125,8 +126,7 @@ void CConfigToolLibCaller::GetTBRRepositories(std::vector<RepositoryEntry>& into
     std::int32_t count = 0;
     const auto take_results = [&] {
         const CLibraryRepositories owned(records, count, functions_.FreeRepositories);
-        logging::ormacon_tool.info(
-            exc::format_message("ConfigToolLibCaller received repos: size=[%1]", std::to_string(count)));
+        ormacon_tool.info(exc::format_message("ConfigToolLibCaller received repos: size=[%1]", std::to_string(count)));
         const std::int32_t size = owned.Count();
         for (std::int32_t i = 0; i < size; ++i) {
             into.push_back(owned.Entry(i));

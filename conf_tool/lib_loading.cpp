@@ -10,6 +10,7 @@
 #include "common/logging/log_exception.h"
 #include "common/logging/method_scope.h"
 #include "common/platform/module.h"
+#include "conf_tool/log_component.h"
 
 namespace conf_tool {
 namespace {
@@ -36,15 +37,15 @@ CConfigToolLibCaller::~CConfigToolLibCaller() noexcept(false) {
     try {
         Unload();
     } catch (const std::exception& failure) {
-        logging::log_exception(logging::ormacon_tool, failure);
+        logging::log_exception(ormacon_tool, failure);
     }
 }
 
 void CConfigToolLibCaller::Load(CallerMode mode) {
-    logging::method_scope_t scope(logging::ormacon_tool, LoadingText(mode));
+    logging::method_scope_t scope(ormacon_tool, LoadingText(mode));
     module_ = LoadLibraryW(L"OrmaconLib.dll");
     if (module_ == nullptr) exc::raise_win_error(GetLastError(), "Failed to load configuration library");
-    logging::ormacon_tool.log(
+    ormacon_tool.log(
         logging::level_detail,
         exc::format_message("Configuration library: [%1]", encoding::wide_to_utf8(platform::module_path(module_))));
     ResolveExports(mode);
@@ -63,7 +64,7 @@ void CConfigToolLibCaller::ResolveExports(CallerMode mode) {
 
 void CConfigToolLibCaller::Unload() {
     if (std::exchange(unloaded_, true)) return;
-    logging::method_scope_t scope(logging::ormacon_tool, "Unloading configuration library");
+    logging::method_scope_t scope(ormacon_tool, "Unloading configuration library");
     if (module_ != nullptr && !FreeLibrary(module_)) {
         exc::raise_win_error(GetLastError(), "Failed to unload configuration library");
     }

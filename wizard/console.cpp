@@ -8,7 +8,7 @@
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/component.h"
+#include "conf_tool/log_component.h"
 #include "wizard/console_device.h"
 #include "wizard/console_session.h"
 #include "wizard/shown_text.h"
@@ -18,7 +18,7 @@ namespace wizard {
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the caller moves its text
 void PrintToConsole(std::wstring text) {
     ConsoleDevice().Write(text);
-    logging::ormacon_tool.info(exc::format_message("Print to console [%1]", encoding::wide_to_utf8(text)));
+    conf_tool::ormacon_tool.info(exc::format_message("Print to console [%1]", encoding::wide_to_utf8(text)));
 }
 
 std::wstring ReadFromConsole(bool hidden) {
@@ -26,7 +26,7 @@ std::wstring ReadFromConsole(bool hidden) {
     std::optional<CEchoGuard> no_echo;
     if (hidden) no_echo.emplace();
     std::wstring line = ConsoleDevice().ReadLine(hidden);
-    logging::ormacon_tool.info(
+    conf_tool::ormacon_tool.info(
         exc::format_message("Read from console [%1]", hidden ? "Hidden data" : encoding::wide_to_utf8(line)));
     return line;
 }

@@ -11,8 +11,8 @@
 
 #include "common/crash/handler_registry.h"
 #include "common/encoding/convert.h"
-#include "common/logging/component.h"
 #include "common/platform/console.h"
+#include "conf_tool/log_component.h"
 #include "common/win32.h"
 
 namespace wizard {
@@ -173,7 +173,7 @@ void EndProcessUnlessRead(bool succeeded) {
         const std::lock_guard lock(state.mutex);
         if (!state.cancelled && (succeeded || !state.had_console)) return;
     }
-    if (CancelInput()) logging::ormacon_tool.log(logging::level_warning, "Console input was cancelled");
+    if (CancelInput()) conf_tool::ormacon_tool.log(logging::level_warning, "Console input was cancelled");
     ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
 }
 

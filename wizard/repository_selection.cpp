@@ -8,6 +8,7 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/method_scope.h"
+#include "conf_tool/log_component.h"
 #include "wizard/answers.h"
 
 namespace wizard {
@@ -53,7 +54,7 @@ void RejectOutOfRange(const std::vector<TypedNumber>& numbers, std::size_t count
 }
 
 std::vector<TypedNumber> Validate(const std::wstring& answer, std::size_t count, int scope_edition) {
-    logging::method_scope_t scope(logging::ormacon_tool, "Validating value");
+    logging::method_scope_t scope(conf_tool::ormacon_tool, "Validating value");
     std::vector<TypedNumber> numbers = ReadNumbers(answer);
     RejectRepeated(numbers);
     RejectSeveralInStandardEdition(numbers, scope_edition);

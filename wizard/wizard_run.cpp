@@ -1,4 +1,5 @@
 // The run loop: iterations, saving, and what happens after a failure.
+#include "conf_tool/log_component.h"
 #include "wizard/config_tool_wizard.h"
 
 #include <exception>
@@ -21,8 +22,8 @@
 namespace wizard {
 namespace {
 
+using conf_tool::ormacon_tool;
 using exc::format_message;
-using logging::ormacon_tool;
 
 enum SaveChoice { apply = 1, export_files = 2, cancel = 3 };
 

@@ -1,4 +1,5 @@
 // The questions. Each one asks, converts the answer, and passes it to the library.
+#include "conf_tool/log_component.h"
 #include "wizard/config_tool_wizard.h"
 
 #include <boost/make_shared.hpp>
@@ -6,7 +7,6 @@
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/component.h"
 #include "common/platform/wipe.h"
 #include "wizard/answers.h"
 #include "wizard/console.h"
@@ -17,9 +17,9 @@ namespace wizard {
 namespace {
 
 using conf_tool::ConfigurationSnapshot;
+using conf_tool::ormacon_tool;
 using conf_tool::RepositoryEntry;
 using exc::format_message;
-using logging::ormacon_tool;
 
 // Ports and parallelism are unsigned for the user and signed for the library.
 std::wstring UnsignedText(int value) { return std::to_wstring(static_cast<unsigned>(value)); }

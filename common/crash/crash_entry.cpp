@@ -23,8 +23,10 @@ namespace crash {
 namespace {
 
 constexpr unsigned most_dumps = 10;
-constexpr const wchar_t* base_name = L"Ormacon_crash";
 constexpr std::chrono::milliseconds longest_log_wait(1000);
+
+const logging::component_t* log_component = nullptr;
+const wchar_t* base_name = nullptr;
 
 // Replaced, never changed: the crashed thread may be the one that sets them, and have the loader's lock, which is
 // needed to look up the program's folder.
@@ -51,24 +53,24 @@ bool attempt(const Step& step) noexcept try {
     step();
     return true;
 } catch (const std::exception& failure) {
-    logging::log_exception(logging::ormacon_tool, failure);
+    logging::log_exception(*log_component, failure);
     return false;
 }
 
 std::wstring known_folder() { return folders == nullptr ? std::wstring() : folders.load()->dumps; }
 
-void begin(state_t&) { logging::ormacon_tool.info("Trying to generate crash dump"); }
+void begin(state_t&) { log_component->info("Trying to generate crash dump"); }
 
 void execute_handlers(state_t& state) {
-    logging::ormacon_tool.info("Executing crash handlers.");
-    state.handlers_succeeded = run_handlers();
+    log_component->info("Executing crash handlers.");
+    state.handlers_succeeded = run_handlers(*log_component);
 }
 
 void end_handlers(state_t& state) {
     if (state.handlers_succeeded) {
-        logging::ormacon_tool.info("Crash handlers were successfully executed.");
+        log_component->info("Crash handlers were successfully executed.");
     } else {
-        logging::ormacon_tool.log(logging::level_warning, "A crash handler has failed.");
+        log_component->log(logging::level_warning, "A crash handler has failed.");
     }
 }
 
@@ -77,15 +79,16 @@ void prepare_folder(state_t& state) {
     attempt([&] {
         if (folder.empty()) exc::raise("The folder for crash dumps is unknown.");
         state.folder = open_dump_folder(folder);
-        cleanup_dumps(folder, most_dumps);
+        cleanup_dumps(*log_component, folder, most_dumps);
     });
 }
 
 // The best one comes first.
 boost::shared_ptr<win32::dump_gen_base_t> make_generator(std::size_t number) {
-    if (number == 0) return boost::make_shared<win32::COutOfProcDumpGen>(most_dumps, folders.load()->program);
-    if (number == 1) return boost::make_shared<win32::minidump_gen_t>();
-    return boost::make_shared<win32::legacy_dump_gen_t>();
+    if (number == 0)
+        return boost::make_shared<win32::COutOfProcDumpGen>(*log_component, most_dumps, folders.load()->program);
+    if (number == 1) return boost::make_shared<win32::minidump_gen_t>(*log_component);
+    return boost::make_shared<win32::legacy_dump_gen_t>(*log_component);
 }
 
 bool has_dump(const state_t& state) { return state.generator != nullptr && state.generator->has_dump(); }
@@ -126,6 +129,11 @@ constexpr void (*stages[])(state_t& state) = {
 state_t process_state;
 
 }  // namespace
+
+void set_names(const logging::component_t& component, const wchar_t* dump_base_name) noexcept {
+    log_component = &component;
+    base_name = dump_base_name;
+}
 
 void set_dump_folder(const std::wstring& folder) {
     folders = new folders_t{folder, platform::parent_of(platform::program_path())};

@@ -7,6 +7,9 @@
 
 namespace crash {
 
+// Sets what the handling logs on, and how the names of the dumps begin. Both must live as long as the process.
+void set_names(const logging::component_t& component, const wchar_t* base_name) noexcept;
+
 // Sets the folder of the dumps, which need not exist yet. Without a folder, or with an empty path, a crash leaves no
 // dump. Any thread may call it. Throws what platform::program_path() throws.
 void set_dump_folder(const std::wstring& folder);

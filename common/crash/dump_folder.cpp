@@ -7,7 +7,6 @@
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/component.h"
 #include "common/logging/log_exception.h"
 #include "common/platform/account.h"
 #include "common/platform/file_trust.h"
@@ -54,16 +53,16 @@ std::vector<WIN32_FIND_DATAW> dumps_oldest_first(const std::wstring& folder) {
 }
 
 // Whether the dump is gone. One that cannot be deleted is logged.
-bool delete_dump(const std::wstring& path) try {
+bool delete_dump(const logging::component_t& component, const std::wstring& path) try {
     if (DeleteFileW(platform::system_path(path).c_str())) {
-        logging::ormacon_tool.info(exc::format_message("Dump [%1] deleted.", encoding::wide_to_utf8(path)));
+        component.info(exc::format_message("Dump [%1] deleted.", encoding::wide_to_utf8(path)));
         return true;
     }
     const DWORD code = GetLastError();
     if (code == ERROR_FILE_NOT_FOUND) return true;  // another program that crashes at this moment was quicker
     exc::raise_path_error(code, "Old dump cannot be removed. Dump path: [%1].", path);
 } catch (const std::exception& failure) {
-    logging::log_exception(logging::ormacon_tool, failure);
+    logging::log_exception(component, failure);
     return false;
 }
 
@@ -89,12 +88,12 @@ dump_folder_t open_dump_folder(const std::wstring& folder) {
     return opened;
 }
 
-void cleanup_dumps(const std::wstring& folder, std::size_t maximum_count) {
+void cleanup_dumps(const logging::component_t& component, const std::wstring& folder, std::size_t maximum_count) {
     const std::vector<WIN32_FIND_DATAW> dumps = dumps_oldest_first(folder);
     std::size_t count = dumps.size();
     for (const WIN32_FIND_DATAW& dump : dumps) {
         if (count < maximum_count) return;
-        if (delete_dump(platform::join_path(folder, dump.cFileName))) --count;
+        if (delete_dump(component, platform::join_path(folder, dump.cFileName))) --count;
     }
     if (count < maximum_count) return;
     exc::raise(exc::format_message(

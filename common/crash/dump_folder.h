@@ -6,6 +6,7 @@
 #include <string>
 
 #include "common/crash/recorder/dump_names.h"
+#include "common/logging/component.h"
 #include "common/platform/owned.h"
 
 namespace crash {
@@ -29,7 +30,7 @@ dump_folder_t open_dump_folder(const std::wstring& folder);
 // "Dump [%1] deleted." for each. If one cannot be deleted, logs "Old dump cannot be removed. Dump path: [%1]." with the
 // error code, and deletes the next oldest one instead. Other files are left alone. Throws exc::runtime_exc_t "Cannot
 // cleanup out of date dumps. There are [%1] dumps stored. Maximum allowed dumps number: [%2]." if too many are left.
-void cleanup_dumps(const std::wstring& folder, std::size_t maximum_count);
+void cleanup_dumps(const logging::component_t& component, const std::wstring& folder, std::size_t maximum_count);
 
 // Returns the smallest number from 1 to 10000 that is not in the set. Throws exc::runtime_exc_t "All dump identifiers
 // are reserved.".

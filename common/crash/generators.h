@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
+#include "common/logging/component.h"
 #include "common/platform/owned.h"
 
 namespace crash {
@@ -18,7 +20,8 @@ namespace win32 {
 
 class dump_gen_base_t {
 public:
-    dump_gen_base_t() = default;
+    // What the generator does is logged on the component, which must outlive it.
+    explicit dump_gen_base_t(const logging::component_t& component) : component_(component) {}
     virtual ~dump_gen_base_t() = default;
     dump_gen_base_t(const dump_gen_base_t&) = delete;
     dump_gen_base_t& operator=(const dump_gen_base_t&) = delete;
@@ -31,9 +34,11 @@ public:
     bool has_dump() const noexcept { return has_dump_; }
 
 protected:
+    void log(std::string_view text) const noexcept { component_.info(text); }
     void set_has_dump(bool has_dump) noexcept { has_dump_ = has_dump; }
 
 private:
+    const logging::component_t& component_;
     bool has_dump_ = false;
 };
 
@@ -43,7 +48,7 @@ public:
     // most_dumps: how many dumps the recorder leaves in the folder, including the new one. program_folder: where its
     // file is put. Throws exc::win_sys_exc_t "Cannot initialize out-of-process dump generator: failed to duplicate
     // current process handle", with "Failed to create out-of-process dump generator" as its last part.
-    COutOfProcDumpGen(unsigned most_dumps, std::wstring program_folder);
+    COutOfProcDumpGen(const logging::component_t& component, unsigned most_dumps, std::wstring program_folder);
 
     // Throws what recorder_file_t, start_recorder() and wait_for_recorder() throw, and exc::runtime_exc_t "Dump
     // generator process failed with %1: %2" with the exit code and its text.
@@ -60,6 +65,8 @@ private:
 // Writes a minidump from within the crashed process.
 class minidump_gen_t : public dump_gen_base_t {
 public:
+    using dump_gen_base_t::dump_gen_base_t;
+
     // Throws exc::win_sys_exc_t "Cannot load dbghelp.dll library.", "MiniDumpWriteDump function is not exported from
     // the dbghelp dynamic library.", "Cannot create a blank minidump file. File path: [%1]." or
     // "MiniDumpWriteDump() function call has failed.", and what reserve_dump_identifier() throws.
@@ -70,6 +77,8 @@ public:
 // cannot write a minidump. If making the report crashes, what has been written so far is kept.
 class legacy_dump_gen_t : public dump_gen_base_t {
 public:
+    using dump_gen_base_t::dump_gen_base_t;
+
     // Throws exc::win_sys_exc_t "Cannot create a legacy dump file. File path: [%1]." or "Cannot write a legacy dump
     // file. File path: [%1].", and what reserve_dump_identifier() and walk_stack() throw.
     void generate(const failure_t& failure, const std::wstring& path) override;

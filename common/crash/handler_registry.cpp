@@ -14,11 +14,11 @@ namespace {
 constinit std::array<std::atomic<handler_t>, 16> handlers{};
 constinit std::atomic<std::size_t> reserved{0};
 
-bool run(handler_t handler) noexcept try {
+bool run(handler_t handler, const logging::component_t& component) noexcept try {
     handler();
     return true;
 } catch (const std::exception& failure) {
-    logging::log_exception(logging::ormacon_tool, failure);
+    logging::log_exception(component, failure);
     return false;
 }
 
@@ -31,11 +31,11 @@ bool register_handler(handler_t handler) noexcept {
     return true;
 }
 
-bool run_handlers() noexcept {
+bool run_handlers(const logging::component_t& component) noexcept {
     bool succeeded = true;
     for (const std::atomic<handler_t>& slot : handlers) {
         const handler_t handler = slot;
-        if (handler != nullptr && !run(handler)) succeeded = false;
+        if (handler != nullptr && !run(handler, component)) succeeded = false;
     }
     return succeeded;
 }

@@ -1,6 +1,8 @@
 // Work that must be done even when the program crashes, such as restoring the console's mode.
 #pragma once
 
+#include "common/logging/component.h"
+
 namespace crash {
 
 using handler_t = void (*)();
@@ -10,7 +12,7 @@ using handler_t = void (*)();
 // no room left (16 handlers).
 bool register_handler(handler_t handler) noexcept;
 
-// What a handler throws is logged, and the others still run. Returns false when one of them threw.
-bool run_handlers() noexcept;
+// What a handler throws is logged on the component, and the others still run. Returns false when one of them threw.
+bool run_handlers(const logging::component_t& component) noexcept;
 
 }  // namespace crash

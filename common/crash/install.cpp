@@ -105,16 +105,17 @@ void install_hooks() noexcept {
 
 }  // namespace
 
-void install(const std::wstring& log_folder) noexcept {
+void install(const logging::component_t& component, const std::wstring& log_folder, const wchar_t* base_name) noexcept {
     static std::atomic_flag installed;
     if (installed.test_and_set()) return;
+    set_names(component, base_name);
     prepare_watchdog();
     prepare_spare_thread();
     install_hooks();
     try {
         set_dump_folder(platform::join_path(logging::log_folder_path(log_folder), L"Dumps"));
     } catch (const std::exception& failure) {
-        logging::log_exception(logging::ormacon_tool, failure);
+        logging::log_exception(component, failure);
     }
 }
 

@@ -12,7 +12,6 @@
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/component.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/platform/versions.h"
@@ -97,8 +96,7 @@ void write(report_t& report, const CONTEXT& thread) {
 
 void legacy_dump_gen_t::generate(const failure_t& failure, const std::wstring& path) {
     const std::wstring file_path = reserve_dump_identifier(path) + legacy_report_ending;
-    logging::ormacon_tool.info(
-        exc::format_message("Writing legacy dump. Dump path: %1.", encoding::wide_to_utf8(file_path)));
+    log(exc::format_message("Writing legacy dump. Dump path: %1.", encoding::wide_to_utf8(file_path)));
     report_t report(file_path);
     set_has_dump(true);
     write(report, *failure.pointers->ContextRecord);

@@ -6,7 +6,6 @@
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/component.h"
 #include "common/platform/guarded_call.h"
 #include "common/platform/path.h"
 
@@ -30,7 +29,7 @@ void minidump_gen_t::generate(const failure_t& failure, const std::wstring& path
 
     const std::wstring file_path = reserve_dump_identifier(path) + minidump_ending;
     const std::string shown = encoding::wide_to_utf8(file_path);
-    logging::ormacon_tool.info(exc::format_message("Writing dump. Dump path: %1.", shown));
+    log(exc::format_message("Writing dump. Dump path: %1.", shown));
     const platform::unique_file file(create_minidump(platform::system_path(file_path).c_str()));
     if (!file) {
         const DWORD code = GetLastError();

@@ -8,7 +8,6 @@
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/component.h"
 #include "common/platform/path.h"
 
 namespace crash::win32 {
@@ -30,8 +29,12 @@ platform::unique_handle duplicate_process_handle() {
 
 }  // namespace
 
-COutOfProcDumpGen::COutOfProcDumpGen(unsigned most_dumps, std::wstring program_folder)
-    : most_dumps_(most_dumps), program_folder_(std::move(program_folder)), process_(duplicate_process_handle()) {}
+COutOfProcDumpGen::COutOfProcDumpGen(const logging::component_t& component, unsigned most_dumps,
+                                     std::wstring program_folder)
+    : dump_gen_base_t(component),
+      most_dumps_(most_dumps),
+      program_folder_(std::move(program_folder)),
+      process_(duplicate_process_handle()) {}
 
 std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::wstring& path) const {
     const auto decimal = [](auto number) { return std::to_wstring(number) + L" "; };
@@ -46,8 +49,7 @@ std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::w
 void COutOfProcDumpGen::generate(const failure_t& failure, const std::wstring& path) {
     // Anyone who can write to the program's folder can replace the program as well.
     const recorder_file_t recorder(program_folder_);
-    logging::ormacon_tool.info(
-        exc::format_message("Generating dump to %1", encoding::wide_to_utf8(platform::parent_of(path))));
+    log(exc::format_message("Generating dump to %1", encoding::wide_to_utf8(platform::parent_of(path))));
     const std::uint32_t code = wait_for_recorder(start_recorder(recorder.path(), arguments(failure, path)));
     set_has_dump(code == recorder_success);
     if (has_dump()) return;

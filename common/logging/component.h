@@ -41,8 +41,6 @@ private:
     std::string_view name_;
 };
 
-inline constexpr component_t ormacon_tool("ormacon_tool");
-inline constexpr component_t plugin_common("plugin_common");
 inline constexpr component_t azure("azure");  // this one and the next: not used here, fixed from outside
 inline constexpr component_t oraplug("oraplug");
 

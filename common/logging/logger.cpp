@@ -78,9 +78,6 @@ logger_t& process_logger() noexcept {
     return *logger;
 }
 
-// NOLINTNEXTLINE(readability-convert-member-functions-to-static): one logs on a component
-void component_t::log(const record_t& record) const noexcept { process_logger().log(record); }
-
 void begin_crash_logging(std::uint32_t crashed_thread, std::chrono::milliseconds wait) noexcept {
     process_logger().seize(crashed_thread, wait);
 }

@@ -5,16 +5,15 @@
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/component.h"
 #include "common/platform/owned.h"
 #include "common/platform/path.h"
+#include "common/plugin/log_component.h"
 #include "common/win32.h"
 
 namespace plugin {
 namespace {
 
 using exc::format_message;
-using logging::plugin_common;
 
 // More than any settings need, and little enough for the parser, whose time grows with the square of the size.
 constexpr DWORD largest_file = 65'536;

@@ -6,14 +6,13 @@
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/component.h"
+#include "common/plugin/log_component.h"
 #include "common/xml/find_xml_fault.h"
 
 namespace plugin {
 namespace {
 
 using exc::format_message;
-using logging::plugin_common;
 
 // Returns false, and logs it, if the text is not XML.
 bool parse(const std::string& content, TiXmlDocument& document) {

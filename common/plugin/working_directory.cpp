@@ -7,16 +7,15 @@
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/component.h"
 #include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "common/platform/registry.h"
+#include "common/plugin/log_component.h"
 
 namespace plugin {
 namespace {
 
 using exc::format_message;
-using logging::plugin_common;
 
 std::wstring read_target_link_path() {
     const auto path = platform::read_registry_value(plugin_registry_key, link_target_path_value).text();

@@ -17,9 +17,12 @@
 #include "common/logging/logger.h"
 #include "common/logging/open_log.h"
 #include "tests/support/hook.h"
+#include "tests/support/recording_sink.h"
 #include "tests/support/test_registry.h"
 
 #include <tlhelp32.h>
+
+using test_support::test_log;
 
 // What the handling calls.
 HOOK(kernel32, FindFirstFileW)
@@ -76,7 +79,7 @@ struct blocking_sink_t : logging::receiver::sink_t {
 // The records of a crash have the id of the thread that crashed, as this one has.
 void run_on_second_thread(void (*crash)()) {
     std::thread([crash] {
-        logging::ormacon_tool.info("This thread crashes.");
+        test_log.info("This thread crashes.");
         crash();
     }).join();
 }
@@ -97,7 +100,7 @@ WAY library_load() { LoadLibraryW(L"crash_library.dll"); }
 WAY log_lock_held() {
     std::thread([] {
         logging::process_logger().attach(boost::make_shared<blocking_sink_t>());
-        logging::ormacon_tool.info("reaches the sinks before that one");
+        test_log.info("reaches the sinks before that one");
     }).detach();
     WaitForSingleObject(happened, INFINITE);
     std::thread(write_through_null).join();
@@ -111,7 +114,7 @@ void fault_in_handling();
 // Stands for the debug-help library's writer, where this program does for that: it survives a fault, not the next one.
 WAY MiniDumpWriteDump() {
     ormacon_guarded_frame(write_through_null, nullptr);
-    logging::ormacon_tool.info("The library goes on.");
+    test_log.info("The library goes on.");
     fault_in_handling();
 }
 
@@ -261,8 +264,8 @@ int main(int argc, char** argv) {
     if (argc != 3) return 0;
     test_support::CTestRegistry registry;
     registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", encoding::utf8_to_wide(argv[2]));
-    crash::install(L"logs");
-    logging::initialise(logging::ormacon_tool, L"logs", L"Ormacon.log");
+    crash::install(test_log, L"logs", L"Ormacon_crash");
+    logging::initialise(test_log, L"logs", L"Ormacon.log");
     reinterpret_cast<way_to_die_t>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(nullptr), argv[1])))();
     return 0;
 }

@@ -11,11 +11,13 @@
 #include "common/exc/raise.h"
 #include "common/platform/path.h"
 #include "tests/crash/dump_folder_fixture.h"
+#include "tests/support/recording_sink.h"
 
 std::wstring take_symbol_search_path();
 
 namespace {
 
+using test_support::test_log;
 using testing::HasSubstr;
 
 class Generators : public DumpFolder {
@@ -48,7 +50,7 @@ TEST_F(Generators, LegacyReportListsModulesAndFrames) {
     char line[64];
     std::snprintf(line, sizeof line, "\r\n0x%08llx - 0x%08llx crash_test.exe (", begin,
                   begin + headers->OptionalHeader.SizeOfImage);
-    const std::string report = dump_by(crash::win32::legacy_dump_gen_t());
+    const std::string report = dump_by(crash::win32::legacy_dump_gen_t(test_log));
     EXPECT_THAT(report, HasSubstr(line));
     const std::string address = "\r\n0x[0-9a-f]{8,16} ";
     const std::string module = address + "- " + address.substr(2);
@@ -74,13 +76,13 @@ TEST_F(Generators, FailuresOfTheDebugHelpLibraryAreReported) {
     };
     for (const auto& [library, code, message] : libraries) {
         LoadLibraryExW_hook::Fail(ERROR_MOD_NOT_FOUND, library);
-        const auto generate = [&] { dump_by(crash::win32::minidump_gen_t()); };
+        const auto generate = [&] { dump_by(crash::win32::minidump_gen_t(test_log)); };
         EXPECT_THAT(generate, Fails(testing::StartsWith(exc::get_error_text(code) + "\n" + message)));
         EXPECT_THAT(names(), testing::IsEmpty());
     }
     SetEnvironmentVariableW(L"_NT_SYMBOL_PATH", L"C:\\mine");
     SetEnvironmentVariableW(L"_NT_ALT_SYMBOL_PATH", L"C:\\other");
-    EXPECT_THAT(dump_by(crash::win32::legacy_dump_gen_t()),
+    EXPECT_THAT(dump_by(crash::win32::legacy_dump_gen_t(test_log)),
                 HasSubstr(", no matching symbolic information found (error code: 0x"));
     LoadLibraryExW_hook::replacement = nullptr;
     EXPECT_EQ(take_symbol_search_path(), platform::expand_variables(L"C:\\mine;C:\\other;%SystemRoot%\\Symbols"));
@@ -110,9 +112,9 @@ TEST_F(Generators, WalkEndsOnADamagedStack) {
 
 TEST_F(Generators, FolderThatIsMissingIsReported) {
     folder /= "missing";
-    EXPECT_THAT([&] { dump_by(crash::win32::minidump_gen_t()); },
+    EXPECT_THAT([&] { dump_by(crash::win32::minidump_gen_t(test_log)); },
                 Fails(HasSubstr("Cannot create a blank minidump file. File path: [")));
-    EXPECT_THAT([&] { dump_by(crash::win32::legacy_dump_gen_t()); },
+    EXPECT_THAT([&] { dump_by(crash::win32::legacy_dump_gen_t(test_log)); },
                 Fails(HasSubstr("Cannot create a legacy dump file. File path: [")));
     folder = folder.parent_path();
 }
@@ -140,7 +142,7 @@ TEST_F(Generators, UnfilteredMinidumpGoesWhenItIsClosed) {
 }
 
 TEST_F(Generators, CutOffDumpIsNotFiltered) {
-    const std::string dump = dump_by(crash::win32::minidump_gen_t());
+    const std::string dump = dump_by(crash::win32::minidump_gen_t(test_log));
     ASSERT_TRUE(filter(dump));
     EXPECT_FALSE(filter("MDMP"));
     EXPECT_FALSE(filter(std::string(dump.size(), 'x')));

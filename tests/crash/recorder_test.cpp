@@ -126,7 +126,7 @@ TEST_F(Recorder, FailedStartLeavesNoFile) {
         Fails(HasSubstr(text_of(ERROR_FILE_NOT_FOUND) + "Failed to start dump generator process. File: " + path)));
 
     DuplicateHandle_hook::Fail(ERROR_ACCESS_DENIED);
-    EXPECT_THAT([] { crash::win32::COutOfProcDumpGen generator(1, L""); },
+    EXPECT_THAT([] { crash::win32::COutOfProcDumpGen generator(test_support::test_log, 1, L""); },
                 Fails(AllOf(HasSubstr(text_of(ERROR_ACCESS_DENIED) + "Cannot initialize out-of-process dump generator: "
                                                                      "failed to duplicate current process handle"),
                             testing::EndsWith("\nFailed to create out-of-process dump generator"))));
@@ -138,7 +138,7 @@ TEST_F(Recorder, CleansUpAsTheProgramDoes) {
     const auto clean_up = [&](bool by_recorder, unsigned most) -> std::string {
         if (by_recorder) return shown(run("%1 %2 %3 0 0 \"%4\" " + name_too_long + " " + std::to_string(most)));
         try {
-            crash::cleanup_dumps(folder.wstring(), most);
+            crash::cleanup_dumps(test_support::test_log, folder.wstring(), most);
         } catch (const exc::exc_base_t& failure) {
             return failure.what();
         }

@@ -13,7 +13,6 @@
 
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/logging/component.h"
 #include "common/logging/log_archives.h"
 #include "common/logging/log_file_set.h"
 #include "common/logging/logger.h"
@@ -27,6 +26,7 @@ using namespace logging;
 using namespace log_test;
 using receiver::win_log_file_t;
 using test_support::recording_sink_t;
+using test_support::test_log;
 
 namespace {
 
@@ -249,7 +249,7 @@ TEST(log_file, sixteen_threads_lose_double_and_mix_nothing) {
     int foreign_ids = 0;
     const auto answering = boost::make_shared<recording_sink_t>([&](const line_t& line) {
         foreign_ids += line.head.thread_id != GetCurrentThreadId();
-        if (line.piece.ends_with(" ask")) ormacon_tool.info(std::string(line.piece) + " answered");
+        if (line.piece.ends_with(" ask")) test_log.info(std::string(line.piece) + " answered");
     });
     const boost::shared_ptr<receiver::sink_t> sinks[] = {file, answering};
     for (const auto& sink : sinks) process_logger().attach(sink);
@@ -258,7 +258,7 @@ TEST(log_file, sixteen_threads_lose_double_and_mix_nothing) {
         writers.emplace_back([number] {
             for (int round = 0; round < 500; ++round) {
                 const std::string text = std::to_string(number) + ": " + std::to_string(round);
-                ormacon_tool.info(text + "\n" + text + " ask");
+                test_log.info(text + "\n" + text + " ask");
             }
         });
     writers.clear();

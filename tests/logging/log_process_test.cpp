@@ -8,10 +8,12 @@
 #include "common/platform/versions.h"
 #include "tests/logging/faked_system.h"
 #include "tests/logging/log_test_kit.h"
+#include "tests/support/recording_sink.h"
 #include "tests/support/test_registry.h"
 
 using namespace logging;
 using namespace log_test;
+using test_support::test_log;
 using testing::HasSubstr;
 
 namespace {
@@ -19,7 +21,7 @@ namespace {
 struct static_object_t {
     ~static_object_t() {
         if (!logs) return;
-        ormacon_tool.log({.level = 3, .text = "static object ends"});
+        test_log.log({.level = 3, .text = "static object ends"});
         std::cout << "printed at the end" << std::endl;
     }
     bool logs = false;
@@ -30,16 +32,16 @@ struct static_object_t {
 TEST(child, DISABLED_logs_and_ends) {
     test_support::CTestRegistry registry;
     registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", fs::current_path().wstring());
-    initialise(ormacon_tool, L"Sub", L"Ormacon.log");
-    ormacon_tool.log({.level = 4, .depth = 1, .text = "a failure"});
+    initialise(test_log, L"Sub", L"Ormacon.log");
+    test_log.log({.level = 4, .depth = 1, .text = "a failure"});
     std::cout << "printed by " << GetCurrentProcessId() << std::endl;
     static_object.logs = true;
 }
 
 TEST(child, DISABLED_loses_records) {
-    open_log(ormacon_tool, {(fs::current_path() / L"Ormacon.log").wstring(), {}, {}});
+    open_log(test_log, {(fs::current_path() / L"Ormacon.log").wstring(), {}, {}});
     faked_system.write_error = [](const std::wstring& name) { return name == L"Ormacon.log" ? ERROR_DISK_FULL : 0; };
-    for (int i = 0; i < 2; ++i) ormacon_tool.info("lost");
+    for (int i = 0; i < 2; ++i) test_log.info("lost");
 }
 
 namespace {
@@ -87,7 +89,7 @@ TEST(log_process, header_echo_and_copy_until_the_very_end) {
 TEST(log_process, opening_twice_closing_and_failing_to_open) {
     const CTestFolder folder;
     const std::wstring path = (folder / L"a\\b\\Ormacon.log").wstring();
-    for (int run = 0; run < 2; ++run) open_log(ormacon_tool, {path, {}, {}});
+    for (int run = 0; run < 2; ++run) open_log(test_log, {path, {}, {}});
     EXPECT_EQ(log_path(), path);
     close_log();
     EXPECT_THAT(texts_in(path), testing::Contains("Clearing collection of cout multiplexors.").Times(2));
@@ -99,7 +101,7 @@ TEST(log_process, opening_twice_closing_and_failing_to_open) {
     test_support::CTestRegistry registry;
     faked_system.folder_error = static_cast<HRESULT>(0x80070002);
     EXPECT_THAT(
-        [] { initialise(ormacon_tool, L"Sub", L"A.log"); },
+        [] { initialise(test_log, L"Sub", L"A.log"); },
         ThrowsMessage<exc::win_sys_exc_t>(HasSubstr("\nCannot get the common application-data folder.\n--tr:Error "
                                                     "code: 0x80070002\nFailed to initialize log [Sub\\A.log].\n"
                                                     "Cannot init logging")));
@@ -112,7 +114,7 @@ TEST(log_process, warns_of_foreign_folders_above_the_log_and_of_a_missing_output
     const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
     SetStdHandle(STD_OUTPUT_HANDLE, nullptr);
     const std::wstring path = (folder / L"shared\\a\\b\\Ormacon.log").wstring();
-    open_log(ormacon_tool, {path, {}, {.echo = true}, (folder / L"Shared").wstring()});
+    open_log(test_log, {path, {}, {.echo = true}, (folder / L"Shared").wstring()});
     close_log();
     SetStdHandle(STD_OUTPUT_HANDLE, output);
     std::vector<std::string> warnings = texts_in(path);
@@ -126,13 +128,13 @@ TEST(log_process, warns_of_foreign_folders_above_the_log_and_of_a_missing_output
 // The program of kill_test.py. It announces each record that was logged.
 TEST(child, DISABLED_writes) {
     constexpr size_limits_t limits{6000, 1000};
-    open_log(ormacon_tool, {(fs::current_path() / L"Ormacon.log").wstring(), limits, {}});
+    open_log(test_log, {(fs::current_path() / L"Ormacon.log").wstring(), limits, {}});
     std::cout << "ready" << std::endl;
     int round = 0, count = 0;
     std::cin >> round >> count;
     for (int number = 1; number <= count; ++number) {
         const std::string filling(number % 50 == 0 ? 20'000 : static_cast<std::size_t>(number * 37 % 400), '.');
-        ormacon_tool.info(std::to_string(round) + " " + std::to_string(number) + filling + "|");
+        test_log.info(std::to_string(round) + " " + std::to_string(number) + filling + "|");
         std::cout << '!' << std::flush;
     }
 }

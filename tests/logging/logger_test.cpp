@@ -18,6 +18,7 @@
 using namespace logging;
 using log_test::faked_system;
 using test_support::recording_sink_t;
+using test_support::test_log;
 using testing::ElementsAre;
 
 TEST(logger, sinks_that_throw_or_log_cost_the_others_nothing) {
@@ -86,8 +87,8 @@ TEST(log_exception, texts_and_levels) {
     const test_support::CRecordedLog log;
     exc::runtime_exc_t known;
     known.add_text("A");
-    log_exception_with_thread(ormacon_tool, known);
-    log_exception_with_thread(ormacon_tool, no_text_t());
+    log_exception_with_thread(test_log, known);
+    log_exception_with_thread(test_log, no_text_t());
     const std::string thread = "An exception was thrown from thread [";
     EXPECT_THAT(log.lines(), ElementsAre("WARN|A", "WARN|" + thread + std::to_string(GetCurrentThreadId()) + "].",
                                          "ERR |Exception message is not available.", "ERR |" + thread + "n/a]."));

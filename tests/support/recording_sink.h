@@ -10,6 +10,9 @@
 
 namespace test_support {
 
+// What tests log on.
+inline constexpr logging::component_t test_log("test");
+
 // Keeps each line: a marker for most levels, then the text. May do something of its own with it.
 struct recording_sink_t : logging::receiver::sink_t {
     explicit recording_sink_t(std::function<void(const logging::line_t&)> own_action = {}) : action(own_action) {}
