@@ -78,7 +78,7 @@ void HardenProcess() {
 
 void InitializeApplication() {
     InitializeCom();
-    const std::wstring settings_directory = plugin::get_current_directory();
+    const std::wstring settings_directory = plugin::find_working_directory();
     logging::process_logger().detach(EarlyRecords());
     logging::initialise(conf_tool::ormacon_tool, log_folder, L"Ormacon.log");
     conf_tool::ormacon_tool.info(std::string(84, '='));

@@ -69,7 +69,7 @@ bool AskAfterFailure(const std::exception& failure) {
 
 boost::filesystem::path AskExportPath(const char* question, const char* default_name) {
     const boost::filesystem::path default_path =
-        boost::filesystem::path(plugin::get_current_directory()) / default_name;
+        boost::filesystem::path(plugin::find_working_directory()) / default_name;
     return AskOutputPath(FormatPrompt(question, {default_path.wstring()}), default_path);
 }
 

@@ -1,24 +1,19 @@
 // The conversions between UTF-16 and narrow text. The program converts encodings only here.
 //
-// A source with an embedded null is cut there. An empty source gives an empty result. On failure they throw
-// exc::win_sys_exc_t with the system's text, the sentence given above the function, and the error code.
+// A source with an embedded null is truncated there. An empty source gives an empty result. On failure they throw
+// exc::win_sys_exc_t with a sentence that names the conversion, and with the source if that is narrow.
 #pragma once
 
 #include <string>
 
 namespace encoding {
 
-// "Unicode string cannot be converted to multibyte string." Both ANSI conversions are fixed from outside.
+// Both ANSI conversions are fixed from outside.
 std::string wide_to_ansi(const std::wstring& source);
 std::string wide_to_ansi(const wchar_t* source);
-
-// "Multibyte string cannot be converted to unicode string. Source string: [%1]."
 std::wstring ansi_to_wide(const std::string& source);
 
-// "Unicode string cannot be converted to UTF8 string."
 std::string wide_to_utf8(const std::wstring& source);
-
-// "Multibyte UTF8 string cannot be converted to unicode string. Source string: [%1]."
 std::wstring utf8_to_wide(const std::string& source);
 
 // Only for the system's error texts: never throws; returns an empty text if the source cannot be converted.

@@ -1,14 +1,97 @@
 #include "common/exc/exceptions.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdio>
+#include <istream>
+#include <ostream>
 
 #include <boost/make_shared.hpp>
 
-#include "common/exc/binary_stream.h"
+#include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 
 namespace exc {
+namespace {
+
+// The serialised form: little-endian numbers, counted texts, one-byte flags.
+static_assert(std::endian::native == std::endian::little);
+
+void read_bytes(std::istream& source, void* target, std::size_t size) {
+    if (!source.read(static_cast<char*>(target), static_cast<std::streamsize>(size))) {
+        raise("Serialised exception is cut off.");
+    }
+}
+
+std::uint32_t read_u32(std::istream& source) {
+    std::uint32_t value = 0;
+    read_bytes(source, &value, sizeof value);
+    return value;
+}
+
+// Allocates no more memory than the stream has bytes, whatever length it announces.
+std::string read_text(std::istream& source) {
+    constexpr std::size_t chunk = 4096;
+    std::string text;
+    for (std::size_t left = read_u32(source), size = 0; left > 0; left -= size) {
+        size = std::min(left, chunk);
+        text.resize(text.size() + size);
+        read_bytes(source, text.data() + text.size() - size, size);
+    }
+    return text;
+}
+
+bool read_flag(std::istream& source) {
+    char byte = 0;
+    read_bytes(source, &byte, 1);
+    return byte != 0;
+}
+
+void write_u32(std::ostream& target, std::uint32_t value) {
+    target.write(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+void write_text(std::ostream& target, const std::string& text) {
+    write_u32(target, static_cast<std::uint32_t>(text.size()));
+    target.write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+
+void write_flag(std::ostream& target, bool flag) { target.put(flag ? '\1' : '\0'); }
+
+trace_record_t read_record(std::istream& source) {
+    const std::uint32_t event = read_u32(source);
+    std::string info = read_text(source);
+    switch (static_cast<trace_event_t>(event)) {
+        case trace_event_t::thrown:
+        case trace_event_t::context_added:
+        case trace_event_t::rethrown:
+            return {static_cast<trace_event_t>(event), std::move(info)};
+    }
+    raise(format_message("Unexpected trace event: [%1]. Info: %2.", {std::to_string(event), info}));
+}
+
+}  // namespace
+
+void trace_records_t::read(std::istream& source) {
+    for (std::uint32_t left = read_u32(source); left > 0; --left) {
+        list_.push_back(read_record(source));
+        ++counts_[list_.back()];
+    }
+}
+
+void trace_records_t::write(std::ostream& target) const {
+    write_u32(target, static_cast<std::uint32_t>(list_.size()));
+    for (const trace_record_t& record : list_) {
+        write_u32(target, static_cast<std::uint32_t>(record.event));
+        write_text(target, record.info);
+    }
+}
+
+std::size_t trace_records_t::count(const trace_record_t& record) const {
+    const auto found = counts_.find(record);
+    return found == counts_.end() ? 0 : found->second;
+}
 
 exc_base_t::exc_base_t() : thrower_thread_id_(current_thread_id()) {}
 

@@ -4,21 +4,46 @@
 // technical detail is separate from what the user should read.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <exception>
 #include <iosfwd>
+#include <map>
 #include <string>
 #include <vector>
 
 #include <boost/shared_ptr.hpp>
-
-#include "common/exc/trace_records.h"
 
 namespace exc {
 
 struct message_part_t {
     std::string text;    // UTF-8
     bool trace = false;  // true for technical detail, marked "--tr:" in what()
+};
+
+enum class trace_event_t : std::uint32_t { thrown = 1, context_added = 2, rethrown = 3 };
+
+struct trace_record_t {
+    trace_event_t event;
+    std::string info;  // UTF-8
+
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes a zero in the comparison for a pointer
+    auto operator<=>(const trace_record_t&) const = default;
+};
+
+// What happened to an exception before it was serialised. Only an exception that was read back has such records.
+class trace_records_t {
+public:
+    // Appends a 32-bit count of records, each with its event's number and its text. Throws like exc_base_t::read().
+    void read(std::istream& source);
+    void write(std::ostream& target) const;
+
+    // Returns how often this record occurs.
+    std::size_t count(const trace_record_t& record) const;
+
+private:
+    std::vector<trace_record_t> list_;
+    std::map<trace_record_t, std::size_t> counts_;
 };
 
 class exc_base_t : public std::exception {
@@ -37,7 +62,7 @@ public:
     [[noreturn]] virtual void rethrow() const = 0;
 
     // Appends the parts of a serialised exception to the current ones, and takes over its thread id and trace records.
-    // Throws runtime_exc_t for a cut-off form or an unknown trace event, and then changes nothing.
+    // Throws runtime_exc_t for a truncated form or an unknown trace event, and then changes nothing.
     virtual void read(std::istream& source);
 
     // Writes parts, thread id and trace records, little-endian: 32-bit counts, texts as a 32-bit byte length and
@@ -47,7 +72,7 @@ public:
     void add_text(const std::string& text);
     void add_trace_text(const std::string& text);
 
-    // Appends the trace part "Error code: 0x" and eight lower-case hexadecimal digits.
+    // Appends the code as a trace part.
     void add_error_code(std::uint32_t code);
 
     // Rebuilds both composed messages from the parts.
@@ -61,7 +86,6 @@ public:
     // Returns the Win32 id of the thread that constructed this exception.
     std::uint32_t thrower_thread_id() const { return thrower_thread_id_; }
 
-    // Filled only by read().
     const trace_records_t& trace_records() const { return trace_records_; }
 
 protected:

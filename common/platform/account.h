@@ -10,7 +10,7 @@
 namespace platform {
 
 // Returns whether a file of this owner may be used as if this program had created it: whether the owner is SYSTEM,
-// Administrators or the account of this process. Throws exc::win_sys_exc_t "Cannot determine the current account.".
+// Administrators or the account of this process. Throws exc::win_sys_exc_t if that account cannot be determined.
 bool is_trusted_owner(PSID owner);
 
 // The same for an open file or folder, or another kind of object, whose handle needs READ_CONTROL access. Returns true

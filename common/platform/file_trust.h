@@ -16,13 +16,13 @@ struct opened_file_t {
 
 // Opens or creates a log file for reading and writing; meanwhile, others can only read it. Returns an invalid handle,
 // with the last error set, if the system does not open it. Throws what require_trusted_folder() and
-// require_trusted_file() throw, and exc::runtime_exc_t "File [%1] is not used: %2." if access is denied although a
-// folder or file of that name exists, or if the file is in another folder than its path says.
+// require_trusted_file() throw, and exc::runtime_exc_t if access is denied although a folder or file of that name
+// exists, or if the file is in another folder than its path says.
 opened_file_t open_log_file(const std::wstring& path);
 
 // For a file that existed before it was opened. Open it with FILE_FLAG_OPEN_REPARSE_POINT and READ_CONTROL access.
-// Throws exc::runtime_exc_t "File [%1] is not used: %2." if the file is a link or folder, has more than one name, has
-// no trusted owner (see has_trusted_owner()), or if its attributes cannot be read.
+// Throws exc::runtime_exc_t if the file is a link or folder, has more than one name, has no trusted owner (see
+// has_trusted_owner()), or if its attributes cannot be read.
 void require_trusted_file(HANDLE file, const std::wstring& path);
 
 // Returns what require_trusted_file() would throw for what is under this name; an empty text if there is nothing, or if
@@ -30,8 +30,8 @@ void require_trusted_file(HANDLE file, const std::wstring& path);
 std::string obstacle_at(const std::wstring& path);
 
 // Returns a handle to the folder: until it is closed, Windows lets nobody rename the folder or one above it. The handle
-// is invalid if the folder does not exist. Throws exc::runtime_exc_t "Folder [%1] is not used: it leads elsewhere."
-// with the folder, or one above it, that is a link without a trusted owner, or to which the way was changed meanwhile.
+// is invalid if the folder does not exist. Throws exc::runtime_exc_t with the folder, or one above it, that is a link
+// without a trusted owner, or to which the way was changed meanwhile.
 unique_file require_trusted_folder(const std::wstring& path);
 
 // Returns the folder and those above it, up to the base and without it, that have no trusted owner. Returns none if the

@@ -7,11 +7,11 @@
 
 namespace platform {
 
-// Holder has type, invalid() and close(type).
-template <class Holder>
+// Traits has type, invalid() and close(type).
+template <class Traits>
 class unique_t {
 public:
-    using type = typename Holder::type;
+    using type = typename Traits::type;
 
     unique_t() = default;
     explicit unique_t(type value) noexcept : value_(value) {}
@@ -23,15 +23,15 @@ public:
     ~unique_t() { reset(); }
 
     type get() const noexcept { return value_; }
-    explicit operator bool() const noexcept { return value_ != Holder::invalid(); }
-    type release() noexcept { return std::exchange(value_, Holder::invalid()); }
+    explicit operator bool() const noexcept { return value_ != Traits::invalid(); }
+    type release() noexcept { return std::exchange(value_, Traits::invalid()); }
 
     // Closes the resource. Keeps the thread's last error.
-    void reset(type value = Holder::invalid()) noexcept {
+    void reset(type value = Traits::invalid()) noexcept {
         const type old = std::exchange(value_, value);
-        if (old == Holder::invalid()) return;
+        if (old == Traits::invalid()) return;
         const DWORD last_error = GetLastError();
-        Holder::close(old);
+        Traits::close(old);
         SetLastError(last_error);
     }
 
@@ -42,50 +42,50 @@ public:
     }
 
 private:
-    type value_ = Holder::invalid();
+    type value_ = Traits::invalid();
 };
 
-struct handle_holder_t {
+struct handle_traits_t {
     using type = HANDLE;
     static type invalid() noexcept { return nullptr; }
     static void close(type value) noexcept { CloseHandle(value); }
 };
 
-struct file_holder_t {
+struct file_traits_t {
     using type = HANDLE;
     static type invalid() noexcept { return INVALID_HANDLE_VALUE; }
     static void close(type value) noexcept { CloseHandle(value); }
 };
 
-struct find_holder_t {
+struct find_traits_t {
     using type = HANDLE;
     static type invalid() noexcept { return INVALID_HANDLE_VALUE; }
     static void close(type value) noexcept { FindClose(value); }
 };
 
-struct module_holder_t {
+struct module_traits_t {
     using type = HMODULE;
     static type invalid() noexcept { return nullptr; }
     static void close(type value) noexcept { FreeLibrary(value); }
 };
 
-struct local_holder_t {
+struct local_traits_t {
     using type = void*;
     static type invalid() noexcept { return nullptr; }
     static void close(type value) noexcept { LocalFree(value); }
 };
 
-struct registry_key_holder_t {
+struct registry_key_traits_t {
     using type = HKEY;
     static type invalid() noexcept { return nullptr; }
     static void close(type value) noexcept { RegCloseKey(value); }
 };
 
-using unique_handle = unique_t<handle_holder_t>;              // null is invalid: processes, threads, events
-using unique_file = unique_t<file_holder_t>;                  // minus one is invalid: CreateFileW
-using unique_find = unique_t<find_holder_t>;                  // FindFirstFileW
-using unique_module = unique_t<module_holder_t>;              // LoadLibraryW
-using unique_local = unique_t<local_holder_t>;                // what LocalFree releases
-using unique_registry_key = unique_t<registry_key_holder_t>;  // RegOpenKeyExW
+using unique_handle = unique_t<handle_traits_t>;              // null is invalid: processes, threads, events
+using unique_file = unique_t<file_traits_t>;                  // minus one is invalid: CreateFileW
+using unique_find = unique_t<find_traits_t>;                  // FindFirstFileW
+using unique_module = unique_t<module_traits_t>;              // LoadLibraryW
+using unique_local = unique_t<local_traits_t>;                // what LocalFree releases
+using unique_registry_key = unique_t<registry_key_traits_t>;  // RegOpenKeyExW
 
 }  // namespace platform

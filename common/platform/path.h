@@ -31,7 +31,7 @@ std::wstring final_path(void* opened);
 // Returns whether two paths are the same text; the system ignores case in them.
 bool same_path(const std::wstring& first, const std::wstring& second);
 
-// Creates the folder and any missing folders above it. Throws exc::win_sys_exc_t "Cannot create directory [%1].".
+// Creates the folder and any missing folders above it. Throws exc::win_sys_exc_t with the path.
 void create_directories(const std::wstring& path);
 
 // Returns the text with each %NAME% replaced by that environment variable, or unchanged if the system cannot do that.

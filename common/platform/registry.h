@@ -24,8 +24,7 @@ private:
     std::vector<unsigned char> data_;
 };
 
-// Throws exc::win_sys_exc_t "Cannot open registry key [%1]." or "Cannot read registry value [%1].", also if the key or
-// value does not exist.
+// Throws exc::win_sys_exc_t with the name of the key or value, also if that does not exist.
 registry_value_t read_registry_value(const std::wstring& key, const std::wstring& name);
 
 // Returns nothing if the value cannot be read for any reason.

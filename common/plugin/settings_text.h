@@ -18,11 +18,11 @@ struct common_settings_t {
 };
 
 // Returns the settings. A value that is missing or malformed has its default; if the text is not XML, which is
-// logged, all of them have. Throws what find_child_node() throws, and runtime_exc_t "Elements are nested more than
-// 1000 deep (line N)." or another that xml::find_xml_fault() finds.
+// logged, all of them have. Throws what find_child_node() throws, and runtime_exc_t with what xml::find_xml_fault()
+// finds.
 common_settings_t parse_settings(const std::string& text);
 
-// Returns the named child element. Throws runtime_exc_t "There is no node with the specified name: [%1].".
+// Returns the named child element. Throws runtime_exc_t with the name if there is none.
 const TiXmlElement& find_child_node(const TiXmlNode& parent, const std::string& name);
 
 }  // namespace plugin

@@ -32,17 +32,29 @@ std::optional<std::wstring> find_target_link_path() try {
     return std::nullopt;
 }
 
+HMODULE module_of_this_code() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<const wchar_t*>(&module_of_this_code), &module);
+    return module;
+}
+
 std::wstring module_directory() {
-    const platform::module_path_t module = platform::current_module_path();
-    const std::string path = encoding::wide_to_utf8(module.path);
-    plugin_common.info(format_message(module.is_library ? "Getting current directory by dynamic lib path [%1]"
-                                                        : "Getting current directory by module path [%1]",
-                                      path));
-    const auto target = platform::symlink_target(module.path);
-    if (!target) return platform::parent_of(module.path);
-    plugin_common.info(
-        format_message("Path to executable [%1] is symlink to [%2]", {path, encoding::wide_to_utf8(*target)}));
-    return platform::parent_of(platform::resolve_link(module.path, *target));
+    const HMODULE module = module_of_this_code();
+    const std::wstring path = platform::module_path(module), folder = platform::parent_of(path);
+    const std::string shown = encoding::wide_to_utf8(path);
+    plugin_common.info(format_message(module == GetModuleHandleW(nullptr)
+                                          ? "Getting current directory by module path [%1]"
+                                          : "Getting current directory by dynamic lib path [%1]",
+                                      shown));
+    boost::system::error_code no_link;
+    const boost::filesystem::path target = boost::filesystem::read_symlink(path, no_link);
+    if (no_link || target.empty()) return folder;
+    plugin_common.info(format_message("Path to executable [%1] is symlink to [%2]",
+                                      {shown, encoding::wide_to_utf8(target.wstring())}));
+    // A relative target starts at the link's folder.
+    const auto resolved = boost::filesystem::absolute(target, folder).lexically_normal().make_preferred();
+    return platform::parent_of(resolved.wstring());
 }
 
 std::wstring module_directory_or_empty() try { return module_directory(); } catch (const std::exception& failure) {
@@ -52,7 +64,7 @@ std::wstring module_directory_or_empty() try { return module_directory(); } catc
 
 }  // namespace
 
-std::wstring get_current_directory() {
+std::wstring find_working_directory() {
     if (auto path = find_target_link_path()) return *path;
     std::wstring directory = module_directory_or_empty();
     if (directory.empty()) {

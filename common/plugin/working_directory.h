@@ -11,6 +11,6 @@ inline constexpr wchar_t link_target_path_value[] = L"LinkTargetPath";
 // Returns the target link path from the registry; otherwise the directory of the module that contains this code (of its
 // target, if the module's path is a symbolic link); otherwise the process's current directory; otherwise an empty text.
 // Logs which of them it is.
-std::wstring get_current_directory();
+std::wstring find_working_directory();
 
 }  // namespace plugin

@@ -29,7 +29,7 @@ TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) 
     test_support::CTestRegistry registry;
     const auto expect = [](const std::wstring& directory, const std::vector<std::string>& lines) {
         const test_support::CRecordedLog log;
-        EXPECT_EQ(plugin::get_current_directory(), directory);
+        EXPECT_EQ(plugin::find_working_directory(), directory);
         EXPECT_EQ(log.lines(), lines);
     };
     const std::wstring program = platform::program_path(), folder = platform::parent_of(program);

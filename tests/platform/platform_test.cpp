@@ -4,12 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/raise.h"
 #include "common/exc/exceptions.h"
-#include "common/platform/module.h"
+#include "common/exc/raise.h"
 #include "common/platform/owned.h"
 #include "common/platform/path.h"
 #include "common/platform/registry.h"
+#include "common/platform/wipe.h"
 #include "tests/support/test_registry.h"
 
 namespace {
@@ -38,16 +38,6 @@ TEST(Registry, ReadsValuesByTheirTypes) {
                 ThrowsMessage<exc::win_sys_exc_t>(exc::get_error_text(ERROR_FILE_NOT_FOUND) +
                                                   "\nCannot read registry value [no such value].\n"
                                                   "--tr:Error code: 0x00000002"));
-}
-
-TEST(Module, KnowsThisProgram) {
-    EXPECT_THAT(program_path(), testing::EndsWith(L"base_test.exe"));
-    EXPECT_EQ(current_module_path().path, program_path());
-    EXPECT_FALSE(current_module_path().is_library);
-    EXPECT_EQ(symlink_target(program_path()), std::nullopt);
-    EXPECT_EQ(resolve_link(L"C:\\a\\l.exe", L"..\\b\\t.exe"), L"C:\\b\\t.exe");
-    EXPECT_EQ(resolve_link(L"C:\\a\\l.exe", L"t.exe"), L"C:\\a\\t.exe");
-    EXPECT_EQ(resolve_link(L"C:\\a\\l.exe", L"D:/c/t.exe"), L"D:\\c\\t.exe");
 }
 
 TEST(Path, TakesApartAndJoins) {
@@ -82,6 +72,20 @@ TEST(Owned, ClosesOnceAndKeepsTheLastError) {
     EXPECT_EQ(GetLastError(), 42U);
     EXPECT_FALSE(unique_file(INVALID_HANDLE_VALUE));
     EXPECT_FALSE(unique_file());
+}
+
+TEST(Wipe, OverwritesShortAndLongTexts) {
+    for (const std::size_t size : {3U, 100U}) {
+        std::wstring secret(size, L's');
+        const wchar_t* memory = secret.data();
+        {
+            const wipe_at_exit_t wipe(secret);
+            secret.resize(1);  // the rest of the text is still in memory
+        }
+        EXPECT_TRUE(secret.empty());
+        // cppcheck-suppress invalidContainer ; a shorter text keeps its memory
+        EXPECT_EQ(std::wstring(memory, size), std::wstring(size, L'\0'));
+    }
 }
 
 }  // namespace
