@@ -11,7 +11,9 @@ std::uint32_t exc::current_thread_id() noexcept { return 9; }
 void logging::component_t::log(const record_t&) const noexcept {}
 std::string encoding::wide_to_utf8(const std::wstring& source) { return std::string(source.begin(), source.end()); }
 
-static const fuzz::unit_t& unit = *std::ranges::find(fuzz::units(), std::string(FUZZ_UNIT), &fuzz::unit_t::name);
+static const fuzz::unit_t& unit() {
+    return *std::ranges::find(fuzz::units, std::string(FUZZ_UNIT), &fuzz::unit_t::name);
+}
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t max_size);
 
@@ -19,7 +21,7 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t max_size,
                                                unsigned seed) {
     std::minstd_rand engine(seed);
-    const std::string& word = unit.words[engine() % unit.words.size()];
+    const std::string& word = unit().words[engine() % unit().words.size()];
     if (engine() % 4 != 0 || size + word.size() > max_size) return LLVMFuzzerMutate(data, size, max_size);
     const std::size_t at = engine() % (size + 1);
     std::copy_backward(data + at, data + size, data + size + word.size());
@@ -28,6 +30,6 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    unit.check(std::string(data, data + size));
+    unit().check(std::string(data, data + size));
     return 0;
 }
