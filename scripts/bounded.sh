@@ -5,6 +5,6 @@ timeout --foreground -k 5 "$@"
 status=$?
 if [ "$status" = 124 ] || [ "$status" = 137 ]; then
     say "ended after $1 seconds: ${*:2}"
-    start_wine
+    restart_wine
 fi
 exit "$status"

@@ -68,12 +68,27 @@ newest_count() {
         END { if (count) printf ", %s %s", count, what }' "$1" 2>/dev/null
 }
 
-# Wine keeps its prefix in the build folder; nobody's own prefix is touched. Tests have one of their own.
+# Wine keeps its prefixes in the build folder; nobody's own prefix is touched.
 export WINEPREFIX=${ORMACON_WINE_PREFIX:-$root/build/wine}
 export WINEDEBUG=${WINEDEBUG--all}
 # No display drivers: nothing here opens a window, and Wine 10's complain on standard error where there is no display.
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=;winex11.drv,winewayland.drv="
 export PATH=$PATH:/usr/lib/wine  # Debian keeps wine64 and wineserver there
+
+# use_wine NAME: this script and all that it starts run Windows programs in the prefix build/NAME, unless the caller of
+# this script has chosen another one.
+use_wine() {
+    export ORMACON_WINE_PREFIX=${ORMACON_WINE_PREFIX:-$root/build/$1}
+    export WINEPREFIX=$ORMACON_WINE_PREFIX
+    prepare_wine
+}
+
+# start_wine NAME: the same, with one wineserver for the whole run of this script. Nothing of it is left at the end.
+start_wine() {
+    use_wine "$1"
+    trap end_leftovers EXIT  # also after Ctrl+C
+    restart_wine
+}
 
 prepare_wine() {
     [ -f "$WINEPREFIX/.ready" ] && return
@@ -102,9 +117,9 @@ end_leftovers() {
     done
 }
 
-# One wineserver for a whole run: starting it anew for each program would take seconds. The first program also starts
-# Windows' services, which must neither hold a test's output open nor start while something is measured.
-start_wine() {
+# Starting a wineserver anew for each program would take seconds. The first program also starts Windows' services, which
+# must neither hold a test's output open nor start while something is measured.
+restart_wine() {
     end_leftovers
     wineserver -p600 >/dev/null 2>&1 || true  # refused when there is one already
     wine64 hostname >/dev/null 2>&1 </dev/null || die "failed: starting the Windows environment"

@@ -198,4 +198,3 @@ install_packages
 for library in "${libraries[@]}"; do
     provide "$library"
 done
-prepare_wine

@@ -7,8 +7,6 @@
 # The outcomes of all calls are collected in build/soak/, where the whole output of each failing round is kept, and the
 # table is printed at the end. Remove that folder to start a new table. Fails when a round of this call failed.
 set -euo pipefail
-export ORMACON_WINE_PREFIX
-ORMACON_WINE_PREFIX=$(cd "$(dirname "$0")/.." && pwd)/build/test-wine
 . "$(dirname "$0")/common.sh"
 
 round_limit=7200  # seconds
@@ -73,8 +71,8 @@ print_table() {
 "$root/scripts/setup.sh"
 build test
 mkdir -p "$results"
+start_wine test-wine
 trap clean_up EXIT
-start_wine
 start_load
 status=0
 if [ "${1-}" = --interrupts ]; then

@@ -1,7 +1,6 @@
 """The real program in a real terminal, each test in a folder of its own."""
 import base64
 import gzip
-import itertools
 import os
 import pathlib
 import re
@@ -18,16 +17,14 @@ from terminal import Terminal  # noqa: E402
 BIN = os.environ.get("TEST_BIN", os.path.join(ROOT, "build/test/bin"))
 WORK = os.path.realpath(os.environ.get("TEST_WORK", os.path.join(ROOT, "build/test/tests/console")))
 SETTINGS = r"HKLM\SOFTWARE\Tovak\Tovak Central"
-HELPERS = os.path.join(BIN, "console_test")
 LINE_START = re.compile(r"\[\d\d\.\d\d\.\d{4} \d\d:\d\d:\d\d\] <(?:[ \d]{6}|     \+)> ")
 SECONDS = 60  # for what takes a moment, on a machine that has other work to do
 
 
 def prepare_windows_environment():
-    """The tests' own Wine prefix, since they write to its registry."""
-    os.environ.setdefault("ORMACON_WINE_PREFIX", os.path.join(ROOT, "build/test-wine"))
-    wanted = subprocess.run(["bash", "-c", ". scripts/common.sh && prepare_wine >&2 && env -0"], cwd=ROOT,
-                            stdout=subprocess.PIPE, text=True, check=True).stdout
+    """That of the scripts, in the tests' own prefix, since they write to its registry."""
+    shell = ". scripts/common.sh && use_wine test-wine >&2 && env -0"
+    wanted = subprocess.run(["bash", "-c", shell], cwd=ROOT, stdout=subprocess.PIPE, text=True, check=True).stdout
     os.environ.update(entry.split("=", 1) for entry in wanted.split("\0") if "=" in entry)
     # Kept for a while after its last program; refused when there is one already.
     run_quietly("wineserver", "-p60", check=False)
@@ -35,8 +32,8 @@ def prepare_windows_environment():
 
 def run_quietly(*command, check=True):
     # No pipes: the Windows environment's own processes would keep them open.
-    return subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                          check=check, timeout=120).returncode
+    subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                   check=check, timeout=120)
 
 
 def forms(secret):
@@ -49,13 +46,8 @@ def forms(secret):
             yield text[(0, 2, 3)[before]:(before + len(raw)) // 3 * 4]
 
 
-def assert_without(test, secret, content, place):
-    for form in forms(secret):
-        test.assertFalse(form.lower() in content.lower(), f"{form} in {place}")
-
-
 def windows_path(path):
-    return "Z:" + path.replace("/", "\\")
+    return f"Z:{path}".replace("/", "\\")
 
 
 class ConsoleTest(unittest.TestCase):
@@ -77,11 +69,11 @@ class ConsoleTest(unittest.TestCase):
         os.environ["ORMACON_DEMO_REPORT"] = windows_path(self.path("report.txt"))
         for name in ("ORMACON_DEMO_STATE", "ORMACON_DEMO_SCENARIO"):
             os.environ.pop(name, None)
-        self.log_to(windows_path(self.folder))
+        self.log_to(self.folder)
 
     def log_to(self, directory, size=None):
         """The size limits the log in bytes, and in archives, too."""
-        run_quietly("wine64", "reg", "add", SETTINGS, "/v", "LogDirectory", "/d", directory, "/f")
+        run_quietly("wine64", "reg", "add", SETTINGS, "/v", "LogDirectory", "/d", windows_path(directory), "/f")
         for name in ("AgentMaxLogSize", "AgentMaxLogCount") if size else ():
             run_quietly("wine64", "reg", "add", SETTINGS, "/v", name, "/t", "REG_DWORD", "/d", str(size), "/f")
             self.addCleanup(run_quietly, "wine64", "reg", "delete", SETTINGS, "/v", name, "/f", check=False)
@@ -93,30 +85,26 @@ class ConsoleTest(unittest.TestCase):
         with open(self.path(*names), encoding="utf-8", newline="") as file:
             return file.read()
 
-    def terminal(self, *command, cwd=None):
-        terminal = Terminal(command, columns=500, rows=60, cwd=cwd or self.folder)
+    def terminal(self, *command):
+        terminal = Terminal(command, columns=500, rows=60, cwd=self.folder)
         self.addCleanup(terminal.close)
         return terminal
 
     def start(self, *options):
         return self.terminal("wine64", self.path("Ormacon.exe"), *options)
 
-    def run_program(self, *options):
-        """The screen after a run that asks nothing; every run that reaches its end has the exit status 0."""
-        return self.ending(self.start(*options))
-
     def ending(self, terminal, status=0):
-        self.assertTrue(terminal.wait(terminal.ended, SECONDS), "still running:\n" + terminal.screen())
+        """The screen after a run; every run that reaches its end has the exit status 0."""
+        self.wait_for(terminal, terminal.ended)
         self.assertEqual(status, terminal.exit_status(), terminal.screen())
         return terminal.screen()
 
     def scenario(self, elements):
-        with open(self.path("scenario.xml"), "w", encoding="utf-8") as file:
-            file.write(f"<DemoScenario>{elements}</DemoScenario>")
+        pathlib.Path(self.path("scenario.xml")).write_text(f"<DemoScenario>{elements}</DemoScenario>", "utf-8")
         os.environ["ORMACON_DEMO_SCENARIO"] = windows_path(self.path("scenario.xml"))
 
-    def wait_for(self, terminal, text):
-        self.assertTrue(terminal.wait(lambda: text in terminal.screen(), SECONDS), terminal.screen())
+    def wait_for(self, terminal, condition):
+        self.assertTrue(terminal.wait(condition, SECONDS), "waited in vain:\n" + terminal.screen())
 
     def await_prompt(self, terminal, prompt):
         """The cursor must be right after the prompt, including its trailing space."""
@@ -129,9 +117,9 @@ class ConsoleTest(unittest.TestCase):
             self.assertTrue(terminal.wait_for_prompt_or_end(0.1), terminal.screen())
             terminal.answer(answer)
 
-    def log(self, name="Ormacon.log"):
+    def log(self):
         """The log's lines without time stamp and thread id, each of which has to have the right form."""
-        lines = self.read("RmanPluginLogs", name).split("\r\n")
+        lines = self.read("RmanPluginLogs", "Ormacon.log").split("\r\n")
         self.assertEqual("", lines.pop())
         for line in lines:
             self.assertRegex(line, LINE_START)
@@ -141,14 +129,19 @@ class ConsoleTest(unittest.TestCase):
     def calls(self):
         """How often each library function was called in the last run. All of its memory must have been freed."""
         first, *rest = self.read("report.txt").splitlines()
-        given = re.fullmatch(r"texts=(\d+)/(\d+) arrays=(\d+)/(\d+) wrong=0", first)
-        self.assertTrue(given and given[1] == given[2] and given[3] == given[4], first)
+        self.assertRegex(first, r"^texts=(\d+)/\1 arrays=(\d+)/\2 wrong=0$")
         counts = (line.split("=") for line in rest if not line.startswith("Free"))
         return {name: int(count) for name, count in counts}
 
     def programs(self):
         """The process ids of this test's programs that still run."""
-        return [pid for pid in os.listdir("/proc") if pid.isdigit() and self.is_mine(pid)]
+        return [int(pid) for pid in os.listdir("/proc") if pid.isdigit() and self.is_mine(pathlib.Path("/proc", pid))]
+
+    def is_mine(self, process):
+        try:
+            return (process / "comm").read_text() == "Ormacon.exe\n" and os.readlink(process / "cwd") == self.folder
+        except OSError:
+            return False
 
     def assert_gone(self):
         deadline = time.monotonic() + SECONDS
@@ -156,12 +149,9 @@ class ConsoleTest(unittest.TestCase):
             self.assertLess(time.monotonic(), deadline, "still running")
             time.sleep(0.05)
 
-    def is_mine(self, pid):
-        try:
-            with open(f"/proc/{pid}/comm", encoding="utf-8") as name:
-                return name.read().strip() == "Ormacon.exe" and os.readlink(f"/proc/{pid}/cwd") == self.folder
-        except OSError:
-            return False
+    def assert_without(self, secrets, content, place):
+        for form in (form for secret in secrets for form in forms(secret)):
+            self.assertFalse(form.lower() in content.lower(), f"{form} in {place}")
 
     def assert_in_no_file(self, *secrets):
         files = {}
@@ -169,6 +159,5 @@ class ConsoleTest(unittest.TestCase):
             if path.is_file() and path.suffix not in (".exe", ".dll"):
                 content = path.read_bytes()
                 files[str(path)] = gzip.decompress(content) if path.suffix == ".gz" else content
-        for (name, content), secret in itertools.product(files.items(), secrets):
-            assert_without(self, secret, content, name)
+                self.assert_without(secrets, files[str(path)], path)
         return files

@@ -3,7 +3,7 @@ import os
 import time
 import unittest
 
-from console_kit import HELPERS, SECONDS, ConsoleTest
+from console_kit import BIN, ConsoleTest
 
 COUNT = os.environ.get("ORMACON_INTERRUPTS")  # for scripts/soak.sh
 RUNS = int(COUNT or 30)
@@ -14,21 +14,21 @@ ANSWERS = ["h.example.org", "10006", r"CORP\oracle", "s3cret-word", "3 1", "8"] 
 
 class Interrupts(ConsoleTest):
     def start_in_shell(self, event, runs, *options):
-        return self.terminal("wine64", os.path.join(HELPERS, "break_sender.exe"), event, str(runs), "runs.txt",
+        return self.terminal("wine64", os.path.join(BIN, "console_test/break_sender.exe"), event, str(runs), "runs.txt",
                              self.path("Ormacon.exe"), *options)
 
     def await_ends(self, terminal, runs):
         """Waits for the reports on these runs. On a busy machine, later ones may have ended, too."""
         expected = [f"run {run}: ended, echo on" for run in range(1, runs + 1)]
-        terminal.wait(lambda: os.path.exists(self.path("runs.txt")) and
-                      self.read("runs.txt").count("\n") >= runs, SECONDS)
+        self.wait_for(terminal, lambda: os.path.exists(self.path("runs.txt")) and
+                      self.read("runs.txt").count("\n") >= runs)
         self.assertEqual(expected, self.read("runs.txt").splitlines()[:runs], terminal.screen())
 
     def check_console_afterwards(self, terminal):
         self.assert_gone()
         os.remove(self.path("runs.txt"))
         terminal.type("seen again")
-        self.wait_for(terminal, "seen again")
+        self.wait_for(terminal, lambda: "seen again" in terminal.screen())
         terminal.close()
 
     def check_nothing_was_changed(self):
@@ -58,7 +58,7 @@ class Interrupts(ConsoleTest):
     def test_closed_window_at_the_password_prompt(self):
         for run in range(1, CLOSED_WINDOWS + 1):
             terminal = self.start("--set-credentials", "user")
-            self.wait_for(terminal, "Enter password for user:")
+            self.wait_for(terminal, lambda: "Enter password for user:" in terminal.screen())
             terminal.type("secret"[:run % 4])
             terminal.close()
             self.assert_gone()
@@ -81,7 +81,7 @@ class Interrupts(ConsoleTest):
             with self.subTest(fault):
                 self.scenario(f"<Function name='SetHostDirect' consoleMode='1' {fault}/>")
                 terminal = self.start_in_shell("wait", 1, "--set-host", "h")
-                self.assertTrue(terminal.wait(lambda: os.path.exists(self.path("report.txt")), 20), "no call")
+                self.wait_for(terminal, lambda: os.path.exists(self.path("report.txt")))
                 if fault.startswith("delay"):
                     time.sleep(0.3)
                     terminal.press("C-c")

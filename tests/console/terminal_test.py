@@ -1,15 +1,18 @@
-"""Typing for a program without a person: it always ends and prints the dialogue."""
+"""Typing for a program without a person: it always ends and prints the dialogue. And a log that makes trouble, which
+needs a machine whose settings and limits may be changed."""
+import gzip
 import os
+import pathlib
+import re
+import resource
 import subprocess
 import sys
 import unittest
 
-from console_kit import ROOT, SECONDS, ConsoleTest
+from console_kit import ROOT, SECONDS, ConsoleTest, windows_path
 
 MORE = "!! the program asked for more lines than the input has; its terminal was closed\n"
 HOST = "Enter backup server name or IP address :"
-RESTART = "Some errors occurred while applying the configuration. Restart the wizard? (y/n):"
-REFUSED = "it is neither a host name nor an IP address."
 
 
 class Typing(ConsoleTest):
@@ -48,7 +51,44 @@ class Typing(ConsoleTest):
         reads = [line for line in self.log() if line.startswith("Read from console")]
         answers = ["x" * 1024] * 4 + ["x" * 904, "n"]  # to host, restart, host, restart, host, restart
         self.assertEqual([f"Read from console [{answer}]" for answer in answers], reads)
-        self.assertIn(REFUSED, shown.replace("\n", ""))
+        self.assertIn("it is neither a host name nor an IP address.", shown.replace("\n", ""))
+
+
+class LogTrouble(ConsoleTest):
+    def test_long_and_foreign_path(self):
+        folder = pathlib.Path(self.folder, *["l" * 60] * 5, "журнал-日志-𝒳")
+        self.log_to(folder, 1000)
+        for host in ("first", "second"):
+            self.assertEqual("", self.ending(self.start("--set-host", host)))
+        archives = [gzip.decompress(path.read_bytes()) for path in folder.glob("*/Ormacon*.log.gz")]
+        self.assertGreater(len(archives), 2)
+        texts = b"".join(archives) + (folder / "RmanPluginLogs" / "Ormacon.log").read_bytes()
+        self.assertEqual([b"first", b"second"], sorted(re.findall(rb"command, host = \[(.*)\]", texts)))
+
+    def test_refused(self):
+        self.log_to(self.path("Ormacon.exe"))
+        directory = windows_path(self.path("Ormacon.exe"))
+        lines = self.ending(self.start("--set-host", "h.example.org")).split("\n")
+        self.assertRegex(lines.pop(0), r"^\w.*\S$")  # the system's own text
+        self.assertEqual([f"Cannot create directory [{directory}].", "--tr:Error code: 0x000000b7",
+                          f"Failed to initialize log [{directory}\\RmanPluginLogs\\Ormacon.log].", "Cannot init logging"],
+                         lines)
+        self.assertFalse(os.path.exists(self.path("report.txt")), "the library was called")
+
+    def test_disk_is_full_for_a_while(self):
+        # A limit on the size of its files looks like a full disk to the program, and anyone can set it.
+        terminal = self.terminal("bash", "-c", "trap '' XFSZ; ulimit -S -f 1; exec \"$@\"", "bash", "wine64",
+                                 self.path("Ormacon.exe"), "--set-credentials", "user")
+        self.await_prompt(terminal, "Enter password for user: ")
+        before = self.log()
+        resource.prlimit(self.programs()[0], resource.RLIMIT_FSIZE, (resource.RLIM_INFINITY,) * 2)
+        terminal.answer("x")
+        self.ending(terminal)
+        self.assertEqual({"SetCredentialsDirect": 1}, self.calls())
+        gap, *after = self.log()[len(before):]
+        self.assertRegex(gap, r"^WARN\|Records that could not be written to the log: [1-9]\d*\.$")
+        self.assertNotIn("could not", "".join(after))
+        self.assertEqual("Unloading configuration library ok.", after[-1])
 
 
 if __name__ == "__main__":
