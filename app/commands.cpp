@@ -9,6 +9,7 @@
 #include "app/options.h"
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
+#include "common/logging/log_exception.h"
 #include "common/platform/wipe.h"
 #include "conf_tool/log_component.h"
 #include "wizard/answers.h"
@@ -57,12 +58,35 @@ std::wstring PasswordFor(const std::wstring& account, const std::vector<std::str
     return words.size() >= 2 ? encoding::utf8_to_wide(words[1]) : AskPassword(account);
 }
 
+void WipeCredentials(boost::program_options::variables_map& variables) {
+    const auto found = variables.find(option_set_credentials);
+    if (found == variables.end()) return;
+    auto* const tokens = boost::any_cast<std::vector<std::string>>(&found->second.value());
+    if (tokens == nullptr) return;
+    for (std::string& token : *tokens) platform::wipe(token);
+}
+
 // Stores a new caller in direct mode in the context.
 void EnsureDirectCaller(CommandContext& context) {
     context.caller = boost::make_shared<CConfigToolLibCaller>(CallerMode::Direct);
 }
 
 }  // namespace
+
+CommandContext::~CommandContext() {
+    try {
+        ReleaseCaller();
+    } catch (const std::exception& failure) {
+        logging::log_exception(ormacon_tool, failure);
+    }
+    WipeCredentials(variables);
+}
+
+void CommandContext::ReleaseCaller() {
+    boost::shared_ptr<CConfigToolLibCaller> last;
+    last.swap(caller);  // unloading is tried only once, even if it fails
+    if (last && last.unique()) last->Unload();
+}
 
 void ShowHelp(CommandContext& context) {
     ormacon_tool.info("Executing ShowHelp command.");
@@ -137,10 +161,9 @@ void Uninstall(CommandContext& context) {
 }
 
 void SetRepository(CommandContext& context) {
-    // This command does not ask the library for the edition; the limit of Standard Edition does not apply to it.
-    constexpr int unlimited_edition = 2;
     EnsureDirectCaller(context);
-    wizard::CConfigToolWizard(context.caller, unlimited_edition).AskRepositories();
+    // The limit of Standard Edition does not apply: fixed from outside.
+    wizard::CConfigToolWizard(context.caller, conf_tool::Edition::Unlimited).AskRepositories();
 }
 
 void StartWizard(CommandContext& context) {

@@ -4,7 +4,6 @@
 
 #include <boost/bind/bind.hpp>
 
-#include "app/commands.h"
 #include "app/concealment.h"
 #include "app/options.h"
 #include "common/exc/format_message.h"

@@ -21,37 +21,21 @@ std::string TakeNarrow(wchar_t* argument) {
     return encoding::wide_to_utf8(wide);
 }
 
-// A password may be among the arguments.
-class CNarrowArguments {
-public:
-    CNarrowArguments(int argc, wchar_t** wargv) {
-        arguments_.reserve(static_cast<std::size_t>(argc));  // growing would leave copies behind
-        for (int i = 0; i < argc; ++i) {
-            std::string argument = TakeNarrow(wargv[i]);
-            const platform::wipe_at_exit_t wipe_argument(argument);
-            arguments_.push_back(argument);
-            pointers_.push_back(arguments_.back().c_str());
-        }
-        pointers_.push_back(nullptr);
-    }
-    ~CNarrowArguments() {
-        for (std::string& argument : arguments_) platform::wipe(argument);
-    }
-    CNarrowArguments(const CNarrowArguments&) = delete;
-    CNarrowArguments& operator=(const CNarrowArguments&) = delete;
-
-    const char* const* argv() const { return pointers_.data(); }
-
-private:
-    std::vector<std::string> arguments_;
-    std::vector<const char*> pointers_;
-};
-
 }  // namespace
 
 // A command reports its outcome on the console. Where this function returns, the exit status is 0: fixed from outside.
 extern "C" int wmain(int argc, wchar_t** wargv) {
-    const CNarrowArguments arguments(argc, wargv);
-    app::Run(argc, arguments.argv());
+    std::vector<std::string> arguments;  // a password may be among them
+    std::vector<const char*> argv;
+    arguments.reserve(static_cast<std::size_t>(argc));  // growing would leave copies behind
+    for (int i = 0; i < argc; ++i) {
+        std::string argument = TakeNarrow(wargv[i]);
+        const platform::wipe_at_exit_t wipe_argument(argument);
+        arguments.push_back(argument);
+        argv.push_back(arguments.back().c_str());
+    }
+    argv.push_back(nullptr);
+    app::Run(argc, argv.data());
+    for (std::string& argument : arguments) platform::wipe(argument);
     return 0;
 }

@@ -1,7 +1,7 @@
 // The options of the command line.
 #pragma once
 
-#include "app/command_context.h"
+#include "app/commands.h"
 
 namespace app {
 
@@ -16,7 +16,7 @@ inline constexpr char option_set_parallelism[] = "set-parallelism";
 inline constexpr char option_map_backup[] = "map-backup";
 inline constexpr char option_uninstall[] = "uninstall";
 
-// Declares the options. Throws exc::runtime_exc_t that ends in "Failed to configure parser".
+// Declares the options in the context. Throws exc::runtime_exc_t.
 void BuildOptions(CommandContext& context);
 
 }  // namespace app

@@ -10,7 +10,7 @@
 #include "common/logging/open_log.h"
 #include "conf_tool/log_component.h"
 #include "wizard/config_tool_wizard.h"
-#include "wizard/console_device.h"
+#include "wizard/console.h"
 #include "common/win32.h"
 
 namespace {

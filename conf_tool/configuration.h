@@ -1,10 +1,15 @@
 // The tool's own copies of what the configuration library stores.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace conf_tool {
+
+// The edition of the host's Oracle database, as the library numbers it. Standard Edition allows one repository and no
+// choice of parallelism. Every other edition, whatever its number, is Unlimited.
+enum class Edition : std::int32_t { Standard = 1, Unlimited = 2 };
 
 struct RepositoryEntry {
     std::wstring id;

@@ -1,20 +1,25 @@
 #include "conf_tool/function_table.h"
 
 #include <array>
+#include <span>
+
+#include "common/exc/format_message.h"
+#include "common/exc/raise.h"
 
 namespace conf_tool {
 namespace {
 
-template <class Function>
-void StoreIn(Function& slot, FARPROC function) {
-    // Through the type that GCC accepts in place of any function type.
-    slot = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(function));
-}
-
 template <auto Slot>
 void Store(FunctionTable& table, FARPROC function) {
-    StoreIn(table.*Slot, function);
+    using slot_t = std::remove_reference_t<decltype(table.*Slot)>;
+    // Through the type that GCC accepts in place of any function type.
+    table.*Slot = reinterpret_cast<slot_t>(reinterpret_cast<void (*)()>(function));
 }
+
+struct RequiredExport {
+    const char* name;
+    void (*store)(FunctionTable& table, FARPROC function);
+};
 
 using T = FunctionTable;
 
@@ -55,11 +60,23 @@ constexpr std::array direct_exports{
     RequiredExport{"FreeRepositories", Store<&T::FreeRepositories>},
 };
 
-}  // namespace
-
 std::span<const RequiredExport> RequiredExports(CallerMode mode) {
     if (mode == CallerMode::Wizard) return wizard_exports;
     return direct_exports;
+}
+
+}  // namespace
+
+FunctionTable ResolveExports(HMODULE library, CallerMode mode) {
+    FunctionTable table{};
+    for (const RequiredExport& required : RequiredExports(mode)) {
+        const FARPROC function = GetProcAddress(library, required.name);
+        required.store(table, function);
+        if (function == nullptr) {
+            exc::raise(exc::format_message("Cannot find function [%1] in the configuration library.", required.name));
+        }
+    }
+    return table;
 }
 
 }  // namespace conf_tool

@@ -1,7 +1,5 @@
-// The functions of the configuration library that each mode needs, as data.
+// The functions of the configuration library that each mode needs.
 #pragma once
-
-#include <span>
 
 #include "conf_tool/library_interface.h"
 #include "common/win32.h"
@@ -39,12 +37,8 @@ struct FunctionTable {
     FreeRepositoriesFn FreeRepositories;
 };
 
-struct RequiredExport {
-    const char* name;
-    void (*store)(FunctionTable& table, FARPROC function);
-};
-
-// Returns them in the order in which they are resolved. The mode must be one of the two.
-std::span<const RequiredExport> RequiredExports(CallerMode mode);
+// Resolves the exports of the mode, which must be one of the two, in a fixed order. Throws exc::runtime_exc_t that
+// names the first one that the library lacks.
+FunctionTable ResolveExports(HMODULE library, CallerMode mode);
 
 }  // namespace conf_tool

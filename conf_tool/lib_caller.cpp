@@ -1,11 +1,17 @@
 #include "conf_tool/lib_caller.h"
 
+#include <exception>
+#include <string_view>
+#include <utility>
+
 #include <boost/algorithm/string/replace.hpp>
 
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
+#include "common/logging/log_exception.h"
 #include "common/logging/method_scope.h"
+#include "common/platform/module.h"
 #include "common/platform/wipe.h"
 #include "conf_tool/library_memory.h"
 #include "conf_tool/log_component.h"
@@ -13,14 +19,53 @@
 namespace conf_tool {
 namespace {
 
-std::string TakeErrorText(LibraryError error, FreeStringFn free_string, const std::wstring& secret) {
-    const CLibraryText text(error, free_string);
-    if (!text) return "Configuration library returned an unknown error";
-    std::wstring shown = text.Get();
-    const platform::wipe_at_exit_t wipe_shown(shown);
-    boost::replace_all(shown, secret, L"***");
-    return encoding::wide_to_utf8(shown);
+const char* LoadingText(CallerMode mode) {
+    switch (mode) {
+        case CallerMode::Wizard:
+            return "Loading configuration library in wizard mode";
+        case CallerMode::Direct:
+            return "Loading configuration library in direct mode";
+    }
+    exc::raise("Failed to load configuration library: incorrect caller mode");
 }
+
+// The frame of every call: log scope, error text, translation of a failure. The call has failed unless Succeed() ends
+// it, after the results have been taken.
+class CCall {
+public:
+    CCall(const char* name, FreeStringFn free_string) : CCall(name, name, free_string) {}
+    CCall(const char* name, const char* failure_name, FreeStringFn free_string)
+        : scope_(ormacon_tool, exc::format_message("Calling %1 function", name),
+                 exc::format_message("Failed to call %1 function", failure_name)),
+          free_string_(free_string) {}
+
+    // What a failure's text must not show.
+    void Conceal(const std::wstring& secret) { secret_ = secret; }
+
+    template <class Function, class... Arguments>
+    void Invoke(Function function, Arguments... arguments) const {
+        LibraryError error = nullptr;
+        if (function(arguments..., &error) != 0) exc::raise(TakeErrorText(error));
+    }
+
+    std::wstring Take(LibraryText text) const { return CLibraryText(text, free_string_).Get(); }
+
+    void Succeed() { scope_.succeed(); }
+
+private:
+    std::string TakeErrorText(LibraryError error) const {
+        const CLibraryText text(error, free_string_);
+        if (!text) return "Configuration library returned an unknown error";
+        std::wstring shown = text.Get();
+        const platform::wipe_at_exit_t wipe_shown(shown);
+        boost::replace_all(shown, secret_, L"***");
+        return encoding::wide_to_utf8(shown);
+    }
+
+    logging::method_scope_t scope_;
+    const FreeStringFn free_string_;
+    std::wstring_view secret_;
+};
 
 void LogReceived(const RepositoryEntry& entry) {
     ormacon_tool.info(exc::format_message(
@@ -31,34 +76,49 @@ void LogReceived(const RepositoryEntry& entry) {
 
 }  // namespace
 
-// The frame of every call: log scope, error pointer, translation of a failure, and only then the results.
-template <class Invoke, class TakeResults>
-void CConfigToolLibCaller::Call(const char* name, const char* failure_name, Invoke invoke, TakeResults take_results,
-                                const std::wstring& secret) {
-    logging::method_scope_t scope(ormacon_tool, exc::format_message("Calling %1 function", name),
-                                  exc::format_message("Failed to call %1 function", failure_name));
-    LibraryError error = nullptr;
-    if (invoke(&error) != 0) exc::raise(TakeErrorText(error, functions_.FreeString, secret));
-    take_results();
+CConfigToolLibCaller::CConfigToolLibCaller(CallerMode mode) {
+    logging::method_scope_t scope(ormacon_tool, LoadingText(mode));
+    module_ = LoadLibraryW(L"OrmaconLib.dll");
+    if (module_ == nullptr) exc::raise_win_error(GetLastError(), "Failed to load configuration library");
+    ormacon_tool.log(
+        logging::level_detail,
+        exc::format_message("Configuration library: [%1]", encoding::wide_to_utf8(platform::module_path(module_))));
+    functions_ = ResolveExports(module_, mode);
     scope.succeed();
 }
 
-template <class Invoke, class TakeResults>
-void CConfigToolLibCaller::Call(const char* name, Invoke invoke, TakeResults take_results) {
-    Call(name, name, invoke, take_results);
+CConfigToolLibCaller::~CConfigToolLibCaller() noexcept(false) {
+    try {
+        Unload();
+    } catch (const std::exception& failure) {
+        if (std::uncaught_exceptions() == 0) throw;
+        logging::log_exception(ormacon_tool, failure);
+    }
 }
 
-template <class Invoke>
-void CConfigToolLibCaller::Call(const char* name, Invoke invoke) {
-    Call(name, name, invoke, [] {});
+void CConfigToolLibCaller::Unload() {
+    if (module_ == nullptr) return;
+    logging::method_scope_t scope(ormacon_tool, "Unloading configuration library");
+    if (!FreeLibrary(std::exchange(module_, nullptr))) {
+        exc::raise_win_error(GetLastError(), "Failed to unload configuration library");
+    }
+    scope.succeed();
 }
 
-std::wstring CConfigToolLibCaller::CallForText(const char* name, GetTextFn function) {
+template <class Function, class... Arguments>
+void CConfigToolLibCaller::Call(const char* name, Function function, Arguments... arguments) {
+    CCall call(name, functions_.FreeString);
+    call.Invoke(function, arguments...);
+    call.Succeed();
+}
+
+template <class Function, class... Arguments>
+std::wstring CConfigToolLibCaller::CallForText(const char* name, Function function, Arguments... further) {
+    CCall call(name, functions_.FreeString);
     LibraryText text = nullptr;
-    std::wstring result;
-    Call(
-        name, [&](LibraryError* error) { return function(&text, error); },
-        [&] { result = CLibraryText(text, functions_.FreeString).Get(); });
+    call.Invoke(function, &text, further...);
+    std::wstring result = call.Take(text);
+    call.Succeed();
     return result;
 }
 
@@ -66,76 +126,66 @@ void CConfigToolLibCaller::InitializeWizard() { Call("InitializeWizard", functio
 
 void CConfigToolLibCaller::SetCredentials(const std::wstring& domain, const std::wstring& user_name,
                                           const std::wstring& password) {
-    const auto invoke = [&](LibraryError* error) {
-        return functions_.SetCredentials(domain.c_str(), user_name.c_str(), password.c_str(), error);
-    };
-    const auto take_nothing = [] {};
-    Call("SetCredentials", "SetCredentials", invoke, take_nothing, password);
+    CCall call("SetCredentials", functions_.FreeString);
+    call.Conceal(password);
+    call.Invoke(functions_.SetCredentials, domain.c_str(), user_name.c_str(), password.c_str());
+    call.Succeed();
 }
 
-void CConfigToolLibCaller::SetHost(const std::wstring& host) {
-    Call("SetHost", [&](LibraryError* error) { return functions_.SetHost(host.c_str(), error); });
-}
+void CConfigToolLibCaller::SetHost(const std::wstring& host) { Call("SetHost", functions_.SetHost, host.c_str()); }
 
-void CConfigToolLibCaller::SetPort(int port) {
-    Call("SetPort", [&](LibraryError* error) { return functions_.SetPort(port, error); });
-}
+void CConfigToolLibCaller::SetPort(int port) { Call("SetPort", functions_.SetPort, port); }
 
 void CConfigToolLibCaller::SetRepositories(const std::vector<RepositoryEntry>& repositories) {
-    Call("SetRepositories", [&](LibraryError* error) {
-        const auto records = ToLibraryRecords(repositories);
-        return functions_.SetRepositories(records.empty() ? nullptr : records.data(),
-                                          static_cast<std::int32_t>(records.size()), error);
-    });
+    CCall call("SetRepositories", functions_.FreeString);
+    const auto records = ToLibraryRecords(repositories);
+    call.Invoke(functions_.SetRepositories, records.empty() ? nullptr : records.data(),
+                static_cast<std::int32_t>(records.size()));
+    call.Succeed();
 }
 
 void CConfigToolLibCaller::SetParallelism(int parallelism) {
-    Call("SetParallelism", [&](LibraryError* error) { return functions_.SetParallelism(parallelism, error); });
+    Call("SetParallelism", functions_.SetParallelism, parallelism);
 }
 
 void CConfigToolLibCaller::GetConfig(ConfigurationSnapshot& into) {
+    // The spelling of this operation's failure line is fixed from outside.
+    CCall call("GetConfig", "CallGetConfig", functions_.FreeString);
     LibraryText user_name = nullptr;
     LibraryText domain = nullptr;
     LibraryText password = nullptr;
     LibraryText host = nullptr;
     LibraryRecords records = nullptr;
     std::int32_t count = 0;
-    const auto invoke = [&](LibraryError* error) {
-        return functions_.GetConfig(&user_name, &domain, &password, &host, &into.port, &into.parallelism, &records,
-                                    &count, error);
-    };
-    const auto take_results = [&] {
-        const CLibraryText owned_user_name(user_name, functions_.FreeString);
-        const CLibraryText owned_domain(domain, functions_.FreeString);
-        const CLibraryText owned_password(password, functions_.FreeString);
-        const CLibraryText owned_host(host, functions_.FreeString);
-        const CLibraryRepositories owned_repositories(records, count, functions_.FreeRepositories);
-        into.user_name = owned_user_name.Get();
-        into.domain = owned_domain.Get();
-        into.password = owned_password.Get();
-        into.host = owned_host.Get();
-        const std::int32_t size = owned_repositories.Count();
-        for (std::int32_t i = 0; i < size; ++i) into.repositories.push_back(owned_repositories.Entry(i));
-    };
-    // The spelling of this operation's failure line is fixed from outside.
-    Call("GetConfig", "CallGetConfig", invoke, take_results);
+    call.Invoke(functions_.GetConfig, &user_name, &domain, &password, &host, &into.port, &into.parallelism, &records,
+                &count);
+    const CLibraryText owned_user_name(user_name, functions_.FreeString);
+    const CLibraryText owned_domain(domain, functions_.FreeString);
+    const CLibraryText owned_password(password, functions_.FreeString);
+    const CLibraryText owned_host(host, functions_.FreeString);
+    const CLibraryRepositories owned_repositories(records, count, functions_.FreeRepositories);
+    into.user_name = owned_user_name.Get();
+    into.domain = owned_domain.Get();
+    into.password = owned_password.Get();
+    into.host = owned_host.Get();
+    const std::int32_t size = owned_repositories.Count();
+    for (std::int32_t i = 0; i < size; ++i) into.repositories.push_back(owned_repositories.Entry(i));
+    call.Succeed();
 }
 
 void CConfigToolLibCaller::GetTBRRepositories(std::vector<RepositoryEntry>& into) {
+    CCall call("GetTBRRepositories", functions_.FreeString);
     LibraryRecords records = nullptr;
     std::int32_t count = 0;
-    const auto take_results = [&] {
-        const CLibraryRepositories owned(records, count, functions_.FreeRepositories);
-        ormacon_tool.info(exc::format_message("ConfigToolLibCaller received repos: size=[%1]", std::to_string(count)));
-        const std::int32_t size = owned.Count();
-        for (std::int32_t i = 0; i < size; ++i) {
-            into.push_back(owned.Entry(i));
-            LogReceived(into.back());
-        }
-    };
-    Call(
-        "GetTBRRepositories",
-        [&](LibraryError* error) { return functions_.GetTBRRepositories(&records, &count, error); }, take_results);
+    call.Invoke(functions_.GetTBRRepositories, &records, &count);
+    const CLibraryRepositories owned(records, count, functions_.FreeRepositories);
+    ormacon_tool.info(exc::format_message("ConfigToolLibCaller received repos: size=[%1]", std::to_string(count)));
+    const std::int32_t size = owned.Count();
+    for (std::int32_t i = 0; i < size; ++i) {
+        into.push_back(owned.Entry(i));
+        LogReceived(into.back());
+    }
+    call.Succeed();
 }
 
 std::wstring CConfigToolLibCaller::GetParallelismRangeString() {
@@ -145,36 +195,32 @@ std::wstring CConfigToolLibCaller::GetParallelismRangeString() {
 std::wstring CConfigToolLibCaller::GetSummary() { return CallForText("GetSummary", functions_.GetSummary); }
 
 std::wstring CConfigToolLibCaller::GetResult() {
-    LibraryText text = nullptr;
     std::int32_t code = 0;
-    std::wstring result;
-    Call(
-        "GetResult", [&](LibraryError* error) { return functions_.GetResult(&text, &code, error); },
-        [&] { result = CLibraryText(text, functions_.FreeString).Get(); });
-    return result;
+    return CallForText("GetResult", functions_.GetResult, &code);
 }
 
 MapBackupResult CConfigToolLibCaller::MapBackup() {
+    CCall call("MapBackup", functions_.FreeString);
     MapBackupResult result;
     LibraryText text = nullptr;
-    Call(
-        "MapBackup", [&](LibraryError* error) { return functions_.MapBackup(&result.code, &text, error); },
-        [&] { result.text = CLibraryText(text, functions_.FreeString).Get(); });
+    call.Invoke(functions_.MapBackup, &result.code, &text);
+    result.text = call.Take(text);
+    call.Succeed();
     return result;
 }
 
-int CConfigToolLibCaller::GetScopeEdition() {
+Edition CConfigToolLibCaller::GetScopeEdition() {
     std::int32_t edition = 0;
-    Call("GetScopeEdition", [&](LibraryError* error) { return functions_.GetScopeEdition(&edition, error); });
-    return edition;
+    Call("GetScopeEdition", functions_.GetScopeEdition, &edition);
+    return Edition{edition} == Edition::Standard ? Edition::Standard : Edition::Unlimited;
 }
 
 void CConfigToolLibCaller::ExportTovakConfig(const std::wstring& path) {
-    Call("ExportTovakConfig", [&](LibraryError* error) { return functions_.ExportTovakConfig(path.c_str(), error); });
+    Call("ExportTovakConfig", functions_.ExportTovakConfig, path.c_str());
 }
 
 void CConfigToolLibCaller::ExportRMANConfig(const std::wstring& path) {
-    Call("ExportRMANConfig", [&](LibraryError* error) { return functions_.ExportRMANConfig(path.c_str(), error); });
+    Call("ExportRMANConfig", functions_.ExportRMANConfig, path.c_str());
 }
 
 void CConfigToolLibCaller::Commit() { Call("Commit", functions_.Commit); }

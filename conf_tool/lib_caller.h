@@ -9,11 +9,13 @@
 
 namespace conf_tool {
 
-// Use it only from the thread that created it. Each call operation blocks until the library returns. It logs "Calling
-// <name> function", then the same with " ok." or "Failed to call <name> function". If the library fails, it throws
-// exc::runtime_exc_t with the library's error text as its whole message, with "***" in place of the password of this
-// call, or "Configuration library returned an unknown error". When an operation ends, in whatever way, it has returned
-// all of the library's memory.
+// Use it only from the thread that created it. Each call operation blocks until the library returns, and logs its
+// beginning and its end. If the library fails, it throws exc::runtime_exc_t with the library's error text, which shows
+// no password of this call, or a text of its own if there is none or the results break the library's contract.
+//
+// When an operation ends, what a successful call returned and the error text of a failed one have gone back to the
+// library, except an array with an impossible count: nobody knows its size. Other results of a failed call stay as they
+// are.
 class CConfigToolLibCaller {
 public:
     // Loads OrmaconLib.dll and resolves every export of the mode. Throws exc::runtime_exc_t for an unknown mode or a
@@ -48,10 +50,7 @@ public:
     std::wstring GetSummary();
     std::wstring GetResult();
     MapBackupResult MapBackup();
-
-    // Returns 1 for Oracle Standard Edition.
-    int GetScopeEdition();
-
+    Edition GetScopeEdition();
     void ExportTovakConfig(const std::wstring& path);
     void ExportRMANConfig(const std::wstring& path);
     void Commit();
@@ -59,21 +58,13 @@ public:
     void Uninstall();
 
 private:
-    void Load(CallerMode mode);
-    void ResolveExports(CallerMode mode);
-
-    template <class Invoke>
-    void Call(const char* name, Invoke invoke);
-    template <class Invoke, class TakeResults>
-    void Call(const char* name, Invoke invoke, TakeResults take_results);
-    template <class Invoke, class TakeResults>
-    void Call(const char* name, const char* failure_name, Invoke invoke, TakeResults take_results,
-              const std::wstring& secret = {});
-    std::wstring CallForText(const char* name, GetTextFn function);
+    template <class Function, class... Arguments>
+    void Call(const char* name, Function function, Arguments... arguments);
+    template <class Function, class... Arguments>
+    std::wstring CallForText(const char* name, Function function, Arguments... further);
 
     FunctionTable functions_{};
-    HMODULE module_ = nullptr;
-    bool unloaded_ = false;
+    HMODULE module_ = nullptr;  // null after Unload()
 };
 
 }  // namespace conf_tool

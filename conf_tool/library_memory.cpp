@@ -9,9 +9,9 @@ namespace conf_tool {
 namespace {
 
 // More than any backup server has. Another count was never set, and the memory that it speaks of does not exist.
-constexpr std::int32_t most_repositories = 1'000'000;
+constexpr std::int32_t max_repositories = 1'000'000;
 
-bool IsImpossible(std::int32_t count) { return count < 0 || count > most_repositories; }
+bool IsImpossible(std::int32_t count) { return count < 0 || count > max_repositories; }
 
 std::wstring CopyOrEmpty(const wchar_t* text) { return text == nullptr ? std::wstring() : std::wstring(text); }
 

@@ -15,8 +15,8 @@ class CLibraryText {
 public:
     CLibraryText(LibraryText text, FreeStringFn free_string) noexcept : owner_(text, free_string) {}
 
-    // Returns the text, which is valid as long as this object exists. A null text breaks the library's contract: throws
-    // exc::runtime_exc_t "Configuration library returned no text".
+    // Returns the text, which is valid as long as this object exists. Throws exc::runtime_exc_t for a null text, which
+    // breaks the library's contract.
     const wchar_t* Get() const;
 
     explicit operator bool() const { return owner_ != nullptr; }
@@ -35,9 +35,8 @@ public:
     CLibraryRepositories(const CLibraryRepositories&) = delete;
     CLibraryRepositories& operator=(const CLibraryRepositories&) = delete;
 
-    // Returns the number of records. Throws exc::runtime_exc_t "Configuration library returned no repositories" for a
-    // null array with a count above 0, and "Configuration library returned an impossible number of repositories: [%1]"
-    // for a negative count and for one above a million.
+    // Returns the number of records. Throws exc::runtime_exc_t for a null array with a count above 0, and for an
+    // impossible count: a negative one, or one above a million.
     std::int32_t Count() const;
 
     // Returns a copy of a record; the index is less than Count(). A null record or a null text is returned as empty.

@@ -11,7 +11,8 @@ class CConfigToolWizard {
 public:
     // StartWizard reads the edition and the previous configuration from the library. A step that runs alone uses the
     // given edition and no previous configuration.
-    explicit CConfigToolWizard(boost::shared_ptr<conf_tool::CConfigToolLibCaller> caller, int scope_edition = 0);
+    explicit CConfigToolWizard(boost::shared_ptr<conf_tool::CConfigToolLibCaller> caller,
+                               conf_tool::Edition edition = conf_tool::Edition::Unlimited);
 
     // Asks, shows the summary, and applies, exports or cancels, until the user is done. Shows a failure and offers a
     // restart; failures do not leave this function.
@@ -36,7 +37,7 @@ private:
     void ShowResult();
 
     boost::shared_ptr<conf_tool::CConfigToolLibCaller> caller_;
-    int scope_edition_;
+    conf_tool::Edition edition_;
     boost::shared_ptr<const conf_tool::ConfigurationSnapshot> previous_;  // never null; without the password
     bool has_password_ = false;                                           // whether one is configured
     bool cancelled_ = false;                                              // only written; fixed from outside

@@ -35,17 +35,16 @@ fs::path ToAbsolute(const fs::path& path) {
     return path.has_root_name() && !path.is_absolute() ? fs::system_complete(path) : fs::absolute(path);
 }
 
-std::string WithPath(const char* sentence, const fs::path& path) {
-    return exc::format_message(sentence, encoding::wide_to_utf8(path.wstring()));
-}
-
 void RemoveExisting(const fs::path& path) {
     boost::system::error_code failure;
     // remove() would delete an empty folder.
-    if (fs::is_directory(path, failure)) exc::raise(WithPath("Cannot replace [%1]: it is a folder", path));
+    if (fs::is_directory(path, failure)) {
+        exc::raise(exc::format_message("Cannot replace [%1]: it is a folder", encoding::wide_to_utf8(path.wstring())));
+    }
     fs::remove(path, failure);
-    if (failure)
-        exc::raise_win_error(static_cast<std::uint32_t>(failure.value()), WithPath("Cannot replace [%1]", path));
+    if (failure) {
+        exc::raise_path_error(static_cast<std::uint32_t>(failure.value()), "Cannot replace [%1]", path.native());
+    }
 }
 
 }  // namespace

@@ -11,7 +11,6 @@
 #include "common/exc/format_message.h"
 #include "common/plugin/settings_text.h"
 #include "wizard/answers.h"
-#include "wizard/repository_selection.h"
 #include "wizard/shown_text.h"
 
 namespace {
@@ -82,14 +81,14 @@ std::vector<std::string> values_of(const plugin::common_settings_t& settings) {
 void check_selection(const std::string& input) {
     const std::vector<std::string> parts = pieces(input, '|', 3);
     const std::wstring answer(parts[0].begin(), parts[0].end());
-    const int edition = parts[1].empty() ? 2 : wizard::standard_edition;
+    const auto edition = parts[1].empty() ? conf_tool::Edition::Unlimited : conf_tool::Edition::Standard;
     std::vector<conf_tool::RepositoryEntry> offered(parts[2].size()), selected;
     for (std::size_t i = 0; i < offered.size(); ++i) offered[i].id = std::to_wstring(i + 1);
     std::vector<int> numbers;
     for (const std::string& token : pieces(parts[0], ' ')) {
         if (!token.empty()) numbers.push_back(plain_integer(token).value_or(0));
     }
-    const bool allowed = (numbers.size() <= 1 || edition != wizard::standard_edition) &&
+    const bool allowed = (numbers.size() <= 1 || edition != conf_tool::Edition::Standard) &&
                          std::set(numbers.begin(), numbers.end()).size() == numbers.size() &&
                          std::ranges::all_of(numbers, [&](int n) { return n >= 1 && n <= std::ssize(offered); });
     const bool refused = refuses([&] { selected = wizard::SelectRepositories(answer, offered, edition); });

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "common/exc/raise.h"
-#include "wizard/console_device.h"
+#include "wizard/console.h"
 
 namespace test_support {
 
