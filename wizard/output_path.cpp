@@ -5,6 +5,7 @@
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
+#include "wizard/answers.h"
 #include "wizard/console.h"
 
 namespace wizard {

@@ -6,6 +6,7 @@
 #include "app/dispatch.h"
 #include "app/options.h"
 #include "tests/support/demo_host.h"
+#include "tests/support/recording_sink.h"
 #include "tests/support/scripted_console.h"
 
 namespace {
@@ -14,52 +15,93 @@ using namespace app;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-class Commands : public testing::Test {
-protected:
-    // Runs one command; returns the failure's text, or "ok".
-    static std::string Run(std::vector<const char*> words) {
-        words.insert(words.begin(), "Ormacon.exe");
-        CommandContext context;
-        BuildOptions(context);
-        Command command = ParseCommandLine(context, static_cast<int>(words.size()), words.data());
-        return test_support::FailureOf([&] { ExecuteMethod(command.handler, command.method_name); });
+Command Parse(CommandContext& context, std::vector<const char*> words) {
+    words.insert(words.begin(), "Ormacon.exe");
+    BuildOptions(context);
+    return ParseCommandLine(context, static_cast<int>(words.size()), words.data());
+}
+
+// Returns the method name that the words choose, or the failure.
+std::string MethodFor(const std::vector<const char*>& words) {
+    CommandContext context;
+    std::string method;
+    const std::string failure = test_support::FailureOf([&] { method = Parse(context, words).method_name; });
+    return failure == "ok" ? method : failure;
+}
+
+void RunCommand(const std::vector<const char*>& words) {
+    CommandContext context;
+    const Command command = Parse(context, words);
+    ExecuteMethod(command.handler, command.method_name);
+}
+
+TEST(Commands, ChoosesTheLastCheckThatApplies) {
+    const struct {
+        std::vector<const char*> words;
+        const char* method;
+    } cases[] = {
+        {{}, "ShowHelp"},
+        {{"--help"}, "ShowHelp"},
+        {{"--help", "--show-config"}, "ShowConfig"},
+        {{"--set-cred", "a", "b", "c", "--show-config"}, "SetCredentials"},
+        {{"--set-host=h", "--set-credentials", "a"}, "SetBackupServer"},
+        {{"--set-host", "x", "--set-port", "1"}, "SetBackupServerPort"},
+        {{"--set-repositories", "--set-port", "1"}, "SetRepository"},
+        {{"--wizard", "--set-repositories"}, "StartWizard"},
+        {{"--set-parallelism", "4", "--wizard"}, "SetParallelism"},
+        {{"--map-backup", "--set-parallelism", "4"}, "MapBackup"},
+        {{"--uninstall", "--map-backup", "--help"}, "Uninstall"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(MethodFor(c.words), c.method);
+}
+
+TEST(Commands, ComplaintsOfTheParserGetTheirContext) {
+    const struct {
+        std::vector<const char*> words;
+        const char* complaint;
+    } cases[] = {
+        {{"--set-port", "a=b"}, "the argument ('a=b') for option '--set-port' is invalid"},
+        {{"--set-credentials", "user", "--s3cret=x", "--set-port", "1"}, "unrecognised option '--s3cret=***'"},
+        {{"--set-credentials", "CORP\\oracle", "pw", "--set-prot", "10006"}, "unrecognised option '--set-prot'"},
+        {{"--set-credentials", "user", "-s3cret=pw"}, "unrecognised option '***'"},
+        {{"--set-credentials", "user", "--1s3cret="},
+         "the argument for option '***' should follow immediately after the equal sign"},
+        {{"--set-credentials", "user", "--wizard", "-v"}, "unrecognised option '-v'"},
+        {{"set-credentials", "user", "-s3cret"}, "unrecognised option '***'"},
+        {{"/set-cred", "user", "-s3cret"}, "unrecognised option '***'"},
+        {{"/", "s=", "-misspelt"}, "unrecognised option '-misspelt'"},
+        {{"--password=s3cret=", "--set-credentials=user"}, "unrecognised option '--password=***'"},
+        {{"--set=s3cret"},
+         "option '--set=***' is ambiguous and matches '--set-credentials', '--set-host', '--set-parallelism', "
+         "'--set-port', and '--set-repositories'"},
+        {{"help"}, "too many positional options have been specified on the command line"},
+    };
+    for (const auto& c : cases) {
+        test_support::CRecordedLog log;
+        EXPECT_EQ(MethodFor(c.words), c.complaint + std::string("\nFailed to parse incoming parameters"));
+        EXPECT_THAT(log.lines(),
+                    testing::ElementsAre("Parsing incoming values", "ERR |Parsing incoming values Failed."));
     }
+}
 
-    // The domain, the user name and the password.
-    static std::wstring Configuration() {
-        conf_tool::ConfigurationSnapshot config;
-        conf_tool::CConfigToolLibCaller(conf_tool::CallerMode::Direct).GetConfig(config);
-        return config.domain + L"|" + config.user_name + L"|" + config.password;
-    }
-
-    test_support::CDemoHost host_;
-};
-
-TEST_F(Commands, NamesAndTextsAreShownHarmlessAndPassedOnAsTheyAre) {
-    host_.Scenario(
+TEST(Commands, NamesAndTextsAreShownHarmlessAndPassedOnAsTheyAre) {
+    const test_support::CDemoHost host;
+    host.Scenario(
         "<Repositories><Repository id='A&#x202E;' name='Good&#13;&#10;1. Evil&#x85;'/></Repositories>"
         "<MapBackup code='1' text='a&#9;b&#10;c&#13;d&#27;[2J'/>");
     test_support::CScriptedConsole console({L"", L"1"});
-    EXPECT_EQ(Run({"--set-credentials", "CORP\u200f\\u\u2066"}), "ok");
+    RunCommand({"--set-credentials", "CORP\u200f\\u\u2066"});
     EXPECT_EQ(console.transcript, L"Enter password for CORP\ufffd\\u\ufffd: <#>");
-    EXPECT_EQ(Run({"--set-repositories"}), "ok");
+    RunCommand({"--set-repositories"});
     console.transcript.clear();
-    EXPECT_EQ(Run({"--show-config"}), "ok");
+    RunCommand({"--show-config"});
     EXPECT_THAT(console.transcript, HasSubstr(L"User name: u\ufffd\nDomain name: CORP\ufffd\n"));
     EXPECT_THAT(console.transcript, EndsWith(L"1. Good\ufffd\ufffd1. Evil\ufffd\n"));
-    EXPECT_EQ(Run({"--map-backup"}), "ok");
+    RunCommand({"--map-backup"});
     EXPECT_THAT(console.transcript, EndsWith(L"Error has occurred\na\tb\nc\ufffdd\ufffd[2J"));
-    EXPECT_EQ(Configuration(), L"CORP\u200f|u\u2066|");
-}
-
-TEST_F(Commands, APasswordInTheLibrarysTextIsConcealed) {
-    host_.Scenario("<Function name='SetCredentialsDirect' fail='pw-%1: CORP has no pw-%1'/>");
-    test_support::CScriptedConsole console({L"pw-%1", L""});
-    for (const auto& [words, shown] : {std::pair(std::vector{"--set-credentials", "CORP\\u"}, "***: CORP has no ***"),
-                                       {{"--set-credentials", "CORP\\u", "CORP"}, "pw-%1: *** has no pw-%1"},
-                                       {{"--set-credentials", "CORP\\u"}, "pw-%1: CORP has no pw-%1"}}) {
-        EXPECT_EQ(Run(words), shown + std::string("\nFailed to execute method SetCredentials"));
-    }
+    conf_tool::ConfigurationSnapshot config;
+    conf_tool::CConfigToolLibCaller(conf_tool::CallerMode::Direct).GetConfig(config);
+    EXPECT_EQ(config.domain + L"|" + config.user_name + L"|" + config.password, L"CORP\u200f|u\u2066|");
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
+#include <algorithm>
 #include <cstring>
-#include <functional>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,6 @@ namespace {
 using namespace conf_tool;
 using namespace test_support;
 using testing::ElementsAre;
-using testing::ThrowsMessage;
 
 // What lies under the name OrmaconLib.dll beside the test program.
 class CLibraryBeside {
@@ -75,25 +74,13 @@ auto Loading(CallerMode mode) {
     return [=] { const CConfigToolLibCaller caller(mode); };
 }
 
-void GetConfig(CConfigToolLibCaller& caller) {
-    ConfigurationSnapshot config;
-    caller.GetConfig(config);
-}
-
-void GetTBRRepositories(CConfigToolLibCaller& caller) {
-    std::vector<RepositoryEntry> entries;
-    caller.GetTBRRepositories(entries);
-}
-
-const std::vector<RepositoryEntry> one_repository{{L"REP-0001", L"Central Primary", 1, 1, false}};
-
 TEST_F(LibCaller, ReceivedRepositoriesAreLoggedAndAppended) {
     host_.Scenario(
         "<Repositories><Repository id='R1' name='\u00e4' capacity='21990232555520' freeSpace='0.5' encryption='1'/>"
         "<Repository/></Repositories>");
     CConfigToolLibCaller caller(CallerMode::Wizard);
     log_.Clear();
-    std::vector<RepositoryEntry> entries = one_repository;
+    std::vector<RepositoryEntry> entries(1);
     caller.GetTBRRepositories(entries);
     EXPECT_EQ(entries.size(), 3U);
     EXPECT_EQ(entries[2].id, L"");
@@ -140,34 +127,32 @@ TEST_F(LibCaller, WhatBreaksTheContractIsRefusedAndGivenBackOnce) {
     const std::string impossible = "Configuration library returned an impossible number of repositories: ";
     const struct {
         GetTBRRepositoriesFn give;
-        std::string size;  // as it is logged
         std::string failure;
         std::vector<std::int32_t> back;
     } cases[] = {
-        {GiveRepositories<INT32_MIN, records, -1>, "", unknown, {}},
-        {GiveRepositories<1, nullptr, INT32_MAX>, "", unknown, {}},
-        {GiveRepositories<0, nullptr, 2>, "[2]", "Configuration library returned no repositories", {}},
-        {GiveRepositories<0, nullptr, 0>, "[0]", "ok", {0}},
-        {GiveRepositories<0, records, -1>, "[-1]", impossible + "[-1]", {}},
-        {GiveRepositories<0, records, 1000001>, "[1000001]", impossible + "[1000001]", {}},
-        {GiveRepositories<0, records, 2>, "[2]", "ok", {2}},
+        {GiveRepositories<INT32_MIN, records, -1>, unknown, {}},
+        {GiveRepositories<0, nullptr, 2>, "Configuration library returned no repositories", {}},
+        {GiveRepositories<0, nullptr, 0>, "ok", {0}},
+        {GiveRepositories<0, records, -1>, impossible + "[-1]", {}},
+        {GiveRepositories<0, records, 1000001>, impossible + "[1000001]", {}},
+        {GiveRepositories<0, records, 2>, "ok", {2}},
     };
     for (const auto& c : cases) {
         arrays_back.clear();
         library_.Replace("GetTBRRepositoriesDirect", c.give);
         log_.Clear();
-        EXPECT_EQ(FailureOf([&] { GetTBRRepositories(caller); }), c.failure);
+        std::vector<RepositoryEntry> entries;
+        EXPECT_EQ(FailureOf([&] { caller.GetTBRRepositories(entries); }), c.failure);
         EXPECT_EQ(arrays_back, c.back) << c.failure;
-        EXPECT_EQ(log_.lines().at(1) == "ConfigToolLibCaller received repos: size=" + c.size, !c.size.empty())
-            << c.failure;
     }
     EXPECT_THAT(log_.lines().at(2),
                 testing::EndsWith("[R1] name=[] capacity=[1] free_space=[1] encryptionEnabled=[1]"));
+    ConfigurationSnapshot config;
     library_.Replace("GetConfig", GiveNoHost<1>);
-    EXPECT_EQ(FailureOf([&] { GetConfig(caller); }), unknown);
+    EXPECT_EQ(FailureOf([&] { caller.GetConfig(config); }), unknown);
     EXPECT_THAT(texts_back, ElementsAre());
     library_.Replace("GetConfig", GiveNoHost<0>);
-    EXPECT_EQ(FailureOf([&] { GetConfig(caller); }), "Configuration library returned no text");
+    EXPECT_EQ(FailureOf([&] { caller.GetConfig(config); }), "Configuration library returned no text");
     EXPECT_THAT(texts_back, testing::UnorderedElementsAre(L"u", L"d", L"p"));
 }
 
@@ -179,11 +164,19 @@ TEST_F(LibCaller, AForeignExceptionPassesThroughTheFrame) {
     EXPECT_THAT(log_.lines(), ElementsAre("Calling SetPort function", "ERR |Failed to call SetPort function"));
 }
 
-TEST_F(LibCaller, LoadsAndUnloadsInItsModes) {
-    for (const CallerMode mode : {CallerMode::Wizard, CallerMode::Direct}) Loading(mode)();
-    EXPECT_FALSE(library_.IsLoaded());
-    EXPECT_THAT(Loading(static_cast<CallerMode>(2)),
-                ThrowsMessage<exc::runtime_exc_t>("Failed to load configuration library: incorrect caller mode"));
+TEST_F(LibCaller, APasswordInTheLibrarysTextIsConcealed) {
+    host_.Scenario("<Function name='SetCredentialsDirect' fail='pw-%1: CORP has no pw-%1'/>");
+    CConfigToolLibCaller caller(CallerMode::Direct);
+    for (const auto& [password, shown] : {std::pair(L"pw-%1", "***: CORP has no ***"),
+                                          {L"CORP", "pw-%1: *** has no pw-%1"},
+                                          {L"", "pw-%1: CORP has no pw-%1"}}) {
+        EXPECT_EQ(FailureOf([&] { caller.SetCredentials(L"CORP", L"u", password); }), shown);
+    }
+}
+
+TEST_F(LibCaller, AnUnknownModeLoadsNothing) {
+    EXPECT_EQ(FailureOf(Loading(static_cast<CallerMode>(2))),
+              "Failed to load configuration library: incorrect caller mode");
     EXPECT_FALSE(library_.IsLoaded());
 }
 
@@ -199,12 +192,16 @@ TEST_F(LibCaller, TheFirstMissingExportIsNamed) {
           "GetTBRRepositoriesDirect", "MapBackupDirect", "GetConfig", "UninstallDirect", "FreeString",
           "FreeArrayString", "FreeRepositories"}}};
     for (const auto& [mode, names] : modes) {
-        EXPECT_EQ(RequiredExports(mode).size(), names.size());
         std::string library = CLibraryBeside::DemoLibrary();
+        // The mode does without what only the other one needs.
+        for (const auto& name : modes[mode == CallerMode::Wizard].second) {
+            if (!std::ranges::count(names, name)) library_.PlaceWithout(name, library);
+        }
+        EXPECT_EQ(FailureOf(Loading(mode)), "ok");
+        EXPECT_FALSE(library_.IsLoaded());
         for (auto name = names.rbegin(); name != names.rend(); ++name) {
             library_.PlaceWithout(*name, library);
-            EXPECT_THAT(Loading(mode), ThrowsMessage<exc::runtime_exc_t>("Cannot find function [" + *name +
-                                                                         "] in the configuration library."));
+            EXPECT_EQ(FailureOf(Loading(mode)), "Cannot find function [" + *name + "] in the configuration library.");
             EXPECT_TRUE(library_.IsLoaded()) << *name;
         }
     }

@@ -14,10 +14,7 @@ namespace test_support {
 using Answers = std::deque<std::wstring>;
 
 struct CScriptedConsole : wizard::IConsoleDevice {
-    explicit CScriptedConsole(Answers prepared, bool somebody_answers = true)
-        : interactive(somebody_answers), answers(std::move(prepared)) {
-        wizard::UseConsoleDevice(this);
-    }
+    explicit CScriptedConsole(Answers prepared) : answers(std::move(prepared)) { wizard::UseConsoleDevice(this); }
     ~CScriptedConsole() override { wizard::UseConsoleDevice(nullptr); }
 
     void Write(const std::wstring& text) override { transcript += text; }
@@ -32,9 +29,8 @@ struct CScriptedConsole : wizard::IConsoleDevice {
         return answer;
     }
 
-    bool IsInteractive() const override { return interactive; }
+    bool IsInteractive() const override { return true; }
 
-    const bool interactive;
     std::function<void()> at_first_answer;
     Answers answers;
     std::wstring transcript;
