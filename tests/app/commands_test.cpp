@@ -41,7 +41,6 @@ TEST(Commands, ChoosesTheLastCheckThatApplies) {
         const char* method;
     } cases[] = {
         {{}, "ShowHelp"},
-        {{"--help"}, "ShowHelp"},
         {{"--help", "--show-config"}, "ShowConfig"},
         {{"--set-cred", "a", "b", "c", "--show-config"}, "SetCredentials"},
         {{"--set-host=h", "--set-credentials", "a"}, "SetBackupServer"},
