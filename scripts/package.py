@@ -4,17 +4,19 @@
     package.py VERSION PROGRAM ZIP_FILE             the release build, for an administrator
     package.py --tests VERSION PROGRAM ZIP_FILE     the release build and the tests, for someone with Windows
 
-PROGRAM is Ormacon.exe; all other files are those of the build. The same files give the same archive: entries are sorted,
-and their time is that of the last commit, which the archive names. The notices of the linked libraries come from the
-machine that builds. Run it with Debian's own /usr/bin/python3, which has the library for html_page.
+PROGRAM is Ormacon.exe, signed or not. The install rules of the builds say which of their files belong to an archive; the
+documents are made here. The same files give the same archive: entries are sorted, and their time is that of the last
+commit, which the archive names. The notices of the linked libraries come from the machine that builds. Run it with
+Debian's own /usr/bin/python3, which has the library for html_page.
 """
 import argparse
-import glob
 import os
+import pathlib
 import re
 import struct
 import subprocess
 import sys
+import tempfile
 import time
 import zipfile
 
@@ -99,12 +101,14 @@ def check_images(content):
         images += 1
         count, options_size = (struct.unpack_from("<H", content, header + offset)[0] for offset in (6, 20))
         if struct.unpack_from("<H", content, header + 0x5e)[0] & 0x0160 != 0x0160:
-            sys.exit(f"!! the program file at {match.start()} lacks a protection: see add_link_options")
+            sys.exit(f"!! the program file at {match.start()} lacks a protection: see cmake/compile_options.cmake")
         for section in range(header + 24 + options_size, header + 24 + options_size + 40 * count, 40):
             if struct.unpack_from("<I", content, section + 36)[0] & 0xa0000000 == 0xa0000000:
                 sys.exit(f"!! a section is writable and executable: {content[section:section + 8]}")
     if not images:
         sys.exit("!! this is not a program file")
+    if content.count(b"asInvoker") != images:
+        sys.exit("!! a program file has no manifest that runs it with the rights of its caller")
 
 
 def check_libraries(path):
@@ -119,8 +123,13 @@ def for_windows(text):
     return text.replace("\n", "\r\n").encode("utf-8-sig")
 
 
-def for_interpreter(text):
-    return text.replace("\n", "\r\n").encode("ascii")
+def installed(build, *components):
+    """What the install rules of these components put where."""
+    with tempfile.TemporaryDirectory() as folder:
+        for component in components:
+            output_of("cmake", "--install", f"build/{build}", "--prefix", folder, "--component", component)
+        paths = [path for path in pathlib.Path(folder).rglob("*") if path.is_file()]
+        return {path.relative_to(folder).as_posix(): path.read_bytes() for path in paths}
 
 
 def for_administrator(version, program):
@@ -128,29 +137,25 @@ def for_administrator(version, program):
     if f"\n## {version} (" not in changes:
         sys.exit(f"!! CHANGELOG.md has no chapter about version {version}")
     return {
+        **installed("release", "program", "administrator"),
         "Administrator.html": for_windows(html_page(read("docs/administrator.md"), f"Ormacon {version}")),
         "Changes.txt": for_windows(changes),
         "Notices.txt": for_windows(notices(version)),
-        "Ormacon.debug": read_bytes("build/bin/Ormacon.debug"),
         "Ormacon.exe": program,
-        **{name: for_interpreter(read(f"scripts/{name}")) for name in ("ormacon-checked.cmd", "ormacon-checked.ps1")},
     }
 
 
 def for_testing(version, program):
     """The GoogleTest programs, which are the tests that need only Windows."""
-    built = os.path.join(ROOT, "build/test/bin")
-    programs = [os.path.relpath(path, built) for path in glob.glob(f"{built}/**/*_test.exe", recursive=True)]
-    if not programs:
-        sys.exit(f"!! there are no test programs in {built}: run ./package --tests, which builds them")
+    tests = installed("test", "tests")
+    programs = [name.removeprefix("tests/").replace("/", "\\") for name in tests if name.endswith("_test.exe")]
     script = read("scripts/run-tests.cmd").replace("@VERSION@", version).replace("@COMMIT@", commit())
-    script = script.replace("@PROGRAMS@", " ".join(sorted(programs)).replace("/", "\\"))
-    beside = ["OrmaconLib.dll", "ormacon-checked.cmd", "ormacon-checked.ps1", "scenario.sample.xml"]
+    script = script.replace("@PROGRAMS@", " ".join(sorted(programs)))
     return {
-        "run-tests.cmd": for_interpreter(script),
+        **tests,
+        **installed("release", "program", "demonstration"),
+        "run-tests.cmd": script.replace("\n", "\r\n").encode(),
         "Ormacon.exe": program,
-        "OrmaconLib.dll": read_bytes("build/bin/OrmaconLib.dll"),
-        **{f"tests/{name}": read_bytes(f"build/test/bin/{name}") for name in [*programs, *beside]},
     }
 
 
@@ -158,6 +163,8 @@ def write_archive(target, files):
     moment = int(os.environ.get("SOURCE_DATE_EPOCH") or output_of("git", "log", "-1", "--format=%ct"))
     with zipfile.ZipFile(target, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
         for name in sorted(files):
+            if name.endswith((".cmd", ".ps1")):
+                files[name].decode("ascii")  # their interpreters take other letters for those of a code page
             entry = zipfile.ZipInfo(name, time.gmtime(moment)[:6])
             entry.compress_type = zipfile.ZIP_DEFLATED
             entry.external_attr = 0o100755 << 16 if name.endswith((".exe", ".dll")) else 0o100644 << 16
