@@ -3,7 +3,6 @@
 #pragma once
 
 #include <array>
-#include <deque>
 
 #include <boost/algorithm/string.hpp>
 
@@ -50,33 +49,20 @@ public:
         EXPECT_TRUE(WriteConsoleInputW(input(), keys.data(), static_cast<DWORD>(keys.size()), &typed));
     }
 
-    // The rows down to the cursor. Blanks at their ends are left out, except before the cursor.
-    std::string Rows() const {
+    // The lines down to the cursor, as far back as the console keeps them; one that it has broken is whole again.
+    // Blanks at their ends are left out, except before the cursor.
+    std::string Shown() const {
         const auto [columns, lines] = State().dwSize;
         const auto [x, last] = State().dwCursorPosition;
-        std::wstring rows;
+        std::wstring shown;
         for (SHORT y = 0; y <= last; ++y) {
             std::wstring row(static_cast<std::size_t>(y < last ? columns : x), L' ');
             DWORD read = 0;
             ReadConsoleOutputCharacterW(screen(), row.data(), static_cast<DWORD>(row.size()), {0, y}, &read);
-            rows += y < last ? boost::trim_right_copy(row) + L'\n' : row;
+            const bool goes_on = y == last || row.back() != L' ';
+            shown += goes_on ? row : boost::trim_right_copy(row) + L'\n';
         }
-        return encoding::wide_to_utf8(rows);
-    }
-
-    // The rows in which the console shows a text, as far back as it keeps them.
-    std::string RowsOf(const std::string& printed) const {
-        const auto [columns, lines] = State().dwSize;
-        std::deque<std::wstring> rows{L""};
-        for (const wchar_t unit : encoding::utf8_to_wide(printed)) {
-            if (unit == L'\n' || rows.back().size() == static_cast<std::size_t>(columns)) {
-                boost::trim_right(rows.back());
-                rows.emplace_back();
-            }
-            if (unit != L'\n') rows.back() += unit;
-            if (rows.size() > static_cast<std::size_t>(lines)) rows.pop_front();
-        }
-        return encoding::wide_to_utf8(boost::join(rows, L"\n"));
+        return encoding::wide_to_utf8(shown);
     }
 
 private:
@@ -92,22 +78,21 @@ private:
                                                                   CONSOLE_TEXTMODE_BUFFER, nullptr)};
 };
 
-inline std::string EndOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    stream.seekg(-static_cast<std::streamoff>(std::min<std::uintmax_t>(fs::file_size(file), 300'000)), std::ios::end);
-    return {std::istreambuf_iterator<char>(stream), {}};
+// The end of a text: a small console does not keep more.
+inline std::string EndOf(const std::string& text, std::size_t size = 1000) {
+    return text.substr(text.size() - std::min(text.size(), size));
 }
 
 // What the process that had this number last has logged, without time and thread, wherever this machine keeps the logs.
 inline std::string LogOf(DWORD process) {
-    std::string log;
-    const std::string last_line = "Clearing collection of cout multiplexors\\.";  // left out
+    const std::string id = "> Process Id: " + std::to_string(process) + "\r\n";
     const std::string separator = "> " + std::string(77, '=') + "\r\n";
-    std::string newest;  // year, month, day, time: another run may be writing to the other files
+    const std::string head = "(\\[.{19}\\] <.{6}> )",
+                      last_line = head + "Clearing collection of cout multiplexors\\.\r\n";
+    std::string log, newest;  // year, month, day, time: another run may be writing to the other files
     for (const auto& file : fs::directory_iterator(logging::log_folder_path(L"RmanPluginLogs"))) {
         if (file.path().extension() != ".log") continue;
-        std::string text = EndOf(file);
-        const std::string id = "> Process Id: " + std::to_string(process) + "\r\n";
+        std::string text = FileText(file.path());
         const fs::path archive = file.path().wstring() + L".gz";
         if (text.find(id) == std::string::npos && fs::exists(archive)) text = log_test::read_gzip(archive) + text;
         const std::size_t begin = text.rfind(id);
@@ -117,9 +102,8 @@ inline std::string LogOf(DWORD process) {
         if (when < newest) continue;
         newest = when;
         const std::size_t end = text.find(separator, text.find(separator, begin) + 1);  // of the next header
-        log = std::regex_replace(
-            text.substr(begin, text.rfind("\r\n", end) + 2 - begin),
-            std::regex("\\r\\n(\\[.{19}\\] <.{6}> " + last_line + "\\r\\n)?(\\[.{19}\\] <.{6}> )?"), "\n");
+        log = std::regex_replace(text.substr(begin, text.rfind("\r\n", end) + 2 - begin),
+                                 std::regex("\r\n(" + last_line + ")?" + head + "?"), "\n");
     }
     return log;
 }
@@ -144,10 +128,10 @@ public:
     // Waits for each question and answers it. The limit is for a machine that has other work to do.
     void Answer(const CConsole& console, const Dialogue& dialogue) const {
         for (const auto& [question, answer] : dialogue) {
-            const auto is_asked = [&] { return boost::ends_with(console.Rows(), console.RowsOf(question)); };
+            const auto is_asked = [&] { return console.Shown().ends_with(EndOf(question)); };
             for (int i = 0; i < 60'000 && !is_asked() && WaitForSingleObject(process_.get(), 2) == WAIT_TIMEOUT;) ++i;
             if (!is_asked()) {
-                ADD_FAILURE() << question << "\nis not asked. The screen:\n" << console.Rows();
+                ADD_FAILURE() << question << "\nis not asked. The screen:\n" << console.Shown();
                 TerminateProcess(process_.get(), 1);
                 return;
             }
