@@ -1,6 +1,5 @@
 #include "wizard/console.h"
 
-#include <array>
 #include <optional>
 #include <vector>
 
@@ -17,28 +16,22 @@
 namespace wizard {
 namespace {
 
-class CReadBuffer {
-public:
-    ~CReadBuffer() { SecureZeroMemory(units_.data(), sizeof units_); }
-    wchar_t* data() { return units_.data(); }
-    DWORD size() const { return static_cast<DWORD>(units_.size()); }
+constexpr DWORD max_units = 1024;  // of one read
 
-private:
-    std::array<wchar_t, 1024> units_{};
-};
-
-// The line is built in the returned object: it may be a password, and each copy would have to be wiped.
-std::wstring ReadUnits(CReadBuffer& buffer) {
+// The line is built in the returned object, whose owner wipes its whole capacity: it may be a password.
+std::wstring ReadUnits() {
+    std::wstring units(max_units, L'\0');
     DWORD count = 0;
-    const BOOL succeeded = ReadConsoleW(GetStdHandle(STD_INPUT_HANDLE), buffer.data(), buffer.size(), &count, nullptr);
+    const BOOL succeeded = ReadConsoleW(GetStdHandle(STD_INPUT_HANDLE), units.data(), max_units, &count, nullptr);
     EndProcessUnlessRead(succeeded && count > 0);  // even an empty line has its line end
-    return std::wstring(buffer.data(), count);
+    units.resize(count);
+    return units;
 }
 
 // The rest of a hidden line must not become the answer to a visible question.
-void DropRestOfLine(CReadBuffer& buffer) {
+void DropRestOfLine() {
     for (bool ended = false; !ended;) {
-        std::wstring rest = ReadUnits(buffer);
+        std::wstring rest = ReadUnits();
         ended = rest.empty() || rest.back() == L'\n';
         platform::wipe(rest);
     }
@@ -48,28 +41,25 @@ void DropRestOfLine(CReadBuffer& buffer) {
 class CWindowsConsole : public IConsoleDevice {
 public:
     void Write(const std::wstring& text) override { platform::write_console(GetStdHandle(STD_OUTPUT_HANDLE), text); }
-    std::wstring ReadLine(bool hidden) override;
+
+    std::wstring ReadLine(bool hidden) override {
+        if (!hidden) PrepareVisibleInput();
+        std::wstring line = ReadUnits();
+        const std::size_t end = line.find(L"\r\n");
+        if (end != std::wstring::npos) {
+            line.resize(end);
+        } else if (hidden && line.size() == max_units) {
+            if (line.back() == L'\r') line.pop_back();
+            DropRestOfLine();
+        }
+        return line;
+    }
+
     bool IsInteractive() const override { return platform::is_console(GetStdHandle(STD_INPUT_HANDLE)); }
 };
 
-std::wstring CWindowsConsole::ReadLine(bool hidden) {
-    if (!hidden) PrepareVisibleInput();
-    CReadBuffer buffer;
-    std::wstring line = ReadUnits(buffer);
-    const std::size_t end = line.find(L"\r\n");
-    if (end != std::wstring::npos) {
-        line.resize(end);
-    } else if (hidden && line.size() == buffer.size()) {
-        if (line.back() == L'\r') line.pop_back();
-        DropRestOfLine(buffer);
-    }
-    return line;
-}
-
-IConsoleDevice*& DeviceInUse() {
-    static CWindowsConsole windows_console;
-    static IConsoleDevice* device = &windows_console;
-    if (device == nullptr) device = &windows_console;
+IConsoleDevice*& StandIn() {
+    static IConsoleDevice* device = nullptr;
     return device;
 }
 
@@ -105,8 +95,11 @@ std::wstring Ask(const std::wstring& prompt, const std::wstring& default_answer)
     return answer.empty() ? default_answer : answer;
 }
 
-IConsoleDevice& ConsoleDevice() { return *DeviceInUse(); }
+IConsoleDevice& ConsoleDevice() {
+    static CWindowsConsole windows_console;
+    return StandIn() != nullptr ? *StandIn() : windows_console;
+}
 
-void UseConsoleDevice(IConsoleDevice* device) { DeviceInUse() = device; }
+void UseConsoleDevice(IConsoleDevice* device) { StandIn() = device; }
 
 }  // namespace wizard

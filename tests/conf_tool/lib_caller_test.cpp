@@ -19,29 +19,18 @@ using testing::ElementsAre;
 // What lies under the name OrmaconLib.dll beside the test program.
 class CLibraryBeside {
 public:
-    CLibraryBeside() { Place(DemoLibrary()); }
+    CLibraryBeside() { Place(); }
     ~CLibraryBeside() { Remove(); }
     CLibraryBeside(const CLibraryBeside&) = delete;
     CLibraryBeside& operator=(const CLibraryBeside&) = delete;
 
-    void Place(const std::string& content) {
-        Remove();
-        WriteFileText(path_, content);
-    }
-
-    // A failed constructor leaves the library loaded for good, which a test undoes.
-    void Remove() {
-        while (IsLoaded()) FreeLibrary(GetModuleHandleW(L"OrmaconLib.dll"));
-        std::filesystem::remove(path_);
-    }
-
     // Takes one export more out of the library: it gets a name that sorts where the right one did.
-    void PlaceWithout(const std::string& name, std::string& content) {
+    void PlaceWithout(const std::string& name) {
         const std::string stored = '\0' + name + '\0';
-        for (std::size_t at = content.find(stored); at != std::string::npos; at = content.find(stored, at + 1)) {
-            --content[at + name.size()];
+        for (std::size_t at = content_.find(stored); at != std::string::npos; at = content_.find(stored, at + 1)) {
+            --content_[at + name.size()];
         }
-        Place(content);
+        Place();
     }
 
     // From here to its unloading a call of the loaded library's export jumps to the function.
@@ -55,11 +44,22 @@ public:
         std::memcpy(at, load_and_jump, sizeof load_and_jump);
     }
 
-    static std::string DemoLibrary() { return FileText(BesideProgram(L"..\\OrmaconLib.dll")); }
     static bool IsLoaded() { return GetModuleHandleW(L"OrmaconLib.dll") != nullptr; }
 
 private:
-    std::filesystem::path path_ = BesideProgram(L"OrmaconLib.dll");
+    void Place() {
+        Remove();
+        WriteFileText(path_, content_);
+    }
+
+    // A failed constructor leaves the library loaded for good, which a test undoes.
+    void Remove() {
+        while (IsLoaded()) FreeLibrary(GetModuleHandleW(L"OrmaconLib.dll"));
+        std::filesystem::remove(path_);
+    }
+
+    const std::filesystem::path path_ = BesideProgram(L"OrmaconLib.dll");
+    std::string content_ = FileText(BesideProgram(L"..\\OrmaconLib.dll"));
 };
 
 class LibCaller : public testing::Test {
@@ -192,17 +192,17 @@ TEST_F(LibCaller, TheFirstMissingExportIsNamed) {
           "GetTBRRepositoriesDirect", "MapBackupDirect", "GetConfig", "UninstallDirect", "FreeString",
           "FreeArrayString", "FreeRepositories"}}};
     for (const auto& [mode, names] : modes) {
-        std::string library = CLibraryBeside::DemoLibrary();
+        CLibraryBeside library;
         // The mode does without what only the other one needs.
         for (const auto& name : modes[mode == CallerMode::Wizard].second) {
-            if (!std::ranges::count(names, name)) library_.PlaceWithout(name, library);
+            if (!std::ranges::count(names, name)) library.PlaceWithout(name);
         }
         EXPECT_EQ(FailureOf(Loading(mode)), "ok");
-        EXPECT_FALSE(library_.IsLoaded());
+        EXPECT_FALSE(library.IsLoaded());
         for (auto name = names.rbegin(); name != names.rend(); ++name) {
-            library_.PlaceWithout(*name, library);
+            library.PlaceWithout(*name);
             EXPECT_EQ(FailureOf(Loading(mode)), "Cannot find function [" + *name + "] in the configuration library.");
-            EXPECT_TRUE(library_.IsLoaded()) << *name;
+            EXPECT_TRUE(library.IsLoaded()) << *name;
         }
     }
 }
