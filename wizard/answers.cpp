@@ -36,7 +36,7 @@ std::vector<TypedNumber> ReadNumbers(const std::wstring& answer) {
     return numbers;
 }
 
-void RejectRepeated(std::vector<TypedNumber> numbers) {
+void RaiseIfRepeated(std::vector<TypedNumber> numbers) {
     std::ranges::sort(numbers, {}, &TypedNumber::number);
     const auto repeated = std::ranges::adjacent_find(numbers, {}, &TypedNumber::number);
     if (repeated == numbers.end()) return;
@@ -44,12 +44,12 @@ void RejectRepeated(std::vector<TypedNumber> numbers) {
         format_message("Same Tovak repository was specified more than once (%1)", std::to_string(repeated->number)));
 }
 
-void RejectSeveralInStandardEdition(const std::vector<TypedNumber>& numbers, Edition edition) {
+void RaiseIfSeveralInStandardEdition(const std::vector<TypedNumber>& numbers, Edition edition) {
     if (edition != Edition::Standard || numbers.size() <= 1) return;
     exc::raise("Unable to use more than one repository due to a limitation of Oracle Standard Edition (SE)");
 }
 
-void RejectOutOfRange(const std::vector<TypedNumber>& numbers, std::size_t count) {
+void RaiseIfOutOfRange(const std::vector<TypedNumber>& numbers, std::size_t count) {
     for (const TypedNumber& typed : numbers) {
         if (typed.number >= 1 && static_cast<std::size_t>(typed.number) <= count) continue;
         exc::raise(format_message("Incorrect repository value: %1", encoding::wide_to_utf8(typed.token)));
@@ -59,9 +59,9 @@ void RejectOutOfRange(const std::vector<TypedNumber>& numbers, std::size_t count
 std::vector<TypedNumber> Validate(const std::wstring& answer, std::size_t count, Edition edition) {
     logging::method_scope_t scope(conf_tool::ormacon_tool, "Validating value");
     std::vector<TypedNumber> numbers = ReadNumbers(answer);
-    RejectRepeated(numbers);
-    RejectSeveralInStandardEdition(numbers, edition);
-    RejectOutOfRange(numbers, count);
+    RaiseIfRepeated(numbers);
+    RaiseIfSeveralInStandardEdition(numbers, edition);
+    RaiseIfOutOfRange(numbers, count);
     scope.succeed();
     return numbers;
 }
