@@ -1,6 +1,6 @@
 #include "demo_library/answer.h"
 
-#include "demo_library/failure.h"
+#include "demo_library/error.h"
 #include "demo_library/ledger.h"
 #include "demo_library/text.h"
 
@@ -19,17 +19,17 @@ void simulate(const fault_t& fault) {
     Sleep(fault.delay);
     if (fault.crash == crash_t::access_violation) write_to_nowhere();
     if (fault.crash == crash_t::exception) throw escaping_exception_t();
-    if (fault.silent) throw silent_failure_t();
-    if (fault.text) throw failure_t(*fault.text);
+    if (fault.silent) throw silent_error_t();
+    if (fault.text) throw error_t(*fault.text);
 }
 
 // The text of the current exception, owned by the caller; null when it has none.
 wchar_t* error_text() {
     try {
         throw;
-    } catch (const failure_t& failure) {
+    } catch (const error_t& failure) {
         return allocate(failure.text());
-    } catch (const silent_failure_t&) {
+    } catch (const silent_error_t&) {
         return nullptr;
     } catch (const std::exception& exception) {
         return allocate(L"The demonstration library failed: " + to_wide(exception.what()));

@@ -16,7 +16,7 @@ public:
 };
 
 // Counts the call and simulates the function's fault in the scenario: waits, fails or crashes. Returns the scenario.
-// Throws failure_t, silent_failure_t, escaping_exception_t.
+// Throws error_t, silent_error_t, escaping_exception_t.
 scenario_t enter(const char* function);
 
 // Call it in a handler. Returns the status and sets *error to the text of the current exception, or leaves it unchanged
@@ -27,7 +27,8 @@ conf_tool::Status failed(conf_tool::LibraryError* error) noexcept;
 template <class Work>
 conf_tool::Status answer(const char* function, conf_tool::LibraryError* error, Work work) {
     try {
-        work(enter(function));
+        const scenario_t server = enter(function);
+        work(server);
         return 0;
     } catch (const escaping_exception_t&) {
         throw;

@@ -2,8 +2,7 @@
 
 #include <random>
 
-#include "demo_library/failure.h"
-#include "demo_library/paths.h"
+#include "demo_library/error.h"
 
 #include <windows.h>
 #include <sddl.h>
@@ -11,7 +10,14 @@
 namespace demo_library {
 namespace {
 
-constexpr ULONGLONG lock_patience = 5000;  // milliseconds
+constexpr ULONGLONG lock_timeout = 5000;  // milliseconds
+
+HMODULE this_library() {
+    HMODULE library = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<const wchar_t*>(&this_library), &library);
+    return library;
+}
 
 bool means_missing(DWORD code) { return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND; }
 
@@ -31,7 +37,7 @@ public:
                                                                  nullptr))
             return;
         const DWORD code = GetLastError();
-        throw_system_failure(code, L"Cannot prepare the access rights of a file");
+        throw_system_error(code, L"Cannot prepare the access rights of a file");
     }
     ~administrators_only_t() { LocalFree(attributes_.lpSecurityDescriptor); }
     administrators_only_t(const administrators_only_t&) = delete;
@@ -93,12 +99,42 @@ DWORD replace(const std::wstring& path, std::string_view content, SECURITY_ATTRI
 
 }  // namespace
 
+std::wstring absolute_path(const std::wstring& path) {
+    if (path.empty()) throw error_t(L"The path of a file is empty");
+    std::wstring full(path.size() + MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD size = GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+        const DWORD code = GetLastError();
+        if (size == 0) throw_system_error(code, L"The path [" + path + L"] cannot be used");
+        const bool fits = size < full.size();
+        full.resize(size);
+        if (fits) return full;
+    }
+}
+
+std::wstring folder_of(const std::wstring& path) { return path.substr(0, path.find_last_of(L'\\')); }
+
+std::wstring library_folder() {
+    std::wstring path(32768, L'\0');  // the longest path there is
+    path.resize(GetModuleFileNameW(this_library(), path.data(), static_cast<DWORD>(path.size())));
+    return folder_of(path);
+}
+
+bool exports(const std::string& function) { return GetProcAddress(this_library(), function.c_str()) != nullptr; }
+
+std::wstring environment_text(const wchar_t* name) {
+    const DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
+    std::wstring value(size, L'\0');
+    value.resize(GetEnvironmentVariableW(name, value.data(), size));
+    return value;
+}
+
 void close_handle_t::operator()(void* handle) const noexcept { CloseHandle(handle); }
 
 bool exists(const std::wstring& path) {
     if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) return true;
     const DWORD code = GetLastError();
-    if (!means_missing(code)) throw_system_failure(code, L"Cannot access " + path);
+    if (!means_missing(code)) throw_system_error(code, L"Cannot access " + path);
     return false;
 }
 
@@ -114,7 +150,7 @@ std::optional<std::string> read_file(const std::wstring& path) {
         !ReadFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &received, nullptr))
         code = GetLastError();
     if (code == ERROR_SUCCESS && received != content.size()) code = ERROR_HANDLE_EOF;
-    if (code != ERROR_SUCCESS) throw_system_failure(code, L"Cannot read the file " + path);
+    if (code != ERROR_SUCCESS) throw_system_error(code, L"Cannot read the file " + path);
     return content;
 }
 
@@ -123,13 +159,13 @@ void write_file(const std::wstring& path, std::string_view content, readers_t re
     DWORD code = try_create_folders(folder_of(path));
     if (code == ERROR_SUCCESS)
         code = replace(path, content, readers == readers_t::administrators ? security.get() : nullptr);
-    if (code != ERROR_SUCCESS) throw_system_failure(code, L"Cannot write the file " + path);
+    if (code != ERROR_SUCCESS) throw_system_error(code, L"Cannot write the file " + path);
 }
 
 void remove_file(const std::wstring& path) {
     if (DeleteFileW(path.c_str())) return;
     const DWORD code = GetLastError();
-    if (!means_missing(code)) throw_system_failure(code, L"Cannot remove the file " + path);
+    if (!means_missing(code)) throw_system_error(code, L"Cannot remove the file " + path);
 }
 
 void remove_temporary_files(const std::wstring& path) {
@@ -138,7 +174,7 @@ void remove_temporary_files(const std::wstring& path) {
     const HANDLE search = FindFirstFileW((path + L".*.tmp").c_str(), &entry);
     const DWORD code = GetLastError();
     if (search == INVALID_HANDLE_VALUE && means_missing(code)) return;
-    if (search == INVALID_HANDLE_VALUE) throw_system_failure(code, L"Cannot read the folder " + folder);
+    if (search == INVALID_HANDLE_VALUE) throw_system_error(code, L"Cannot read the folder " + folder);
     const std::unique_ptr<void, decltype(&FindClose)> closing(search, &FindClose);
     do {
         if (is_temporary_name(entry.cFileName, file)) remove_file(folder + entry.cFileName);
@@ -147,7 +183,7 @@ void remove_temporary_files(const std::wstring& path) {
 
 void create_folders(const std::wstring& folder) {
     const DWORD code = try_create_folders(folder);
-    if (code != ERROR_SUCCESS) throw_system_failure(code, L"Cannot create the folder " + folder);
+    if (code != ERROR_SUCCESS) throw_system_error(code, L"Cannot create the folder " + folder);
 }
 
 handle_t lock_file(const std::wstring& path, lock_end_t end) {
@@ -158,9 +194,9 @@ handle_t lock_file(const std::wstring& path, lock_end_t end) {
         handle_t file = open_file(path, GENERIC_READ, 0, OPEN_ALWAYS, security.get(), flags);
         if (file) return file;
         const DWORD code = GetLastError();
-        if (code != ERROR_SHARING_VIOLATION) throw_system_failure(code, L"Cannot lock the file " + path);
-        if (GetTickCount64() - start > lock_patience)
-            throw_system_failure(code, L"Another program has kept the file " + path + L" locked for five seconds");
+        if (code != ERROR_SHARING_VIOLATION) throw_system_error(code, L"Cannot lock the file " + path);
+        if (GetTickCount64() - start > lock_timeout)
+            throw_system_error(code, L"Another program has kept the file " + path + L" locked for five seconds");
     }
 }
 

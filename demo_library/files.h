@@ -1,4 +1,4 @@
-// Reads, replaces, removes and locks whole files. Paths are absolute. On failure, every function throws failure_t with
+// Paths, and whole files: reading, replacing, removing and locking them. On failure, every function throws error_t with
 // the path and the system's reason.
 #pragma once
 
@@ -16,6 +16,23 @@ struct close_handle_t {
     void operator()(void* handle) const noexcept;
 };
 using handle_t = std::unique_ptr<void, close_handle_t>;
+
+// An empty path is a failure, too.
+std::wstring absolute_path(const std::wstring& path);
+
+// The folder of an absolute path, without the last backslash.
+std::wstring folder_of(const std::wstring& path);
+
+// The folder that this library was loaded from.
+std::wstring library_folder();
+
+// Whether this library exports a function of this name.
+bool exports(const std::string& function);
+
+// The value of an environment variable, empty when it is not set.
+std::wstring environment_text(const wchar_t* name);
+
+// The paths of the following are absolute.
 
 bool exists(const std::wstring& path);
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <unordered_map>
 
-#include "demo_library/failure.h"
-#include "demo_library/paths.h"
-#include "demo_library/secret.h"
+#include "demo_library/error.h"
+#include "demo_library/files.h"
+#include "demo_library/password.h"
 
 #include <windows.h>
 
@@ -59,7 +59,7 @@ std::string report_text() {
     return text;
 }
 
-// Overwrites the file and cuts it after the text: a program that is killed here leaves no empty file.
+// Overwrites the file and truncates it after the text: a program that is killed here leaves no empty file.
 void write_report(const std::wstring& path, const std::string& text) {
     const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -98,14 +98,13 @@ conf_tool::LibraryRecords allocate(const std::vector<repository_t>& repositories
 }
 
 void return_copy(std::wstring_view text, conf_tool::LibraryText* out) {
-    require_out(out);
+    require_out({out});
     *out = allocate(text);
 }
 
 void return_copy(const std::vector<repository_t>& repositories, conf_tool::LibraryRecords* records,
                  std::int32_t* count) {
-    require_out(records);
-    require_out(count);
+    require_out({records, count});
     *records = allocate(repositories);
     *count = static_cast<std::int32_t>(repositories.size());
 }

@@ -22,7 +22,7 @@ namespace demo_library {
 wchar_t* allocate(std::wstring_view text);
 conf_tool::LibraryRecords allocate(const std::vector<repository_t>& repositories);
 
-// The same for an exported function's out-arguments. Throws failure_t, without allocating, when one of them is null.
+// The same for an exported function's out-arguments. Throws error_t, without allocating, when one of them is null.
 void return_copy(std::wstring_view text, conf_tool::LibraryText* out);
 void return_copy(const std::vector<repository_t>& repositories, conf_tool::LibraryRecords* records,
                  std::int32_t* count);

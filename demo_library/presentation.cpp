@@ -1,8 +1,7 @@
 #include "demo_library/presentation.h"
 
+#include "demo_library/configuration.h"
 #include "demo_library/files.h"
-#include "demo_library/paths.h"
-#include "demo_library/repository_xml.h"
 #include "demo_library/text.h"
 #include "demo_library/xml.h"
 
@@ -37,31 +36,26 @@ std::wstring summary(const configuration_t& configuration) {
 
 void write_settings(const std::wstring& path, const configuration_t& configuration) {
     TiXmlDocument document;
-    TiXmlElement& root = xml::start(document, "TovakConfiguration",
-                                    " Written by the demonstration library. The password is not part of this file. ");
+    TiXmlElement& root =
+        start_document(document, "TovakConfiguration",
+                       " Written by the demonstration library. The password is not part of this file. ");
     write_configuration(root, configuration);
-    xml::write(path, document, readers_t::everyone);
+    write_xml_file(path, document, readers_t::everyone);
 }
 
 void write_rman_script(const std::wstring& path, const configuration_t& configuration) {
     const std::string copies = std::to_string(configuration.repositories.size());
     const std::string channels = std::to_string(configuration.parallelism);
     const std::string parameters = quoted(L"SBT_LIBRARY=" + library_folder() + L"\\TovakRmanPlugin.dll");
-    write_file(path,
-               "# Written by the demonstration library. Run it with: rman target / cmdfile=<this file>\r\n"
-               "# SBT_LIBRARY is where the plug-in is expected; change it when the plug-in is elsewhere.\r\n"
-               "CONFIGURE DEFAULT DEVICE TYPE TO 'SBT_TAPE';\r\n"
-               "CONFIGURE DEVICE TYPE 'SBT_TAPE' PARALLELISM " +
-                   channels +
-                   " BACKUP TYPE TO BACKUPSET;\r\n"
-                   "CONFIGURE CHANNEL DEVICE TYPE 'SBT_TAPE' PARMS " +
-                   parameters +
-                   " FORMAT '%d_%U';\r\n"
-                   "CONFIGURE DATAFILE BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO " +
-                   copies +
-                   ";\r\n"
-                   "CONFIGURE ARCHIVELOG BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO " +
-                   copies + ";\r\n");
+    std::string script =
+        "# Written by the demonstration library. Run it with: rman target / cmdfile=<this file>\r\n"
+        "# SBT_LIBRARY is where the plug-in is expected; change it when the plug-in is elsewhere.\r\n"
+        "CONFIGURE DEFAULT DEVICE TYPE TO 'SBT_TAPE';\r\n";
+    script += "CONFIGURE DEVICE TYPE 'SBT_TAPE' PARALLELISM " + channels + " BACKUP TYPE TO BACKUPSET;\r\n";
+    script += "CONFIGURE CHANNEL DEVICE TYPE 'SBT_TAPE' PARMS " + parameters + " FORMAT '%d_%U';\r\n";
+    script += "CONFIGURE DATAFILE BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO " + copies + ";\r\n";
+    script += "CONFIGURE ARCHIVELOG BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO " + copies + ";\r\n";
+    write_file(path, script);
 }
 
 }  // namespace demo_library

@@ -11,7 +11,7 @@ namespace demo_library {
 // Returns lines that end in "\r\n".
 std::wstring summary(const configuration_t& configuration);
 
-// The next two create missing folders. Paths are absolute. They throw failure_t with the path and the system's reason.
+// The next two create missing folders. Paths are absolute. They throw error_t with the path and the system's reason.
 
 // Writes the settings as XML.
 void write_settings(const std::wstring& path, const configuration_t& configuration);

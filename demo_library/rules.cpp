@@ -8,8 +8,8 @@
 #include <windows.h>
 #include <ws2tcpip.h>
 
-#include "demo_library/failure.h"
-#include "demo_library/protection.h"
+#include "demo_library/error.h"
+#include "demo_library/password.h"
 #include "demo_library/xml.h"
 
 namespace demo_library {
@@ -17,11 +17,11 @@ namespace {
 
 // Returns the argument, which must be a text on one line.
 std::wstring line(const wchar_t* text, const std::wstring& what) {
-    if (!text) throw failure_t(L"No " + what + L" is given: the text is null.");
+    if (!text) throw error_t(L"No " + what + L" is given: the text is null.");
     std::wstring result = text;
     const bool has_control = std::any_of(result.begin(), result.end(), [](wchar_t c) { return c < L' '; });
-    if (has_control || !xml::can_hold(result))
-        throw failure_t(L"The " + what + L" is not allowed: it contains a character that cannot be stored.");
+    if (has_control || !xml_can_hold(result))
+        throw error_t(L"The " + what + L" is not allowed: it contains a character that cannot be stored.");
     return result;
 }
 
@@ -66,34 +66,34 @@ bool is_plausible_host(const std::wstring& host) {
 }
 
 void check_host(const std::wstring& host) {
-    if (host.empty()) throw failure_t(L"The backup server is empty: a host name or an IP address is needed.");
+    if (host.empty()) throw error_t(L"The backup server is empty: a host name or an IP address is needed.");
     if (!is_plausible_host(host))
-        throw failure_t(L"The backup server [" + host +
-                        L"] is not allowed: it is neither a host name nor an IP address.");
+        throw error_t(L"The backup server [" + host +
+                      L"] is not allowed: it is neither a host name nor an IP address.");
 }
 
 void check_port(std::int32_t port) {
     if (port < 1 || port > 65535)
-        throw failure_t(L"The port " + std::to_wstring(port) + L" is not allowed: ports are 1 to 65535.");
+        throw error_t(L"The port " + std::to_wstring(port) + L" is not allowed: ports are 1 to 65535.");
 }
 
 void check_user_name(const std::wstring& user_name) {
-    if (user_name.empty()) throw failure_t(L"The user name is empty: an account of the backup server is needed.");
+    if (user_name.empty()) throw error_t(L"The user name is empty: an account of the backup server is needed.");
 }
 
 void check_parallelism(std::int32_t parallelism, const scenario_t& server) {
-    if (parallelism < server.lowest_parallelism || parallelism > server.highest_parallelism)
-        throw failure_t(L"The parallelism " + std::to_wstring(parallelism) + L" is not allowed: it is " +
-                        std::to_wstring(server.lowest_parallelism) + L" to " +
-                        std::to_wstring(server.highest_parallelism) + L".");
+    if (parallelism < server.min_parallelism || parallelism > server.max_parallelism)
+        throw error_t(L"The parallelism " + std::to_wstring(parallelism) + L" is not allowed: it is " +
+                      std::to_wstring(server.min_parallelism) + L" to " + std::to_wstring(server.max_parallelism) +
+                      L".");
 }
 
-void check_count(std::size_t count, std::size_t most) {
-    if (count == 0) throw failure_t(L"No repository is selected: at least one is needed.");
-    if (count <= most) return;
+void check_count(std::size_t count, std::size_t max) {
+    if (count == 0) throw error_t(L"No repository is selected: at least one is needed.");
+    if (count <= max) return;
     const std::wstring sentence = std::to_wstring(count) + L" repositories are not allowed: ";
-    throw failure_t(sentence + (most == 1 ? L"Oracle Standard Edition (SE) is limited to one."
-                                          : L"at most " + std::to_wstring(most) + L" can be selected."));
+    throw error_t(sentence + (max == 1 ? L"Oracle Standard Edition (SE) is limited to one."
+                                       : L"at most " + std::to_wstring(max) + L" can be selected."));
 }
 
 std::wstring known_ids(const scenario_t& server) {
@@ -105,33 +105,27 @@ std::wstring known_ids(const scenario_t& server) {
     return server.repositories.size() > shown ? list + L", ..." : list;
 }
 
-const repository_t& known_repository(const std::wstring& id, const scenario_t& server) {
-    const auto found = std::find_if(server.repositories.begin(), server.repositories.end(),
-                                    [&](const repository_t& repository) { return repository.id == id; });
-    if (found == server.repositories.end())
-        throw failure_t(L"The repository [" + id + L"] is not known to the backup server. Known repositories: " +
-                        known_ids(server) + L".");
-    return *found;
-}
-
 std::vector<repository_t> known_repositories(const std::vector<std::wstring>& ids, const scenario_t& server,
-                                             std::size_t most) {
-    check_count(ids.size(), most);
+                                             std::size_t max) {
+    check_count(ids.size(), max);
     std::vector<repository_t> result;
-    for (std::size_t i = 0; i < ids.size(); ++i) {
-        if (std::find(ids.begin(), ids.begin() + static_cast<std::ptrdiff_t>(i), ids[i]) !=
-            ids.begin() + static_cast<std::ptrdiff_t>(i))
-            throw failure_t(L"The repository [" + ids[i] + L"] is selected twice: each copy needs one of its own.");
-        result.push_back(known_repository(ids[i], server));
+    for (const std::wstring& id : ids) {
+        const auto known = std::ranges::find(server.repositories, id, &repository_t::id);
+        if (known == server.repositories.end())
+            throw error_t(L"The repository [" + id + L"] is not known to the backup server. Known repositories: " +
+                          known_ids(server) + L".");
+        if (std::ranges::find(result, id, &repository_t::id) != result.end())
+            throw error_t(L"The repository [" + id + L"] is selected twice: each copy needs one of its own.");
+        result.push_back(*known);
     }
     return result;
 }
 
 std::wstring id_of(const plug_common::SRepositoryCType& record) {
-    if (!record.id || !record.name) throw failure_t(L"A repository has no identifier or no name: the text is null.");
+    if (!record.id || !record.name) throw error_t(L"A repository has no identifier or no name: the text is null.");
     if (record.encryptionEnabled != 0 && record.encryptionEnabled != 1)
-        throw failure_t(L"The encryption of the repository [" + std::wstring(record.id) + L"] is " +
-                        std::to_wstring(record.encryptionEnabled) + L": it is 0 or 1.");
+        throw error_t(L"The encryption of the repository [" + std::wstring(record.id) + L"] is " +
+                      std::to_wstring(record.encryptionEnabled) + L": it is 0 or 1.");
     return record.id;
 }
 
@@ -152,7 +146,7 @@ void set_credentials(configuration_t& configuration, const wchar_t* domain, cons
                      const wchar_t* password) {
     std::wstring new_domain = line(domain, L"domain name");
     std::wstring new_user_name = line(user_name, L"user name");
-    if (!password) throw failure_t(L"No password is given: the text is null.");
+    if (!password) throw error_t(L"No password is given: the text is null.");
     check_user_name(new_user_name);
     configuration.protected_password = protect(password);
     configuration.domain = std::move(new_domain);
@@ -165,14 +159,14 @@ void set_parallelism(configuration_t& configuration, std::int32_t parallelism, c
 }
 
 void set_repositories(configuration_t& configuration, const plug_common::SRepositoryCType* records, std::int32_t count,
-                      const scenario_t& server, std::size_t most) {
-    if (count < 0 || (count > 0 && !records)) throw failure_t(L"The list of repositories is not valid.");
+                      const scenario_t& server, std::size_t max) {
+    if (count < 0 || (count > 0 && !records)) throw error_t(L"The list of repositories is not valid.");
     std::vector<std::wstring> ids;
     std::transform(records, records + count, std::back_inserter(ids), id_of);
-    configuration.repositories = known_repositories(ids, server, most);
+    configuration.repositories = known_repositories(ids, server, max);
 }
 
-std::size_t most_repositories_in(const scenario_t& server) { return server.edition == 1 ? 1 : most_repositories; }
+std::size_t max_repositories_in(const scenario_t& server) { return server.edition == 1 ? 1 : max_repositories; }
 
 void require_complete(const configuration_t& configuration, const scenario_t& server) {
     check_host(configuration.host);
@@ -181,11 +175,11 @@ void require_complete(const configuration_t& configuration, const scenario_t& se
     check_parallelism(configuration.parallelism, server);
     std::vector<std::wstring> ids;
     for (const repository_t& repository : configuration.repositories) ids.push_back(repository.id.value_or(L""));
-    known_repositories(ids, server, most_repositories_in(server));
+    known_repositories(ids, server, max_repositories_in(server));
 }
 
 std::wstring parallelism_range(const scenario_t& server) {
-    return std::to_wstring(server.lowest_parallelism) + L"-" + std::to_wstring(server.highest_parallelism);
+    return std::to_wstring(server.min_parallelism) + L"-" + std::to_wstring(server.max_parallelism);
 }
 
 }  // namespace demo_library

@@ -1,12 +1,11 @@
 #include "demo_library/scenario.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
-#include "demo_library/failure.h"
-#include "demo_library/paths.h"
-#include "demo_library/repository_xml.h"
+#include "demo_library/configuration.h"
+#include "demo_library/error.h"
+#include "demo_library/files.h"
 #include "demo_library/text.h"
 #include "demo_library/xml.h"
 
@@ -14,31 +13,6 @@ namespace demo_library {
 namespace {
 
 constexpr double tib = 1024.0 * 1024 * 1024 * 1024;
-
-constexpr auto functions_with_status = std::to_array<std::string_view>({"InitializeWizard",
-                                                                        "SetCredentials",
-                                                                        "SetHost",
-                                                                        "SetPort",
-                                                                        "SetRepositories",
-                                                                        "SetParallelism",
-                                                                        "GetParallelismRangeString",
-                                                                        "GetConfig",
-                                                                        "GetTBRRepositories",
-                                                                        "GetSummary",
-                                                                        "GetScopeEdition",
-                                                                        "GetResult",
-                                                                        "ExportTovakConfig",
-                                                                        "ExportRMANConfig",
-                                                                        "Cancel",
-                                                                        "Commit",
-                                                                        "SetCredentialsDirect",
-                                                                        "SetHostDirect",
-                                                                        "SetPortDirect",
-                                                                        "SetRepositoriesDirect",
-                                                                        "SetParallelismDirect",
-                                                                        "GetTBRRepositoriesDirect",
-                                                                        "MapBackupDirect",
-                                                                        "UninstallDirect"});
 
 scenario_t built_in_scenario() {
     scenario_t scenario;
@@ -62,25 +36,25 @@ crash_t crash_named(const std::wstring& name) {
     if (name.empty()) return crash_t::none;
     if (name == L"access-violation") return crash_t::access_violation;
     if (name == L"exception") return crash_t::exception;
-    throw failure_t(L"there is no crash [" + name + L"]: it is access-violation or exception");
+    throw error_t(L"there is no crash [" + name + L"]: it is access-violation or exception");
 }
 
 std::string function_named(const std::wstring& name) {
     std::string narrow = to_utf8(name);
-    if (std::find(functions_with_status.begin(), functions_with_status.end(), narrow) == functions_with_status.end())
-        throw failure_t(L"there is no function [" + name + L"] that could fail");
+    const bool has_status = exports(narrow) && !narrow.starts_with("Free");
+    if (!has_status) throw error_t(L"there is no function [" + name + L"] that could fail");
     return narrow;
 }
 
 std::uint32_t positive(const TiXmlElement& element, const char* name) {
-    return static_cast<std::uint32_t>(std::max(0, xml::number(element, name, 0)));
+    return static_cast<std::uint32_t>(std::max(0, number_attribute(element, name, 0)));
 }
 
 fault_t read_fault(const TiXmlElement& element) {
     fault_t fault;
-    fault.text = xml::text(element, "fail");
-    fault.silent = xml::number(element, "failWithoutText", 0) != 0;
-    fault.crash = crash_named(xml::text(element, "crash").value_or(L""));
+    fault.text = text_attribute(element, "fail");
+    fault.silent = number_attribute(element, "failWithoutText", 0) != 0;
+    fault.crash = crash_named(text_attribute(element, "crash").value_or(L""));
     fault.delay = positive(element, "delay");
     if (element.Attribute("consoleMode")) fault.console_mode = positive(element, "consoleMode");
     if (element.Attribute("first")) fault.first = positive(element, "first");
@@ -88,14 +62,9 @@ fault_t read_fault(const TiXmlElement& element) {
 }
 
 void read_server(scenario_t& scenario, const TiXmlElement& server) {
-    scenario.edition = xml::number(server, "edition", scenario.edition);
-    scenario.lowest_parallelism = xml::number(server, "lowestParallelism", scenario.lowest_parallelism);
-    scenario.highest_parallelism = xml::number(server, "highestParallelism", scenario.highest_parallelism);
-}
-
-void read_map_backup(scenario_t& scenario, const TiXmlElement& outcome) {
-    scenario.map_code = xml::number(outcome, "code", scenario.map_code);
-    scenario.map_text = xml::text(outcome, "text").value_or(scenario.map_text);
+    scenario.edition = number_attribute(server, "edition", scenario.edition);
+    scenario.min_parallelism = number_attribute(server, "lowestParallelism", scenario.min_parallelism);
+    scenario.max_parallelism = number_attribute(server, "highestParallelism", scenario.max_parallelism);
 }
 
 void read_scenario(scenario_t& scenario, const TiXmlElement& root) {
@@ -105,14 +74,15 @@ void read_scenario(scenario_t& scenario, const TiXmlElement& root) {
             read_server(scenario, *element);
         } else if (name == "Repositories") {
             scenario.repositories = read_repositories(*element);
-            add_generated(scenario.repositories, xml::number(*element, "generate", 0));
+            add_generated(scenario.repositories, number_attribute(*element, "generate", 0));
         } else if (name == "MapBackup") {
-            read_map_backup(scenario, *element);
+            scenario.map_code = number_attribute(*element, "code", scenario.map_code);
+            scenario.map_text = text_attribute(*element, "text").value_or(scenario.map_text);
         } else if (name == "Function") {
-            const std::string function = function_named(xml::text(*element, "name").value_or(L""));
+            const std::string function = function_named(text_attribute(*element, "name").value_or(L""));
             scenario.faults[function] = read_fault(*element);
         } else {
-            throw failure_t(L"there is no element " + to_wide(name) + L" in a scenario");
+            throw error_t(L"there is no element " + to_wide(name) + L" in a scenario");
         }
     }
 }
@@ -124,7 +94,7 @@ scenario_t load_scenario() {
     const std::wstring path = environment_text(L"ORMACON_DEMO_SCENARIO");
     if (path.empty()) return scenario;
     const auto reader = [&](const TiXmlElement& root) { read_scenario(scenario, root); };
-    if (!xml::read(path, "DemoScenario", reader)) throw failure_t(L"There is no scenario file " + path);
+    if (!read_xml_file(path, "DemoScenario", reader)) throw error_t(L"There is no scenario file " + path);
     return scenario;
 }
 

@@ -26,15 +26,15 @@ struct fault_t {
 
 struct scenario_t {
     std::int32_t edition = 2;  // 1: Oracle Standard Edition
-    std::int32_t lowest_parallelism = 1;
-    std::int32_t highest_parallelism = 64;
+    std::int32_t min_parallelism = 1;
+    std::int32_t max_parallelism = 64;
     std::vector<repository_t> repositories;
     std::int32_t map_code = 0;
     std::wstring map_text;
     std::map<std::string, fault_t, std::less<>> faults;  // by the name of the exported function
 };
 
-// Reads the file at every call, so that a demonstration can change the server while the tool runs. Throws failure_t
+// Reads the file at every call, so that a demonstration can change the server while the tool runs. Throws error_t
 // when the file is missing or wrong.
 scenario_t load_scenario();
 

@@ -6,7 +6,7 @@
 
 namespace demo_library {
 
-// Both throw failure_t when the text is not valid in its encoding.
+// Both throw error_t when the text is not valid in its encoding.
 std::string to_utf8(std::wstring_view text);
 std::wstring to_wide(std::string_view text);
 

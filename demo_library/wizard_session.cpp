@@ -1,10 +1,10 @@
 #include "demo_library/wizard_session.h"
 
-#include "demo_library/failure.h"
-#include "demo_library/paths.h"
+#include "demo_library/configuration.h"
+#include "demo_library/error.h"
+#include "demo_library/files.h"
 #include "demo_library/presentation.h"
 #include "demo_library/rules.h"
-#include "demo_library/state.h"
 
 namespace demo_library {
 
@@ -14,7 +14,7 @@ void wizard_session_t::begin() {
 }
 
 configuration_t& wizard_session_t::pending() {
-    if (!pending_) throw failure_t(L"The wizard is not initialised: InitializeWizard must be called first.");
+    if (!pending_) throw error_t(L"The wizard is not initialised: InitializeWizard must be called first.");
     return *pending_;
 }
 
@@ -34,20 +34,18 @@ void wizard_session_t::export_settings(const std::wstring& path, const scenario_
     require_complete(pending(), server);
     const std::wstring full = absolute_path(path);
     write_settings(full, pending());
-    exported_.push_back(L"The Tovak configuration was exported to " + full + L".\r\n");
+    exports_ += L"The Tovak configuration was exported to " + full + L".\r\n";
 }
 
 void wizard_session_t::export_rman_script(const std::wstring& path, const scenario_t& server) {
     require_complete(pending(), server);
     const std::wstring full = absolute_path(path);
     write_rman_script(full, pending());
-    exported_.push_back(L"The RMAN configuration was exported to " + full + L".\r\n");
+    exports_ += L"The RMAN configuration was exported to " + full + L".\r\n";
 }
 
 std::wstring wizard_session_t::result() const {
-    std::wstring text;
-    for (const std::wstring& sentence : exported_) text += sentence;
-    return text +
+    return exports_ +
            (outcome_.empty() ? L"Nothing was applied: the configuration of this host is unchanged.\r\n" : outcome_);
 }
 

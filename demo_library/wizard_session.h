@@ -3,7 +3,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "demo_library/configuration.h"
 #include "demo_library/scenario.h"
@@ -15,15 +14,15 @@ public:
     // Starts again with the stored configuration. Drops the pending values and the result.
     void begin();
 
-    // Throws failure_t before begin() and after commit() and cancel().
+    // Throws error_t before begin() and after commit() and cancel().
     configuration_t& pending();
 
     // Replaces the whole stored configuration by the pending values, also what another process has changed since
-    // begin(). Throws failure_t when they are not complete or cannot be stored, and keeps them.
+    // begin(). Throws error_t when they are not complete or cannot be stored, and keeps them.
     void commit(const scenario_t& server);
     void cancel();
 
-    // Both remember the path for the result. They throw failure_t when the values are not complete or cannot be
+    // Both remember the path for the result. They throw error_t when the values are not complete or cannot be
     // written.
     void export_settings(const std::wstring& path, const scenario_t& server);
     void export_rman_script(const std::wstring& path, const scenario_t& server);
@@ -32,7 +31,7 @@ public:
 
 private:
     std::optional<configuration_t> pending_;
-    std::vector<std::wstring> exported_;
+    std::wstring exports_;
     std::wstring outcome_;
 };
 

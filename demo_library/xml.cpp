@@ -3,26 +3,26 @@
 #include <charconv>
 
 #include "common/xml/find_xml_fault.h"
-#include "demo_library/failure.h"
+#include "demo_library/error.h"
 #include "demo_library/text.h"
 
 #include <windows.h>
 
-namespace demo_library::xml {
+namespace demo_library {
 namespace {
 
-[[noreturn]] void throw_file_failure(const std::wstring& path, const std::wstring& reason) {
-    throw failure_t(L"The file " + path + L" cannot be used: " + reason);
+[[noreturn]] void throw_file_error(const std::wstring& path, const std::wstring& reason) {
+    throw error_t(L"The file " + path + L" cannot be used: " + reason);
 }
 
 void parse(TiXmlDocument& document, const std::string& content) {
     to_wide(content);  // throws for broken UTF-8, in which the parser would step over markup and over the end
     constexpr int max_depth = 32;
-    const std::string fault = ::xml::find_xml_fault(content, max_depth);
-    if (!fault.empty()) throw failure_t(to_wide(fault));
+    const std::string fault = xml::find_xml_fault(content, max_depth);
+    if (!fault.empty()) throw error_t(to_wide(fault));
     document.Parse(content.c_str(), nullptr, TIXML_ENCODING_UTF8);
     if (!document.Error()) return;
-    throw failure_t(to_wide(document.ErrorDesc()) + L" (line " + std::to_wstring(document.ErrorRow()) + L")");
+    throw error_t(to_wide(document.ErrorDesc()) + L" (line " + std::to_wstring(document.ErrorRow()) + L")");
 }
 
 bool is_xml_character(wchar_t c) {
@@ -38,28 +38,29 @@ Number converted(const TiXmlElement& element, const char* name, Number fallback)
     Number result{};
     const auto [end, code] = std::from_chars(digits.data(), digits.data() + digits.size(), result);
     if (code == std::errc() && end == digits.data() + digits.size()) return result;
-    throw failure_t(L"the value [" + to_wide(digits) + L"] of " + to_wide(name) + L" is not a number (line " +
-                    std::to_wstring(element.Row()) + L")");
+    throw error_t(L"the value [" + to_wide(digits) + L"] of " + to_wide(name) + L" is not a number (line " +
+                  std::to_wstring(element.Row()) + L")");
 }
 
 }  // namespace
 
-bool read(const std::wstring& path, const char* root_name, const std::function<void(const TiXmlElement&)>& reader) {
+bool read_xml_file(const std::wstring& path, const char* root_name,
+                   const std::function<void(const TiXmlElement&)>& reader) {
     const std::optional<std::string> content = read_file(path);
     if (!content) return false;
     try {
         TiXmlDocument document;
         parse(document, *content);
         const TiXmlElement* root = document.FirstChildElement(root_name);
-        if (!root) throw failure_t(L"there is no element " + to_wide(root_name));
+        if (!root) throw error_t(L"there is no element " + to_wide(root_name));
         reader(*root);
-    } catch (const failure_t& failure) {
-        throw_file_failure(path, failure.text());
+    } catch (const error_t& failure) {
+        throw_file_error(path, failure.text());
     }
     return true;
 }
 
-void write(const std::wstring& path, const TiXmlDocument& document, readers_t readers) {
+void write_xml_file(const std::wstring& path, const TiXmlDocument& document, readers_t readers) {
     TiXmlPrinter printer;
     printer.SetIndent("  ");
     printer.SetLineBreak("\r\n");
@@ -67,17 +68,17 @@ void write(const std::wstring& path, const TiXmlDocument& document, readers_t re
     write_file(path, printer.Str(), readers);
 }
 
-TiXmlElement& start(TiXmlDocument& document, const char* root_name, const char* comment) {
+TiXmlElement& start_document(TiXmlDocument& document, const char* root_name, const char* comment) {
     document.LinkEndChild(new TiXmlDeclaration("1.0", "UTF-8", ""));
     if (*comment) document.LinkEndChild(new TiXmlComment(comment));
     return *document.LinkEndChild(new TiXmlElement(root_name))->ToElement();
 }
 
-TiXmlElement& add(TiXmlElement& parent, const char* name) {
+TiXmlElement& add_element(TiXmlElement& parent, const char* name) {
     return *parent.LinkEndChild(new TiXmlElement(name))->ToElement();
 }
 
-bool can_hold(std::wstring_view text) {
+bool xml_can_hold(std::wstring_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool is_pair = i + 1 < text.size() && IS_SURROGATE_PAIR(text[i], text[i + 1]);
         if (is_pair)
@@ -88,32 +89,32 @@ bool can_hold(std::wstring_view text) {
     return true;
 }
 
-void set(TiXmlElement& element, const char* name, std::wstring_view value) {
-    if (!can_hold(value))
-        throw failure_t(L"The value of " + to_wide(name) + L" contains a character that cannot be stored");
+void set_attribute(TiXmlElement& element, const char* name, std::wstring_view value) {
+    if (!xml_can_hold(value))
+        throw error_t(L"The value of " + to_wide(name) + L" contains a character that cannot be stored");
     element.SetAttribute(name, to_utf8(value));
 }
 
-void set(TiXmlElement& element, const char* name, double value) {
+void set_attribute(TiXmlElement& element, const char* name, double value) {
     char digits[32];
     char* const end = std::to_chars(std::begin(digits), std::end(digits), value).ptr;
     element.SetAttribute(name, std::string(digits, end));
 }
 
-void set(TiXmlElement& element, const char* name, std::int32_t value) { element.SetAttribute(name, value); }
+void set_attribute(TiXmlElement& element, const char* name, std::int32_t value) { element.SetAttribute(name, value); }
 
-std::optional<std::wstring> text(const TiXmlElement& element, const char* name) {
+std::optional<std::wstring> text_attribute(const TiXmlElement& element, const char* name) {
     const char* value = element.Attribute(name);
     if (!value) return std::nullopt;
     return to_wide(value);
 }
 
-std::int32_t number(const TiXmlElement& element, const char* name, std::int32_t fallback) {
+std::int32_t number_attribute(const TiXmlElement& element, const char* name, std::int32_t fallback) {
     return converted(element, name, fallback);
 }
 
-double real(const TiXmlElement& element, const char* name, double fallback) {
+double real_attribute(const TiXmlElement& element, const char* name, double fallback) {
     return converted(element, name, fallback);
 }
 
-}  // namespace demo_library::xml
+}  // namespace demo_library

@@ -3,7 +3,6 @@
 #include "common/encoding/convert.h"
 #include "common/platform/account.h"
 #include "tests/crash/dump_folder_fixture.h"
-#include "tests/support/access_list.h"
 
 namespace {
 
@@ -14,7 +13,7 @@ void open_to_everyone(const std::filesystem::path& path) {
     ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;OICI;FA;;;WD)", SDDL_REVISION_1, descriptor.put(),
                                                          nullptr);
     ASSERT_TRUE(SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor.get()));
-    ASSERT_THAT(test_support::access_list(path.native()), HasSubstr(L";WD)"));
+    ASSERT_THAT(test_support::AccessList(path.native()), HasSubstr(L";WD)"));
 }
 
 TEST_F(DumpFolder, OthersHaveNoRights) {
@@ -31,10 +30,10 @@ TEST_F(DumpFolder, OthersHaveNoRights) {
         EXPECT_TRUE(crash::open_dump_folder(dumps.wstring()).folder) << "by another program";
         EXPECT_FALSE(MoveFileW(dumps.c_str(), (dumps.wstring() + L"_").c_str()));
         EXPECT_FALSE(MoveFileW(folder.c_str(), (folder.wstring() + L"_").c_str()));
-        EXPECT_THAT(test_support::access_list(dumps.native()),
+        EXPECT_THAT(test_support::AccessList(dumps.native()),
                     AllOf(Not(HasSubstr(L";WD)")), Not(HasSubstr(L";BU)")), HasSubstr(L";FA;;;SY)")));
     }
-    EXPECT_THAT(test_support::access_list(planted.native()), HasSubstr(L";WD)"));
+    EXPECT_THAT(test_support::AccessList(planted.native()), HasSubstr(L";WD)"));
 }
 
 TEST_F(DumpFolder, FolderThatIsSwappedBetweenLookAndUseIsRefused) {

@@ -14,6 +14,8 @@
 #include "common/platform/module.h"
 #include "common/win32.h"
 
+#include <sddl.h>
+
 namespace test_support {
 
 inline std::string FileText(const std::filesystem::path& path) {
@@ -28,6 +30,19 @@ inline void WriteFileText(const std::filesystem::path& path, const std::string& 
 
 inline std::filesystem::path BesideProgram(const wchar_t* name) {
     return std::filesystem::path(platform::program_path()).parent_path() / name;
+}
+
+// The entries of the access list of a file or folder, such as "(A;;FA;;;SY)" for full access of the system.
+inline std::wstring AccessList(const std::filesystem::path& path) {
+    char descriptor[1024];
+    DWORD size = 0;
+    LPWSTR text = nullptr;
+    GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor, sizeof descriptor, &size);
+    ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text,
+                                                         nullptr);
+    const std::wstring result = text ? text : L"";
+    LocalFree(text);
+    return result;
 }
 
 // Returns the text of the failure, or "ok".

@@ -1,11 +1,9 @@
-#include "demo_library/protection.h"
+#include "demo_library/password.h"
 
 #include <charconv>
-#include <vector>
 
-#include "demo_library/failure.h"
+#include "demo_library/error.h"
 
-#include <windows.h>
 #include <wincrypt.h>
 
 namespace demo_library {
@@ -57,20 +55,20 @@ std::string protect(std::wstring_view password) {
     if (CryptProtectData(&clear, L"Tovak account password", nullptr, nullptr, nullptr, flags, &hidden))
         return to_digits(hidden);
     const DWORD code = GetLastError();
-    throw_system_failure(code, L"Cannot protect the password");
+    throw_system_error(code, L"Cannot protect the password");
 }
 
 secret_t unprotect(const std::string& digits) {
-    if (digits.empty()) return {};
+    if (digits.empty()) return secret_t();
     const std::vector<BYTE> bytes = from_digits(digits);
     DATA_BLOB hidden = blob(bytes.data(), bytes.size());
     system_blob_t clear;
     if (!bytes.empty() && CryptUnprotectData(&hidden, nullptr, nullptr, nullptr, nullptr, flags, &clear))
         return secret_t({reinterpret_cast<const wchar_t*>(clear.pbData), clear.cbData / sizeof(wchar_t)});
     const DWORD code = bytes.empty() ? ERROR_INVALID_DATA : GetLastError();
-    throw_system_failure(code,
-                         L"The stored password cannot be read: it is damaged or was protected on another host. "
-                         L"Set it again with Ormacon.exe --set-credentials. The system says");
+    throw_system_error(code,
+                       L"The stored password cannot be read: it is damaged or was protected on another host. "
+                       L"Set it again with Ormacon.exe --set-credentials. The system says");
 }
 
 }  // namespace demo_library

@@ -1,5 +1,6 @@
-#include "demo_library/failure.h"
+#include "demo_library/error.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include <windows.h>
@@ -18,12 +19,13 @@ std::wstring system_text(std::uint32_t code) {
 
 }  // namespace
 
-void throw_system_failure(std::uint32_t code, const std::wstring& sentence) {
-    throw failure_t(sentence + L": " + system_text(code));
+void throw_system_error(std::uint32_t code, const std::wstring& sentence) {
+    throw error_t(sentence + L": " + system_text(code));
 }
 
-void require_out(const void* out) {
-    if (!out) throw failure_t(L"An argument that takes a result is null.");
+void require_out(std::initializer_list<const void*> out) {
+    if (std::find(out.begin(), out.end(), nullptr) != out.end())
+        throw error_t(L"An argument that takes a result is null.");
 }
 
 }  // namespace demo_library

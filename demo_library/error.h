@@ -3,15 +3,16 @@
 
 #include <cstdint>
 #include <exception>
+#include <initializer_list>
 #include <string>
 #include <utility>
 
 namespace demo_library {
 
 // A failure with the text that the administrator reads.
-class failure_t : public std::exception {
+class error_t : public std::exception {
 public:
-    explicit failure_t(std::wstring text) : text_(std::move(text)) {}
+    explicit error_t(std::wstring text) : text_(std::move(text)) {}
     const std::wstring& text() const noexcept { return text_; }
 
 private:
@@ -19,13 +20,13 @@ private:
 };
 
 // A failure without a text.
-class silent_failure_t : public std::exception {};
+class silent_error_t : public std::exception {};
 
-// Throws failure_t: the sentence, ": " and the system's text for the code. Store GetLastError() before the sentence is
+// Throws error_t: the sentence, ": " and the system's text for the code. Store GetLastError() before the sentence is
 // built: allocating its memory may change the last error.
-[[noreturn]] void throw_system_failure(std::uint32_t code, const std::wstring& sentence);
+[[noreturn]] void throw_system_error(std::uint32_t code, const std::wstring& sentence);
 
-// Throws failure_t for an out-argument that is null.
-void require_out(const void* out);
+// Throws error_t if one of the out-arguments is null.
+void require_out(std::initializer_list<const void*> out);
 
 }  // namespace demo_library
