@@ -73,36 +73,12 @@ trace_record_t read_record(std::istream& source) {
 
 }  // namespace
 
-void trace_records_t::read(std::istream& source) {
-    for (std::uint32_t left = read_u32(source); left > 0; --left) {
-        list_.push_back(read_record(source));
-        ++counts_[list_.back()];
-    }
-}
-
-void trace_records_t::write(std::ostream& target) const {
-    write_u32(target, static_cast<std::uint32_t>(list_.size()));
-    for (const trace_record_t& record : list_) {
-        write_u32(target, static_cast<std::uint32_t>(record.event));
-        write_text(target, record.info);
-    }
-}
-
-std::size_t trace_records_t::count(const trace_record_t& record) const {
-    const auto found = counts_.find(record);
-    return found == counts_.end() ? 0 : found->second;
-}
-
 exc_base_t::exc_base_t() : thrower_thread_id_(current_thread_id()) {}
 
 void exc_base_t::add_part(const std::string& text, bool trace) {
     parts_.push_back({text, trace});
     compose_messages();
 }
-
-void exc_base_t::add_text(const std::string& text) { add_part(text, false); }
-
-void exc_base_t::add_trace_text(const std::string& text) { add_part(text, true); }
 
 void exc_base_t::add_error_code(std::uint32_t code) {
     std::array<char, 32> line{};
@@ -130,7 +106,10 @@ void exc_base_t::read(std::istream& source) {
     }
     const std::uint32_t thread = read_u32(source);
     trace_records_t records = trace_records_;
-    records.read(source);
+    for (std::uint32_t left = read_u32(source); left > 0; --left) {
+        records.list.push_back(read_record(source));
+        ++records.counts[records.list.back()];
+    }
     parts_ = std::move(parts);
     thrower_thread_id_ = thread;
     trace_records_ = std::move(records);
@@ -144,7 +123,11 @@ void exc_base_t::write(std::ostream& target) const {
         write_flag(target, part.trace);
     }
     write_u32(target, thrower_thread_id_);
-    trace_records_.write(target);
+    write_u32(target, static_cast<std::uint32_t>(trace_records_.list.size()));
+    for (const trace_record_t& record : trace_records_.list) {
+        write_u32(target, static_cast<std::uint32_t>(record.event));
+        write_text(target, record.info);
+    }
 }
 
 boost::shared_ptr<exc_base_t> runtime_exc_t::clone() const { return boost::make_shared<runtime_exc_t>(*this); }

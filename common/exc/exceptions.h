@@ -32,18 +32,9 @@ struct trace_record_t {
 };
 
 // What happened to an exception before it was serialised. Only an exception that was read back has such records.
-class trace_records_t {
-public:
-    // Appends a 32-bit count of records, each with its event's number and its text. Throws like exc_base_t::read().
-    void read(std::istream& source);
-    void write(std::ostream& target) const;
-
-    // Returns how often this record occurs.
-    std::size_t count(const trace_record_t& record) const;
-
-private:
-    std::vector<trace_record_t> list_;
-    std::map<trace_record_t, std::size_t> counts_;
+struct trace_records_t {
+    std::vector<trace_record_t> list;
+    std::map<trace_record_t, std::size_t> counts;  // how often each of them occurs
 };
 
 class exc_base_t : public std::exception {
@@ -65,12 +56,12 @@ public:
     // Throws runtime_exc_t for a truncated form or an unknown trace event, and then changes nothing.
     virtual void read(std::istream& source);
 
-    // Writes parts, thread id and trace records, little-endian: 32-bit counts, texts as a 32-bit byte length and
-    // their bytes, flags as one byte.
+    // Writes parts, thread id and trace records (their count, then for each its event's number and its text),
+    // little-endian: 32-bit numbers, texts as a 32-bit byte length and their bytes, flags as one byte.
     virtual void write(std::ostream& target) const;
 
-    void add_text(const std::string& text);
-    void add_trace_text(const std::string& text);
+    void add_text(const std::string& text) { add_part(text, false); }
+    void add_trace_text(const std::string& text) { add_part(text, true); }
 
     // Appends the code as a trace part.
     void add_error_code(std::uint32_t code);

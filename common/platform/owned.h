@@ -45,10 +45,26 @@ private:
     type value_ = Traits::invalid();
 };
 
-struct handle_traits_t {
-    using type = HANDLE;
+template <class Type>
+struct null_traits_t {
+    using type = Type;
     static type invalid() noexcept { return nullptr; }
+};
+
+struct handle_traits_t : null_traits_t<HANDLE> {
     static void close(type value) noexcept { CloseHandle(value); }
+};
+
+struct module_traits_t : null_traits_t<HMODULE> {
+    static void close(type value) noexcept { FreeLibrary(value); }
+};
+
+struct local_traits_t : null_traits_t<void*> {
+    static void close(type value) noexcept { LocalFree(value); }
+};
+
+struct registry_key_traits_t : null_traits_t<HKEY> {
+    static void close(type value) noexcept { RegCloseKey(value); }
 };
 
 struct file_traits_t {
@@ -57,28 +73,8 @@ struct file_traits_t {
     static void close(type value) noexcept { CloseHandle(value); }
 };
 
-struct find_traits_t {
-    using type = HANDLE;
-    static type invalid() noexcept { return INVALID_HANDLE_VALUE; }
+struct find_traits_t : file_traits_t {
     static void close(type value) noexcept { FindClose(value); }
-};
-
-struct module_traits_t {
-    using type = HMODULE;
-    static type invalid() noexcept { return nullptr; }
-    static void close(type value) noexcept { FreeLibrary(value); }
-};
-
-struct local_traits_t {
-    using type = void*;
-    static type invalid() noexcept { return nullptr; }
-    static void close(type value) noexcept { LocalFree(value); }
-};
-
-struct registry_key_traits_t {
-    using type = HKEY;
-    static type invalid() noexcept { return nullptr; }
-    static void close(type value) noexcept { RegCloseKey(value); }
 };
 
 using unique_handle = unique_t<handle_traits_t>;              // null is invalid: processes, threads, events

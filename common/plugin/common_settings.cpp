@@ -43,12 +43,6 @@ std::string read_text(const std::wstring& path) {
     return content;
 }
 
-void log_unreadable(const std::wstring& path, const char* reason) {
-    plugin_common.log(logging::level_warning,
-                      format_message("Unable to load params from file [%1]. %2",
-                                     {encoding::wide_to_utf8(path), reason == nullptr ? "Unknown error" : reason}));
-}
-
 std::wstring find_settings_file(const std::wstring& directory) try {
     std::wstring path = (boost::filesystem::path(directory) / L"tovak_common_config.xml").wstring();
     require_settings_file(path);
@@ -57,24 +51,23 @@ std::wstring find_settings_file(const std::wstring& directory) try {
     exc::rethrow_with_context(failure, "Failed to read plug-in manager configuration file");
 }
 
-common_settings_t read_settings_file(const std::wstring& path) {
-    try {
-        return parse_settings(read_text(path));
-    } catch (const std::exception& failure) {
-        log_unreadable(path, failure.what());
-    }
+common_settings_t read_settings_file(const std::wstring& path) try {
+    return parse_settings(read_text(path));
+} catch (const std::exception& failure) {
+    const char* reason = failure.what();
+    plugin_common.log(logging::level_warning,
+                      format_message("Unable to load params from file [%1]. %2",
+                                     {encoding::wide_to_utf8(path), reason == nullptr ? "Unknown error" : reason}));
     return {};
 }
 
-common_settings_t read_or_default(const std::wstring& directory) {
-    try {
-        return read_settings_file(find_settings_file(directory));
-    } catch (const std::exception& failure) {
-        const char* reason = failure.what();
-        plugin_common.log(logging::level_warning,
-                          format_message("Unable to init plugin manager settings. Using default values. %1",
-                                         reason == nullptr ? "Unknown reason" : reason));
-    }
+common_settings_t read_or_default(const std::wstring& directory) try {
+    return read_settings_file(find_settings_file(directory));
+} catch (const std::exception& failure) {
+    const char* reason = failure.what();
+    plugin_common.log(logging::level_warning,
+                      format_message("Unable to init plugin manager settings. Using default values. %1",
+                                     reason == nullptr ? "Unknown reason" : reason));
     return {};
 }
 

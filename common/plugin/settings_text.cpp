@@ -19,7 +19,7 @@ bool parse(const std::string& content, TiXmlDocument& document) {
     constexpr int max_depth = 1000;
     const std::string fault = xml::find_xml_fault(content, max_depth);
     if (!fault.empty()) exc::raise(fault);
-    // The parser reads past the end of a text that is cut off within a character. This gives each such step an end.
+    // The parser reads past the end of a text that is truncated within a character. This gives each such step an end.
     const std::string with_ends = content + std::string(4, '\0');
     TiXmlBase::SetCondenseWhiteSpace(false);
     document.Parse(with_ends.c_str(), nullptr, TIXML_ENCODING_UTF8);

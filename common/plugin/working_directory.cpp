@@ -17,15 +17,10 @@ namespace {
 
 using exc::format_message;
 
-std::wstring read_target_link_path() {
+std::optional<std::wstring> find_target_link_path() try {
     const auto path = platform::read_registry_value(plugin_registry_key, link_target_path_value).text();
     if (!path || path->empty()) exc::raise("The registry value is not a text or is empty.");
-    return *path;
-}
-
-std::optional<std::wstring> find_target_link_path() try {
-    std::wstring path = read_target_link_path();
-    plugin_common.info(format_message("Target link path: %1", encoding::wide_to_utf8(path)));
+    plugin_common.info(format_message("Target link path: %1", encoding::wide_to_utf8(*path)));
     return path;
 } catch (const std::exception& failure) {
     plugin_common.info(format_message("Cannot find target link path in the registry: %1", failure.what()));

@@ -85,8 +85,8 @@ TEST(SerialisedException, HasTheDocumentedBytes) {
     Read(failure, form);
     EXPECT_EQ(failure.what(), "--tr:" + trace_text);
     EXPECT_EQ(failure.thrower_thread_id(), 9U);
-    EXPECT_EQ(failure.trace_records().count({trace_event_t::context_added, "why"}), 2U);
-    EXPECT_EQ(failure.trace_records().count({trace_event_t::thrown, "why"}), 0U);
+    EXPECT_THAT(failure.trace_records().counts,
+                testing::ElementsAre(testing::Pair(trace_record_t{trace_event_t::context_added, "why"}, 2U)));
     std::ostringstream stream;
     failure.write(stream);
     EXPECT_EQ(stream.str(), form);

@@ -18,12 +18,19 @@ HOOK(kernel32, DeviceIoControl)
 HOOK(kernel32, GetModuleFileNameW)
 HOOK(kernel32, GetModuleHandleExW)
 
-static const struct {
-    DWORD tag;
-    USHORT data_size, reserved, name_at, name_size, shown_at, shown_size;
-    DWORD is_relative;
-    wchar_t name[15];
-} link = {IO_REPARSE_TAG_SYMLINK, 42, 0, 0, 28, 0, 28, 0, L"D:\\links\\t.exe"};
+namespace {
+
+// What the system stores of a symbolic link.
+struct link_t {
+    explicit link_t(const std::wstring& target) : size(static_cast<USHORT>(target.size() * sizeof(wchar_t))) {
+        target.copy(name, target.size());
+    }
+
+    DWORD tag = IO_REPARSE_TAG_SYMLINK;
+    USHORT data_size = sizeof(link_t) - 8, reserved = 0, name_at = 0, size, shown_at = 0, shown_size = size;
+    DWORD is_relative = 0;
+    wchar_t name[20] = L"";
+};
 
 TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) {
     test_support::CTestRegistry registry;
@@ -46,11 +53,17 @@ TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) 
     registry.SetText(plugin::plugin_registry_key, L"LinkTargetPath", L"");
     expect(folder, {no_text, by_module});
 
-    DeviceIoControl_hook::replacement = [](auto file, auto, auto, auto, void* out, auto, DWORD* size, auto) {
-        std::memcpy(out, &link, *size = sizeof link);
-        return file != INVALID_HANDLE_VALUE;
-    };
-    expect(L"D:\\links", {no_text, by_module, "Path to executable [" + shown + "] is symlink to [D:\\links\\t.exe]"});
+    for (const auto& [target, linked] : {std::pair<std::wstring, std::wstring>(L"D:/links\\t.exe", L"D:\\links"),
+                                         {L"..\\b\\t.exe", platform::parent_of(folder) + L"\\b"},
+                                         {L"t.exe", folder}}) {
+        DeviceIoControl_hook::replacement = [&](auto file, auto, auto, auto, void* out, auto, DWORD* size, auto) {
+            const link_t link(target);
+            std::memcpy(out, &link, *size = sizeof link);
+            return file != INVALID_HANDLE_VALUE;
+        };
+        expect(linked, {no_text, by_module,
+                        "Path to executable [" + shown + "] is symlink to [" + encoding::wide_to_utf8(target) + "]"});
+    }
     DeviceIoControl_hook::Fail(ERROR_NOT_A_REPARSE_POINT);
     const HMODULE other = GetModuleHandleW(L"kernel32.dll");
     GetModuleHandleExW_hook::replacement = [=](auto, auto, HMODULE* module) { return (*module = other) != nullptr; };
@@ -69,3 +82,5 @@ TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) 
     registry.SetText(plugin::plugin_registry_key, L"LinkTargetPath", L"D:\\links \u4e2d");
     expect(L"D:\\links \u4e2d", {"Target link path: D:\\links \u4e2d"});
 }
+
+}  // namespace
