@@ -27,30 +27,31 @@ TEST_F(DemoLibrary, ValidatesAccountAndHost) {
 TEST_F(DemoLibrary, ValidatesNumbersAndRepositoriesInBothModes) {
     host.Scenario("<Server lowestParallelism='2' highestParallelism='16'/>");
     wizard.InitializeWizard();
+    const std::vector<std::wstring> four = {L"REP-0001", L"REP-0002", L"REP-0003", L"REP-0004"};
+    const std::pair<std::vector<std::wstring>, const wchar_t*> selections[] = {
+        {four, L"ok"},
+        {{}, L"No repository is selected: at least one is needed."},
+        {{L"1", L"2", L"3", L"4", L"5"}, L"5 repositories are not allowed: at most 4 can be selected."},
+        {{L"REP-0002", L"REP-0002"}, L"The repository [REP-0002] is selected twice: each copy needs one of its own."},
+        {{L"rep-0001"},
+         L"The repository [rep-0001] is not known to the backup server. Known repositories: REP-0001, REP-0002, "
+         L"REP-0003, REP-0004, REP-0005."},
+    };
     for (CConfigToolLibCaller* caller : {&direct, &wizard}) {
         for (const int good : {1, 65535}) caller->SetPort(good);
         for (const int bad : {0, 65536, -1})
             EXPECT_EQ(Answer([&] { caller->SetPort(bad); }),
                       L"The port " + std::to_wstring(bad) + L" is not allowed: ports are 1 to 65535.");
         for (const int good : {2, 16}) caller->SetParallelism(good);
-        for (const int bad : {1, 17, -1})
+        for (const int bad : {1, 17})
             EXPECT_EQ(Answer([&] { caller->SetParallelism(bad); }),
                       L"The parallelism " + std::to_wstring(bad) + L" is not allowed: it is 2 to 16.");
-        EXPECT_EQ(Select(*caller, {}), L"No repository is selected: at least one is needed.");
-        EXPECT_EQ(Select(*caller, {L"REP-0001", L"REP-0002", L"REP-0003", L"REP-0004"}), L"ok");
-        EXPECT_EQ(Select(*caller, {L"REP-0001", L"REP-0002", L"REP-0003", L"REP-0004", L"REP-0005"}),
-                  L"5 repositories are not allowed: at most 4 can be selected.");
-        EXPECT_EQ(Select(*caller, {L"REP-0002", L"REP-0002"}),
-                  L"The repository [REP-0002] is selected twice: each copy needs one of its own.");
-        EXPECT_EQ(Select(*caller, {L"rep-0001"}),
-                  L"The repository [rep-0001] is not known to the backup server. Known repositories: REP-0001, "
-                  L"REP-0002, REP-0003, REP-0004, REP-0005.");
+        for (const auto& [ids, answer] : selections) EXPECT_EQ(Select(*caller, ids), answer);
     }
     EXPECT_EQ(wizard.GetParallelismRangeString(), L"2-16");
     host.Scenario("<Server edition='1'/>");
-    EXPECT_EQ(Select(direct, {L"REP-0001", L"REP-0002"}), L"ok");
-    EXPECT_EQ(Select(wizard, {L"REP-0001", L"REP-0002"}),
-              L"2 repositories are not allowed: Oracle Standard Edition (SE) is limited to one.");
+    EXPECT_EQ(Select(direct, four), L"ok");
+    EXPECT_EQ(Select(wizard, four), L"4 repositories are not allowed: Oracle Standard Edition (SE) is limited to one.");
 }
 
 TEST_F(DemoLibrary, ReportsAWrongScenario) {

@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/exceptions.h"
 #include "common/exc/raise.h"
 #include "tests/support/hook.h"
 
@@ -42,10 +41,6 @@ TEST_F(Convert, RoundTripsAndEndsAtANull) {
     const std::string narrow = "a\xc3\xa4\xe4\xb8\xad\xf0\x9f\x98\x80z";
     EXPECT_EQ(utf8_to_wide(narrow), wide);
     EXPECT_EQ(wide_to_utf8(wide), narrow);
-    for (const std::size_t size : {0U, 1U, 63U, 64U, 65535U, 65536U, 1000000U}) {
-        const std::wstring source(size, L'\u4e2d');
-        EXPECT_EQ(utf8_to_wide(wide_to_utf8(source)), source) << size;
-    }
     EXPECT_EQ(ansi_to_wide(wide_to_ansi(L"plain")), L"plain");
     EXPECT_EQ(wide_to_utf8(std::wstring(L"a\0b", 3)), "a");
     EXPECT_EQ(wide_to_ansi(std::wstring(L"a\0b", 3)), "a");

@@ -3,7 +3,6 @@
 #include <cstring>
 #include <filesystem>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "common/encoding/convert.h"
@@ -34,24 +33,25 @@ struct link_t {
 
 TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) {
     test_support::CTestRegistry registry;
-    const auto expect = [](const std::wstring& directory, const std::vector<std::string>& lines) {
+    const auto expect = [](const std::wstring& directory, const std::string& lines) {
         const test_support::CRecordedLog log;
         EXPECT_EQ(plugin::find_working_directory(), directory);
-        EXPECT_EQ(log.lines(), lines);
+        EXPECT_EQ(log.Text(), lines);
     };
     const std::wstring program = platform::program_path(), folder = platform::parent_of(program);
     const std::string shown = encoding::wide_to_utf8(program);
-    const std::string no_text =
-        "Cannot find target link path in the registry: The registry value is not a text or is empty.";
-    const std::string by_module = "Getting current directory by module path [" + shown + "]";
-    expect(folder, {"Cannot find target link path in the registry: " + exc::get_error_text(ERROR_FILE_NOT_FOUND),
-                    "Cannot open registry key [SOFTWARE\\Tovak\\Tovak RMAN Plugin].", "--tr:Error code: 0x00000002",
-                    by_module});
+    const std::string not_found = "Cannot find target link path in the registry: ";
+    const std::string no_text = not_found + "The registry value is not a text or is empty.\n";
+    const std::string by_module = "Getting current directory by module path [" + shown + "]\n";
+    expect(folder, not_found + exc::get_error_text(ERROR_FILE_NOT_FOUND) +
+                       "\nCannot open registry key [SOFTWARE\\Tovak\\Tovak RMAN Plugin].\n"
+                       "--tr:Error code: 0x00000002\n" +
+                       by_module);
     const DWORD number = 1;
     registry.Set(plugin::plugin_registry_key, L"LinkTargetPath", REG_DWORD, &number, sizeof number);
-    expect(folder, {no_text, by_module});
+    expect(folder, no_text + by_module);
     registry.SetText(plugin::plugin_registry_key, L"LinkTargetPath", L"");
-    expect(folder, {no_text, by_module});
+    expect(folder, no_text + by_module);
 
     for (const auto& [target, linked] : {std::pair<std::wstring, std::wstring>(L"D:/links\\t.exe", L"D:\\links"),
                                          {L"..\\b\\t.exe", platform::parent_of(folder) + L"\\b"},
@@ -61,26 +61,26 @@ TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) 
             std::memcpy(out, &link, *size = sizeof link);
             return file != INVALID_HANDLE_VALUE;
         };
-        expect(linked, {no_text, by_module,
-                        "Path to executable [" + shown + "] is symlink to [" + encoding::wide_to_utf8(target) + "]"});
+        expect(linked, no_text + by_module + "Path to executable [" + shown + "] is symlink to [" +
+                           encoding::wide_to_utf8(target) + "]\n");
     }
     DeviceIoControl_hook::Fail(ERROR_NOT_A_REPARSE_POINT);
     const HMODULE other = GetModuleHandleW(L"kernel32.dll");
     GetModuleHandleExW_hook::replacement = [=](auto, auto, HMODULE* module) { return (*module = other) != nullptr; };
     const std::wstring library = platform::module_path(other);
     expect(platform::parent_of(library),
-           {no_text, "Getting current directory by dynamic lib path [" + encoding::wide_to_utf8(library) + "]"});
+           no_text + "Getting current directory by dynamic lib path [" + encoding::wide_to_utf8(library) + "]\n");
     GetModuleHandleExW_hook::replacement = nullptr;
     GetModuleFileNameW_hook::Fail(ERROR_MOD_NOT_FOUND);
     const std::wstring current = std::filesystem::current_path().wstring();
-    expect(current,
-           {no_text, "WARN|" + exc::get_error_text(ERROR_MOD_NOT_FOUND), "WARN|Cannot get module path.",
-            "WARN|--tr:Error code: 0x0000007e",
-            "Failed to get current directory path. Temporary value [" + encoding::wide_to_utf8(current) + "]"});
+    expect(current, no_text + "WARN|" + exc::get_error_text(ERROR_MOD_NOT_FOUND) +
+                        "\nWARN|Cannot get module path.\nWARN|--tr:Error code: 0x0000007e\n"
+                        "Failed to get current directory path. Temporary value [" +
+                        encoding::wide_to_utf8(current) + "]\n");
     GetModuleFileNameW_hook::replacement = nullptr;
 
     registry.SetText(plugin::plugin_registry_key, L"LinkTargetPath", L"D:\\links \u4e2d");
-    expect(L"D:\\links \u4e2d", {"Target link path: D:\\links \u4e2d"});
+    expect(L"D:\\links \u4e2d", "Target link path: D:\\links \u4e2d\n");
 }
 
 }  // namespace

@@ -38,6 +38,13 @@ public:
     const std::vector<std::string>& lines() const { return sink_->lines; }
     void Clear() { sink_->lines.clear(); }
 
+    // Each line with a line feed behind it.
+    std::string Text() const {
+        std::string text;
+        for (const std::string& line : lines()) text += line + "\n";
+        return text;
+    }
+
 private:
     const boost::shared_ptr<recording_sink_t> sink_ = boost::make_shared<recording_sink_t>();
 };
