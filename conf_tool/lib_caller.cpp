@@ -33,11 +33,11 @@ const char* LoadingText(CallerMode mode) {
 // it, after the results have been taken.
 class CCall {
 public:
-    CCall(const char* name, FreeStringFn free_string) : CCall(name, name, free_string) {}
-    CCall(const char* name, const char* failure_name, FreeStringFn free_string)
+    CCall(const char* name, FunctionTable& functions) : CCall(name, name, functions) {}
+    CCall(const char* name, const char* failure_name, FunctionTable& functions)
         : scope_(ormacon_tool, exc::format_message("Calling %1 function", name),
                  exc::format_message("Failed to call %1 function", failure_name)),
-          free_string_(free_string) {}
+          functions_(functions) {}
 
     // What a failure's text must not show.
     void Conceal(const std::wstring& secret) { secret_ = secret; }
@@ -48,13 +48,13 @@ public:
         if (function(arguments..., &error) != 0) exc::raise(TakeErrorText(error));
     }
 
-    std::wstring Take(LibraryText text) const { return CLibraryText(text, free_string_).Get(); }
+    std::wstring Take(LibraryText text) const { return CLibraryText(text, functions_.FreeString).Get(); }
 
     void Succeed() { scope_.succeed(); }
 
 private:
     std::string TakeErrorText(LibraryError error) const {
-        const CLibraryText text(error, free_string_);
+        const CLibraryText text(error, functions_.FreeString);
         if (!text) return "Configuration library returned an unknown error";
         std::wstring shown = text.Get();
         const platform::wipe_at_exit_t wipe_shown(shown);
@@ -63,7 +63,7 @@ private:
     }
 
     logging::method_scope_t scope_;
-    const FreeStringFn free_string_;
+    FunctionTable& functions_;
     std::wstring_view secret_;
 };
 
@@ -76,7 +76,21 @@ void LogReceived(const RepositoryEntry& entry) {
 
 }  // namespace
 
-CConfigToolLibCaller::CConfigToolLibCaller(CallerMode mode) {
+CConfigToolLibCaller::CConfigToolLibCaller(CallerMode mode) { Load(mode); }
+
+CConfigToolLibCaller::~CConfigToolLibCaller() noexcept(false) {
+    if (std::uncaught_exceptions() == 0) {
+        Unload();
+        return;
+    }
+    try {
+        Unload();
+    } catch (const std::exception& failure) {
+        logging::log_exception(ormacon_tool, failure);
+    }
+}
+
+void CConfigToolLibCaller::Load(CallerMode mode) {
     logging::method_scope_t scope(ormacon_tool, LoadingText(mode));
     module_ = LoadLibraryW(L"OrmaconLib.dll");
     if (module_ == nullptr) exc::raise_win_error(GetLastError(), "Failed to load configuration library");
@@ -85,15 +99,6 @@ CConfigToolLibCaller::CConfigToolLibCaller(CallerMode mode) {
         exc::format_message("Configuration library: [%1]", encoding::wide_to_utf8(platform::module_path(module_))));
     functions_ = ResolveExports(module_, mode);
     scope.succeed();
-}
-
-CConfigToolLibCaller::~CConfigToolLibCaller() noexcept(false) {
-    try {
-        Unload();
-    } catch (const std::exception& failure) {
-        if (std::uncaught_exceptions() == 0) throw;
-        logging::log_exception(ormacon_tool, failure);
-    }
 }
 
 void CConfigToolLibCaller::Unload() {
@@ -107,14 +112,14 @@ void CConfigToolLibCaller::Unload() {
 
 template <class Function, class... Arguments>
 void CConfigToolLibCaller::Call(const char* name, Function function, Arguments... arguments) {
-    CCall call(name, functions_.FreeString);
+    CCall call(name, functions_);
     call.Invoke(function, arguments...);
     call.Succeed();
 }
 
 template <class Function, class... Arguments>
 std::wstring CConfigToolLibCaller::CallForText(const char* name, Function function, Arguments... further) {
-    CCall call(name, functions_.FreeString);
+    CCall call(name, functions_);
     LibraryText text = nullptr;
     call.Invoke(function, &text, further...);
     std::wstring result = call.Take(text);
@@ -126,7 +131,7 @@ void CConfigToolLibCaller::InitializeWizard() { Call("InitializeWizard", functio
 
 void CConfigToolLibCaller::SetCredentials(const std::wstring& domain, const std::wstring& user_name,
                                           const std::wstring& password) {
-    CCall call("SetCredentials", functions_.FreeString);
+    CCall call("SetCredentials", functions_);
     call.Conceal(password);
     call.Invoke(functions_.SetCredentials, domain.c_str(), user_name.c_str(), password.c_str());
     call.Succeed();
@@ -137,7 +142,7 @@ void CConfigToolLibCaller::SetHost(const std::wstring& host) { Call("SetHost", f
 void CConfigToolLibCaller::SetPort(int port) { Call("SetPort", functions_.SetPort, port); }
 
 void CConfigToolLibCaller::SetRepositories(const std::vector<RepositoryEntry>& repositories) {
-    CCall call("SetRepositories", functions_.FreeString);
+    CCall call("SetRepositories", functions_);
     const auto records = ToLibraryRecords(repositories);
     call.Invoke(functions_.SetRepositories, records.empty() ? nullptr : records.data(),
                 static_cast<std::int32_t>(records.size()));
@@ -150,7 +155,7 @@ void CConfigToolLibCaller::SetParallelism(int parallelism) {
 
 void CConfigToolLibCaller::GetConfig(ConfigurationSnapshot& into) {
     // The spelling of this operation's failure line is fixed from outside.
-    CCall call("GetConfig", "CallGetConfig", functions_.FreeString);
+    CCall call("GetConfig", "CallGetConfig", functions_);
     LibraryText user_name = nullptr;
     LibraryText domain = nullptr;
     LibraryText password = nullptr;
@@ -174,7 +179,7 @@ void CConfigToolLibCaller::GetConfig(ConfigurationSnapshot& into) {
 }
 
 void CConfigToolLibCaller::GetTBRRepositories(std::vector<RepositoryEntry>& into) {
-    CCall call("GetTBRRepositories", functions_.FreeString);
+    CCall call("GetTBRRepositories", functions_);
     LibraryRecords records = nullptr;
     std::int32_t count = 0;
     call.Invoke(functions_.GetTBRRepositories, &records, &count);
@@ -200,7 +205,7 @@ std::wstring CConfigToolLibCaller::GetResult() {
 }
 
 MapBackupResult CConfigToolLibCaller::MapBackup() {
-    CCall call("MapBackup", functions_.FreeString);
+    CCall call("MapBackup", functions_);
     MapBackupResult result;
     LibraryText text = nullptr;
     call.Invoke(functions_.MapBackup, &result.code, &text);

@@ -58,6 +58,8 @@ public:
     void Uninstall();
 
 private:
+    void Load(CallerMode mode);
+
     template <class Function, class... Arguments>
     void Call(const char* name, Function function, Arguments... arguments);
     template <class Function, class... Arguments>

@@ -97,7 +97,8 @@ std::wstring Ask(const std::wstring& prompt, const std::wstring& default_answer)
 
 IConsoleDevice& ConsoleDevice() {
     static CWindowsConsole windows_console;
-    return StandIn() != nullptr ? *StandIn() : windows_console;
+    if (StandIn() == nullptr) return windows_console;
+    return *StandIn();
 }
 
 void UseConsoleDevice(IConsoleDevice* device) { StandIn() = device; }
