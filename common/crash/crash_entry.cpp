@@ -146,7 +146,7 @@ void handle_crash(const failure_t& failure) noexcept {
     // Once for each thread that handles the crash: the one before may be the one that keeps the log's lock.
     const DWORD self = GetCurrentThreadId();
     if (std::exchange(state.logging_thread, self) != self) {
-        logging::begin_crash_logging(failure.thread_id, longest_log_wait);
+        logging::process_logger().seize(failure.thread_id, longest_log_wait);
     }
     while (state.next_stage < std::size(stages)) stages[state.next_stage++](state);
 }

@@ -21,14 +21,14 @@ cout_multiplexor_t::int_type cout_multiplexor_t::overflow(int_type character) {
 }
 
 std::streamsize cout_multiplexor_t::xsputn(const char* text, std::streamsize size) {
-    constexpr std::size_t longest_line = 65'536;
+    constexpr std::size_t max_line_size = 65'536;
     std::string lines;
     std::streamsize written = 0;
     {
         const std::lock_guard guard(mutex_);
         written = original_->sputn(text, size);
         unfinished_.append(text, static_cast<std::size_t>(written));
-        if (unfinished_.size() > longest_line) unfinished_ += '\n';
+        if (unfinished_.size() > max_line_size) unfinished_ += '\n';
         const std::size_t end = unfinished_.rfind('\n') + 1;  // 0 when there is none
         lines = unfinished_.substr(0, end);
         unfinished_.erase(0, end);

@@ -24,14 +24,14 @@ constexpr unsigned portion = 64 * 1024;
 constexpr const char* unopened = "Failed to open GZ archive [%1].";
 constexpr const char* unfinished = "Cannot close GZ archive [%1].";
 
-struct gzip_holder_t {
+struct gzip_traits_t {
     using type = gzFile;
     static type invalid() noexcept { return nullptr; }
     static void close(type value) noexcept { gzclose(value); }
 };
-using unique_gzip = platform::unique_t<gzip_holder_t>;
+using unique_gzip = platform::unique_t<gzip_traits_t>;
 
-[[noreturn]] void fail_in_zlib(int code, const char* sentence, const std::wstring& path) {
+[[noreturn]] void raise_zlib_error(int code, const char* sentence, const std::wstring& path) {
     exc::runtime_exc_t failure;
     if (code == Z_ERRNO) failure.add_text(std::strerror(errno));
     failure.add_text(exc::format_message(sentence, encoding::wide_to_utf8(path)));
@@ -51,7 +51,7 @@ platform::unique_file open_file(const std::wstring& path, DWORD access, DWORD sh
 // the same file.
 unique_gzip open_gzip(const std::wstring& path, const char* mode) {
     unique_gzip archive(gzopen_w(platform::system_path(path).c_str(), mode));
-    if (!archive) fail_in_zlib(Z_ERRNO, unopened, path);
+    if (!archive) raise_zlib_error(Z_ERRNO, unopened, path);
     gzbuffer(archive.get(), portion);
     return archive;
 }
@@ -98,9 +98,9 @@ void gzip_file(const std::wstring& source, const std::wstring& target, std::uint
         if (gzwrite(archive.get(), data.data(), count) == static_cast<int>(count)) continue;
         int code = Z_OK;
         gzerror(archive.get(), &code);
-        fail_in_zlib(code, "Cannot add data to the GZ archive [%1].", target);
+        raise_zlib_error(code, "Cannot add data to the GZ archive [%1].", target);
     }
-    if (const int code = gzclose(archive.release()); code != Z_OK) fail_in_zlib(code, unfinished, target);
+    if (const int code = gzclose(archive.release()); code != Z_OK) raise_zlib_error(code, unfinished, target);
     if (!FlushFileBuffers(created.get())) exc::raise_path_error(GetLastError(), unfinished, target);
 }
 
@@ -121,11 +121,9 @@ bool unpacks_to(const std::wstring& archive, const std::wstring& source, std::ui
     return gzread(packed.get(), unpacked.data(), 1) == 0 && gzclose(packed.release()) == Z_OK;
 }
 
-constexpr const wchar_t* log_extension = L".log";
+constexpr const wchar_t* archive_extension = L".log.gz";
 
-std::wstring without_extension(const std::wstring& log_path) {
-    return log_path.ends_with(log_extension) ? log_path.substr(0, log_path.size() - 4) : log_path;
-}
+std::wstring without_extension(const std::wstring& log_path) { return log_path.substr(0, log_path.rfind(L".log")); }
 
 // The archive that has been aged this many times.
 std::wstring archive_path(const std::wstring& log_path, std::uint32_t age) {
@@ -144,7 +142,8 @@ class ageing_t {
 public:
     ageing_t(const std::wstring& log_path, std::uint32_t limit) : log_path_(log_path), limit_(limit) {}
 
-    freed_place_t run() const {
+    // Returns the place for the newest archive.
+    new_archive_t run() const {
         found_t found = find_names();
         std::vector<std::uint32_t> places;
         std::string obstacle;
@@ -172,7 +171,7 @@ private:
         WIN32_FIND_DATAW entry{};
         const std::wstring pattern = platform::system_path(without_extension(log_path_) + L".*");
         const platform::unique_find search(FindFirstFileW(pattern.c_str(), &entry));
-        if (!search) refuse(0, GetLastError());  // at least the log itself is there
+        if (!search) raise_unaged(0, GetLastError());  // at least the log itself is there
         do {
             const std::wstring name = entry.cFileName;
             if (name.size() <= stem_size) continue;
@@ -180,7 +179,7 @@ private:
             const std::wstring path = archive_path(log_path_, age);
             if (platform::same_path(name, path.substr(folder_size))) found.emplace(age, platform::obstacle_at(path));
         } while (FindNextFileW(search.get(), &entry));
-        if (const DWORD code = GetLastError(); code != ERROR_NO_MORE_FILES) refuse(0, code);
+        if (const DWORD code = GetLastError(); code != ERROR_NO_MORE_FILES) raise_unaged(0, code);
         return found;
     }
 
@@ -190,14 +189,14 @@ private:
         const bool full = free == places.end();
         auto surplus = full ? archives.find(places.back()) : archives.upper_bound(places.back());
         for (; surplus != archives.end(); ++surplus)
-            if (!delete_file(archive_path(log_path_, surplus->first))) refuse(surplus->first, GetLastError());
+            if (!delete_file(archive_path(log_path_, surplus->first))) raise_unaged(surplus->first, GetLastError());
         for (auto to = full ? free - 1 : free; to != places.begin(); --to)
             if (!move_file(archive_path(log_path_, to[-1]), archive_path(log_path_, *to))) {
-                refuse(to[-1], GetLastError());
+                raise_unaged(to[-1], GetLastError());
             }
     }
 
-    [[noreturn]] void refuse(std::uint32_t age, DWORD code) const {
+    [[noreturn]] void raise_unaged(std::uint32_t age, DWORD code) const {
         exc::raise_win_error(code,
                              exc::format_message("Cannot age file. File path: [%1]. Extension: [%2]. Ages limit: [%3].",
                                                  {encoding::wide_to_utf8(archive_path(log_path_, age)),
@@ -208,11 +207,11 @@ private:
     std::uint32_t limit_;
 };
 
-constexpr std::uint32_t most_obstacles = 1000;
+constexpr std::uint32_t max_obstacles = 1000;
 
 std::wstring newest_archive(const std::wstring& log_path) {
     std::uint32_t age = 0;
-    while (age < most_obstacles && !platform::obstacle_at(archive_path(log_path, age)).empty()) ++age;
+    while (age < max_obstacles && !platform::obstacle_at(archive_path(log_path, age)).empty()) ++age;
     return archive_path(log_path, age);
 }
 
@@ -220,25 +219,22 @@ std::wstring newest_archive(const std::wstring& log_path) {
 std::wstring free_temporary_path(const std::wstring& log_path) {
     for (std::uint32_t number = 0;; ++number) {
         std::wstring path = archive_path(log_path, number) + L".tmp";
-        if (number == most_obstacles || delete_file(path) || GetLastError() == ERROR_FILE_NOT_FOUND) return path;
+        if (number == max_obstacles || delete_file(path) || GetLastError() == ERROR_FILE_NOT_FOUND) return path;
     }
 }
 
 }  // namespace
 
-freed_place_t age_archives(const std::wstring& log_path, std::uint32_t limit) {
-    return ageing_t(log_path, limit).run();
-}
-
-freed_place_t archive_log(const std::wstring& log_path, std::uint64_t size, std::uint32_t limit) {
-    if (limit == 0) return age_archives(log_path, limit);
+new_archive_t archive_log(const std::wstring& log_path, std::uint64_t size, std::uint32_t limit) {
+    const ageing_t ageing(log_path, limit);
+    if (limit == 0) return ageing.run();
     const std::wstring temporary = free_temporary_path(log_path);
     try {
         gzip_file(log_path, temporary, size);
-        freed_place_t place = age_archives(log_path, limit);
-        if (!move_file(temporary, place.path))
+        new_archive_t archive = ageing.run();
+        if (!move_file(temporary, archive.path))
             exc::raise_path_error(GetLastError(), "Cannot rename archive [%1].", temporary);
-        return place;
+        return archive;
     } catch (...) {
         delete_file(temporary);
         throw;
@@ -249,12 +245,6 @@ bool is_archived(const std::wstring& log_path, std::uint64_t size) noexcept try 
     return size > 0 && unpacks_to(newest_archive(log_path), log_path, size);
 } catch (const std::exception&) {
     return false;
-}
-
-void withdraw_archive(const std::wstring& archive) noexcept try {
-    delete_file(archive);
-} catch (const std::exception&) {
-    // The log file still holds the same lines: they are kept twice.
 }
 
 }  // namespace logging

@@ -8,7 +8,7 @@
 
 namespace logging {
 
-// what() at the warning level; "Exception message is not available." at the error level if there is none.
+// what() at the warning level; a sentence of its own at the error level if there is none.
 void log_exception(const component_t& component, const std::exception& exception) noexcept;
 
 // The prefix, "\n" and what() at the warning level.

@@ -2,6 +2,10 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
 
 #include "common/logging/log_settings.h"
 #include "common/logging/sink.h"
@@ -11,8 +15,8 @@ namespace logging::receiver {
 
 // Appends lines to a file, and moves its content into an archive when the file has reached its size limit. All lines of
 // a record are written in one operation, completely or not at all. The log reports its own problems, as warnings before
-// the next record that can be written: "Cannot compress log file. Log: [%1]." and the cause, only once until archiving
-// works again, and "Records that could not be written to the log: %1.".
+// the next record that can be written: why it cannot be archived, only once until archiving works again, and how many
+// records are missing.
 class log_file_t : public sink_t {
 public:
     explicit log_file_t(const size_limits_t& limits);
@@ -26,8 +30,8 @@ public:
     // warnings and lost records, and warns of the lock.
     void follow(const log_file_t& locked);
 
-    // Returns "Records that could not be written to the log: %1." and why the last of them could not, or an empty text
-    // if all were written.
+    // Returns how many records could not be written, and why the last of them could not; an empty text if none is
+    // missing.
     std::string lost_records() const;
 
     virtual const std::wstring& path() const = 0;
@@ -66,9 +70,7 @@ class win_log_file_t : public log_file_t {
 public:
     // Opens or creates the file in an existing folder, without following a link. If an earlier process was killed after
     // it had archived the log and before it could empty it, empties it now; if one was killed within a line, ends that
-    // line. Throws exc::file_locked_exc_t "Log file is locked. Log path: [%1]." if the file is in use, what
-    // open_log_file() throws, and exc::win_sys_exc_t "Cannot open log file. Log path: [%1]." or
-    // "Unable to validate log size limit. Log path: [%1].".
+    // line. Throws exc::file_locked_exc_t if the file is in use, what open_log_file() throws, and exc::win_sys_exc_t.
     win_log_file_t(const std::wstring& path, const size_limits_t& limits);
 
     const std::wstring& path() const override { return path_; }
@@ -80,10 +82,8 @@ protected:
 
 private:
     void move_to_end();
-    bool cut(std::uint64_t size) noexcept;
+    bool truncate(std::uint64_t size) noexcept;
     void end_last_line() noexcept;
-    [[noreturn]] void fail(DWORD code, const char* sentence) const;
-    [[noreturn]] void raise_locked(DWORD code) const;
 
     std::wstring path_;
     platform::unique_file file_;
@@ -91,3 +91,35 @@ private:
 };
 
 }  // namespace logging::receiver
+
+namespace logging {
+
+// Writes one log to the first of several files that is not locked. If a reader locks the end of that file, goes on in
+// the next one.
+class log_file_set_t : public receiver::sink_t {
+public:
+    // Opens the file. One that is not trusted (see open_log_file()) is skipped too; a warning in the log says so.
+    // Throws exc::file_locked_exc_t if all are locked or skipped, exc::runtime_exc_t if there are no paths, and
+    // exc::win_sys_exc_t if a file cannot be opened for another reason.
+    log_file_set_t(std::vector<std::wstring> paths, const size_limits_t& limits);
+
+    // If records are missing, prints to standard error how many and why.
+    ~log_file_set_t() override;
+
+    // Returns "Name.log" and, for programs that run at the same time, "Name_2.log" to "Name_10.log".
+    static std::vector<std::wstring> numbered(const std::wstring& first_path);
+
+    void write(const line_head_t& head, const record_t& record) override;
+
+    // Returns the path of the file in use. Any thread may ask.
+    std::wstring path() const;
+
+private:
+    boost::shared_ptr<receiver::log_file_t> open_first() const;
+
+    std::vector<std::wstring> paths_;
+    size_limits_t limits_;
+    boost::shared_ptr<receiver::log_file_t> file_;  // exchanged atomically
+};
+
+}  // namespace logging

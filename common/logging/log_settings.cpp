@@ -18,7 +18,7 @@ namespace {
 
 constexpr const wchar_t* product_key = L"SOFTWARE\\Tovak\\Tovak Central";
 
-struct argument_list_holder_t {
+struct argument_list_traits_t {
     using type = wchar_t**;
     static type invalid() noexcept { return nullptr; }
     // The arguments may contain a password.
@@ -37,18 +37,6 @@ std::wstring common_application_data() {
     return path.data();
 }
 
-std::optional<std::uint64_t> log_size() {
-    const auto value = platform::find_registry_value(product_key, L"AgentMaxLogSize");
-    if (!value) return std::nullopt;
-    if (const auto number = value->dword()) return *number;
-    return value->qword();
-}
-
-std::optional<std::uint32_t> archive_count() {
-    const auto value = platform::find_registry_value(product_key, L"AgentMaxLogCount");
-    return value ? value->dword() : std::nullopt;
-}
-
 }  // namespace
 
 std::wstring base_log_directory() {
@@ -63,11 +51,15 @@ std::wstring log_folder_path(const std::wstring& folder) {
 }
 
 size_limits_t read_size_limits() {
-    constexpr std::uint32_t most_archives = 1000;
-    const auto size = log_size();
-    const auto count = archive_count();
+    constexpr std::uint32_t max_archives = 1000;
+    const auto size_value = platform::find_registry_value(product_key, L"AgentMaxLogSize");
+    const auto count_value = platform::find_registry_value(product_key, L"AgentMaxLogCount");
+    if (!size_value || !count_value) return {};
+    std::optional<std::uint64_t> size = size_value->dword();
+    if (!size) size = size_value->qword();
+    const auto count = count_value->dword();
     if (!size || !count) return {};
-    return {*size, std::min(*count, most_archives)};
+    return {*size, std::min(*count, max_archives)};
 }
 
 const size_limits_t& process_size_limits() {
@@ -77,7 +69,7 @@ const size_limits_t& process_size_limits() {
 
 command_switches_t find_switches(const wchar_t* command_line) {
     int count = 0;
-    const platform::unique_t<argument_list_holder_t> arguments(CommandLineToArgvW(command_line, &count));
+    const platform::unique_t<argument_list_traits_t> arguments(CommandLineToArgvW(command_line, &count));
     if (!arguments) exc::raise_win_error(GetLastError(), "Cannot split the command line.");
     command_switches_t found;
     for (int i = 1; i < count; ++i) {

@@ -12,7 +12,7 @@ struct size_limits_t {
 };
 
 // Returns "LogDirectory" or, if it is missing, the folder "Tovak\Backup" of the common application data. Throws
-// exc::win_sys_exc_t "Cannot get the common application-data folder.".
+// exc::win_sys_exc_t if the system does not say where that is.
 std::wstring base_log_directory();
 
 // Returns the full path of the folder below it, which contains logs and dumps. Throws like base_log_directory().

@@ -78,8 +78,4 @@ logger_t& process_logger() noexcept {
     return *logger;
 }
 
-void begin_crash_logging(std::uint32_t crashed_thread, std::chrono::milliseconds wait) noexcept {
-    process_logger().seize(crashed_thread, wait);
-}
-
 }  // namespace logging

@@ -12,7 +12,6 @@
 
 #include "common/logging/cout_multiplexor.h"
 #include "common/logging/sink.h"
-#include "common/logging/time_stamp.h"
 
 namespace logging {
 
@@ -38,10 +37,14 @@ public:
     // must still exist then, and no other thread may use it during either of the two calls.
     void multiplex(std::ostream& stream);
 
-    // Logs "Clearing collection of cout multiplexors." and ends the copying.
+    // Says in the log that it ends the copying, and ends it.
     void clear_multiplexors() noexcept;
 
-    // See begin_crash_logging().
+    // Called by the thread that handles a crash, before it logs. Waits for the log's lock at most this long and keeps
+    // it for good: other threads that log block. Records of the handling thread then carry crashed_thread (a Win32
+    // thread id). They skip a sink that the crash happened in; the other sinks get them. When the lock is not available
+    // in time, the log is silent from then on: every record of every thread is dropped, and nothing waits for the log.
+    // There is no way back: the process must end without running destructors of static objects (TerminateProcess).
     void seize(std::uint32_t crashed_thread, std::chrono::milliseconds wait) noexcept;
 
 private:
@@ -63,12 +66,5 @@ private:
 // Returns the one logger of the process, which every component logs to. The debugger output is attached to it from the
 // start. It is never destroyed, because static objects log while the process ends.
 logger_t& process_logger() noexcept;
-
-// Called by the thread that handles a crash, before it logs. Waits for the log's lock at most this long and keeps it
-// for good: other threads that log block. Records of the handling thread then carry crashed_thread (a Win32 thread id).
-// They skip a sink that the crash happened in; the other sinks get them. When the lock is not available in time, the
-// log is silent from then on: every record of every thread is dropped, and nothing waits for the log. There is no way
-// back: the process must end without running destructors of static objects (TerminateProcess).
-void begin_crash_logging(std::uint32_t crashed_thread, std::chrono::milliseconds wait) noexcept;
 
 }  // namespace logging

@@ -11,7 +11,7 @@ namespace logging {
 // " Failed.". Starts and successes are logged at level 1, failures at level 4.
 class method_scope_t {
 public:
-    method_scope_t(const component_t& component, std::string text, std::string failure_line = {});
+    method_scope_t(const component_t& component, const std::string& text, std::string failure_line = {});
     ~method_scope_t();
     method_scope_t(const method_scope_t&) = delete;
     method_scope_t& operator=(const method_scope_t&) = delete;
@@ -20,7 +20,7 @@ public:
 
 private:
     const component_t& component_;
-    std::string text_;
+    std::string success_line_;
     std::string failure_line_;
     bool succeeded_ = false;
 };

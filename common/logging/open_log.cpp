@@ -1,7 +1,6 @@
 #include "common/logging/open_log.h"
 
 #include <iostream>
-#include <mutex>
 #include <utility>
 
 #include <boost/make_shared.hpp>
@@ -10,7 +9,7 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/log_exception.h"
-#include "common/logging/log_file_set.h"
+#include "common/logging/log_file.h"
 #include "common/logging/logger.h"
 #include "common/logging/output_sinks.h"
 #include "common/platform/file_trust.h"
@@ -23,19 +22,13 @@ namespace {
 
 // What is attached to the process's logger while the log is open. Never destroyed, like the logger.
 struct attached_t {
-    std::mutex mutex;  // of the file; locked only briefly: a sink may ask for the log's path under the logger's lock
-    boost::shared_ptr<log_file_set_t> file;
+    boost::shared_ptr<log_file_set_t> file;  // exchanged atomically: any thread may ask for the log's path
     boost::shared_ptr<receiver::sink_t> echo;
 };
 
 attached_t& attached() {
     static auto* const created = new attached_t;
     return *created;
-}
-
-boost::shared_ptr<log_file_set_t> exchange_file(boost::shared_ptr<log_file_set_t> next) {
-    const std::lock_guard guard(attached().mutex);
-    return std::exchange(attached().file, std::move(next));
 }
 
 struct close_at_exit_t {
@@ -76,7 +69,7 @@ void attach(const component_t& component, const log_options_t& options) {
         platform::create_directories(folder);  // nothing is created through a link
     const auto file = boost::make_shared<log_file_set_t>(log_file_set_t::numbered(options.path), options.limits);
     process_logger().attach(file);
-    exchange_file(file);
+    boost::atomic_store(&attached().file, file);
     if (options.switches.echo) attach_echo(component);
     if (options.switches.verbose) {
         process_logger().set_lowest_level(level_detail);
@@ -110,8 +103,7 @@ void initialise(const component_t& component, const std::wstring& folder, const 
 }
 
 std::wstring log_path() {
-    const std::lock_guard guard(attached().mutex);
-    if (attached().file) return attached().file->path();
+    if (const auto file = boost::atomic_load(&attached().file)) return file->path();
     exc::raise("Value of the log path is unavailable: log is not initialized yet.");
 }
 
@@ -129,7 +121,7 @@ void close_log() noexcept {
     logger_t& logger = process_logger();
     logger.clear_multiplexors();
     logger.detach(std::exchange(attached().echo, {}));
-    logger.detach(exchange_file({}));
+    logger.detach(boost::atomic_exchange(&attached().file, {}));
     logger.set_lowest_level(level_info);
 }
 

@@ -15,10 +15,10 @@ namespace {
 
 // At most this long, once a second, a monitor or the holder of its mutex can delay this program: what the system's own
 // function does waits without a limit.
-constexpr DWORD longest_wait = 10;
+constexpr DWORD timeout = 10;  // milliseconds
 
 bool wait_for(HANDLE object) {
-    const DWORD outcome = WaitForSingleObject(object, longest_wait);
+    const DWORD outcome = WaitForSingleObject(object, timeout);
     return outcome == WAIT_OBJECT_0 || outcome == WAIT_ABANDONED;
 }
 

@@ -30,7 +30,7 @@ private:
 // std::cout into the log cannot come round again. A console gets UTF-16, a file or pipe UTF-8.
 class stdout_log_file_t : public sink_t {
 public:
-    // Throws exc::runtime_exc_t "Standard output is not available." when the process has none.
+    // Throws exc::runtime_exc_t if the process has no standard output.
     stdout_log_file_t();
 
     void write(const line_head_t& head, const record_t& record) override;

@@ -1,11 +1,20 @@
 #include "common/logging/sink.h"
 
 #include <algorithm>
+#include <locale>
+#include <sstream>
+#include <utility>
+
+#include <boost/date_time/posix_time/posix_time.hpp>
 
 #include "common/encoding/controls.h"
+#include "common/win32.h"
 
 namespace logging {
 namespace {
+
+constexpr std::uint64_t units_per_second = 10'000'000;  // of a FILETIME
+const time_stamp_t unknown("TIME ---");
 
 constexpr std::string_view file_marker(const record_t& record) {
     if (record.level < level_warning) return {};
@@ -14,17 +23,8 @@ constexpr std::string_view file_marker(const record_t& record) {
 }
 
 constexpr std::string_view console_label(unsigned level) {
-    switch (level) {
-        case level_detail:
-            return {};
-        case level_info:
-        case level_notice:
-            return "Info     ";
-        case level_warning:
-            return "Warning  ";
-        default:
-            return "Error    ";
-    }
+    constexpr std::string_view labels[] = {"", "Info     ", "Info     ", "Warning  ", "Error    "};
+    return labels[std::min<unsigned>(level, level_error)];
 }
 
 // Returns the number in angle brackets, right-aligned to the width, and a space; "+" in its place for lines after the
@@ -37,6 +37,33 @@ std::string thread_field(const line_t& line, std::uint32_t number, std::size_t w
 std::size_t indentation(const line_t& line) { return std::size_t{2} * line.record.depth; }
 
 }  // namespace
+
+time_stamp_t render_time_stamp(std::uint64_t seconds) noexcept try {
+    const std::uint64_t units = seconds * units_per_second;
+    const FILETIME time{static_cast<DWORD>(units), static_cast<DWORD>(units >> 32)};
+    SYSTEMTIME utc{}, local{};
+    if (!FileTimeToSystemTime(&time, &utc) || !SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local)) return unknown;
+    std::ostringstream text;
+    // The locale owns the facet.
+    text.imbue(std::locale(std::locale::classic(), new boost::posix_time::time_facet("[%d.%m.%Y %H:%M:%S] ")));
+    text << boost::posix_time::ptime(boost::gregorian::date(local.wYear, local.wMonth, local.wDay),
+                                     boost::posix_time::time_duration(local.wHour, local.wMinute, local.wSecond));
+    return time_stamp_t(text.str());
+} catch (const std::exception&) {
+    return unknown;
+}
+
+// The tick count is a plain read of memory; the time can cost a system call, which is too much for each record.
+time_stamp_t time_stamp_clock_t::now() noexcept {
+    const std::uint64_t tick = GetTickCount64();
+    if (std::exchange(tick_, tick) == tick) return time_stamp_;
+    FILETIME time{};
+    GetSystemTimeAsFileTime(&time);
+    const std::uint64_t units = (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+    const std::uint64_t second = units / units_per_second;
+    if (std::exchange(second_, second) != second) time_stamp_ = render_time_stamp(second);
+    return time_stamp_;
+}
 
 void append_file_line(std::string& target, const line_t& line) {
     target.append(line.head.time_stamp).append(thread_field(line, line.head.thread_id, 6)).append(line.record.prefix);

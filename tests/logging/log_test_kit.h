@@ -1,7 +1,9 @@
 // What several logging tests share: reading logs and archives.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -19,6 +21,7 @@ namespace fs = std::filesystem;
 using test_support::CTestFolder;
 using test_support::FileText;
 using test_support::WriteFileText;
+using texts_t = std::vector<std::string>;
 
 // The content of a gzip file; a file that is cut off or damaged fails the test.
 inline std::string read_gzip(const fs::path& path) {
@@ -33,14 +36,25 @@ inline std::string read_gzip(const fs::path& path) {
 }
 
 // The part of each line of a log or an archive after time stamp and thread; each line must end in CRLF.
-inline std::vector<std::string> texts_in(const fs::path& path) {
-    std::vector<std::string> texts;
+inline texts_t texts_in(const fs::path& path) {
+    texts_t texts;
     std::istringstream stream(path.extension() == ".gz" ? read_gzip(path) : FileText(path));
     for (std::string line; std::getline(stream, line);) {
         const std::size_t begin = line.find("> ");
         const bool complete = !stream.eof() && line.ends_with('\r') && begin != std::string::npos;
         EXPECT_TRUE(complete) << path << ": " << line;
         if (complete) texts.push_back(line.substr(begin + 2, line.size() - begin - 3));
+    }
+    return texts;
+}
+
+// The same of all archives of A.log, the oldest first, and of itself.
+inline texts_t all_texts_in(const CTestFolder& folder) {
+    texts_t texts;
+    for (int age = 99; age >= -1; --age) {
+        const std::string number = age > 0 ? "." + std::to_string(age) : "";
+        const fs::path path = folder / ("A" + number + (age < 0 ? ".log" : ".log.gz"));
+        if (fs::exists(path)) std::ranges::move(texts_in(path), std::back_inserter(texts));
     }
     return texts;
 }

@@ -5,23 +5,19 @@
 
 #include <boost/make_shared.hpp>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "common/exc/exceptions.h"
 #include "common/logging/log_exception.h"
 #include "common/logging/output_sinks.h"
 #include "common/platform/owned.h"
-#include "tests/logging/faked_system.h"
+#include "tests/logging/log_fixture.h"
 #include "tests/support/recording_sink.h"
 
 using namespace logging;
-using log_test::faked_system;
 using test_support::recording_sink_t;
 using test_support::test_log;
 using testing::ElementsAre;
 
-TEST(logger, sinks_that_throw_or_log_cost_the_others_nothing) {
+TEST(Logger, SinksThatThrowOrLogCostTheOthersNothing) {
     logger_t logger;
     const auto throwing = boost::make_shared<recording_sink_t>([](const line_t&) { throw std::runtime_error("sink"); });
     const auto answering = boost::make_shared<recording_sink_t>([&](const line_t& line) {
@@ -29,37 +25,31 @@ TEST(logger, sinks_that_throw_or_log_cost_the_others_nothing) {
     });
     const auto last = boost::make_shared<recording_sink_t>();
     for (const auto& sink : {throwing, answering, last}) logger.attach(sink);
-    logger.log({.level = 4, .text = "one\r\n\ntwo\n"});
+    logger.log({.level = 4, .text = "one"});
     logger.log({.level = 0, .text = "below the filter"});
     for (const char* text : {"ask", "end"}) logger.log({.text = text});
-    EXPECT_THAT(answering->lines, ElementsAre("ERR |one", "ERR |", "ERR |two", "ERR |", "ask", "end"));
-    EXPECT_THAT(last->lines, ElementsAre("ERR |one", "ERR |", "ERR |two", "ERR |", "ask+", "ask", "end"));
+    EXPECT_THAT(answering->lines, ElementsAre("ERR |one", "ask", "end"));
+    EXPECT_THAT(last->lines, ElementsAre("ERR |one", "ask+", "ask", "end"));
     logger.detach(last);
     logger.log({.text = "after"});
-    EXPECT_EQ(last->lines.size(), 7U);
+    EXPECT_EQ(last->lines.size(), 4U);
 }
 
-TEST(logger, control_characters_are_shown_and_pieces_counted) {
+TEST(Logger, ShowsControlCharactersAndCountsPieces) {
+    std::string shown;
     logger_t logger;
-    std::vector<std::size_t> pieces;
-    const auto sink = boost::make_shared<recording_sink_t>([&](const line_t& line) { pieces.push_back(line.index); });
-    logger.attach(sink);
-    const std::pair<std::string_view, const char*> texts[] = {
-        {"tab\t, \xC3\xA4 \xC2\xA0 \xE2\x82\x9B", "tab\t, \xC3\xA4 \xC2\xA0 \xE2\x82\x9B"},
-        {{"\x1B[2K\r\0\x7F", 7}, "\\x1B[2K\\x0D\\x00\\x7F"},
-        {"\xC2\x80\xC2\x9F\xC2", "\\x80\\x9F\xC2"},
-    };
-    for (const auto& [text, shown] : texts) {
+    logger.attach(boost::make_shared<recording_sink_t>(
+        [&](const line_t& line) { shown.append(std::to_string(line.index)).append(line.piece).append("|"); }));
+    for (const std::string_view text :
+         {"tab\t, \xC3\xA4 \xC2\xA0 \xE2\x82\x9B", "\x1B[2K\r\x7F", "\xC2\x80\xC2\x9F\xC2", "1\r\n\n2\b\n3\n"})
         logger.log({.text = text});
-        EXPECT_EQ(sink->lines.back(), shown);
-    }
-    sink->lines.clear();
-    logger.log({.text = "1\r\n2\b\n3"});
-    EXPECT_THAT(sink->lines, ElementsAre("1", "2\\x08", "3"));
-    EXPECT_THAT(pieces, ElementsAre(0, 0, 0, 0, 1, 2));
+    logger.log({.text = {"\0", 1}});
+    EXPECT_EQ(shown,
+              "0tab\t, \xC3\xA4 \xC2\xA0 \xE2\x82\x9B|0\\x1B[2K\\x0D\\x7F|0\\x80\\x9F\xC2|"
+              "01|1|22\\x08|33|4|0\\x00|");
 }
 
-TEST(logger, crash_inside_a_sink_is_logged_by_the_others) {
+TEST(Logger, CrashInsideASinkIsLoggedByTheOthers) {
     static logger_t& logger = *new logger_t;  // the thread below waits in it for good
     static const platform::unique_handle logged(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     const auto other = boost::make_shared<recording_sink_t>(
@@ -70,7 +60,6 @@ TEST(logger, crash_inside_a_sink_is_logged_by_the_others) {
             logger.log({.text = "from another thread"});
             SetEvent(logged.get());
         }).detach();
-        EXPECT_EQ(WaitForSingleObject(logged.get(), 100), static_cast<DWORD>(WAIT_TIMEOUT));
         logger.log({.text = "crashed"});
     });
     for (const auto& sink : {crashing, other}) logger.attach(sink);
@@ -80,7 +69,7 @@ TEST(logger, crash_inside_a_sink_is_logged_by_the_others) {
     EXPECT_THAT(crashing->lines, ElementsAre("record"));
 }
 
-TEST(log_exception, texts_and_levels) {
+TEST(LogException, TextsAndLevels) {
     struct no_text_t : std::exception {
         const char* what() const noexcept override { return nullptr; }
     };
@@ -94,16 +83,16 @@ TEST(log_exception, texts_and_levels) {
                                          "ERR |Exception message is not available.", "ERR |" + thread + "n/a]."));
 }
 
-TEST(cout_multiplexor, copies_complete_lines_and_ends) {
+TEST(CoutMultiplexor, CopiesCompleteLinesAndEnds) {
     const std::string cleared = "Clearing collection of cout multiplexors.";
     logger_t logger;
     logger.set_lowest_level(level_detail);
     std::ostringstream stream;
     const auto sink = boost::make_shared<recording_sink_t>();
-    const auto printing = boost::make_shared<recording_sink_t>([&](const line_t& line) {
+    logger.attach(sink);
+    logger.attach(boost::make_shared<recording_sink_t>([&](const line_t& line) {
         if (line.piece == "print") stream << "echo" << std::endl;
-    });
-    for (const auto& attached : {sink, printing}) logger.attach(attached);
+    }));
     logger.multiplex(stream);
     stream << "one" << 1 << "\ntwo\r\n" << std::flush << "thr";
     EXPECT_THAT(sink->lines, ElementsAre("TRC |one1", "TRC |two"));
@@ -116,12 +105,16 @@ TEST(cout_multiplexor, copies_complete_lines_and_ends) {
     EXPECT_EQ(stream.str(), "one1\ntwo\r\nthrecho\nleft\nafter\n");
 }
 
-TEST(debugger_output, goes_to_a_trusted_monitor_that_takes_it) {
-    const log_test::system_guard_t guard;
-    faked_system.tick = 1000;
+using DebuggerOutput = log_test::LogTest;
+
+TEST_F(DebuggerOutput, GoesToATrustedMonitorThatTakesIt) {
+    ULONGLONG tick = 0;
+    GetTickCount64_hook::replacement = [&] { return tick += 1000; };
+    bool foreign = false;
+    log_test::make_foreign([&](const std::wstring&) { return foreign; });
     receiver::COutputDebugStringLog log;
     const auto write = [&](std::string_view text) { log.write({time_stamp_t("[time] "), 1234}, {.text = text}); };
-    write("before");
+    write("nobody listens");
     const platform::unique_handle section(
         CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, L"DBWIN_BUFFER"));
     const platform::unique_handle ready(CreateEventW(nullptr, FALSE, FALSE, L"DBWIN_BUFFER_READY"));
@@ -129,8 +122,7 @@ TEST(debugger_output, goes_to_a_trusted_monitor_that_takes_it) {
     const platform::unique_handle mutex(CreateMutexW(nullptr, FALSE, L"DBWinMutex"));
     auto* const view = static_cast<char*>(MapViewOfFile(section.get(), FILE_MAP_WRITE, 0, 0, 4096));
     const auto taken = [&](const std::string& text) {
-        *faked_system.tick += 1000;
-        const ULONGLONG begin = GetTickCount();
+        const DWORD begin = GetTickCount();
         write(text);
         if (GetTickCount() - begin > 1000) return std::string("too late");
         return WaitForSingleObject(data.get(), 0) == WAIT_OBJECT_0 ? std::string(view + 4) : "";
@@ -140,16 +132,14 @@ TEST(debugger_output, goes_to_a_trusted_monitor_that_takes_it) {
     EXPECT_EQ(taken("a"), "[time] <34> Info     a\n");
     EXPECT_EQ(*reinterpret_cast<DWORD*>(view), GetCurrentProcessId());
     SetEvent(ready.get());
+    WaitForSingleObject(mutex.get(), INFINITE);
     std::string while_taken;  // a failure that is printed waits for the mutex, too
-    std::thread([&] {
-        WaitForSingleObject(mutex.get(), INFINITE);
-        std::thread([&] { while_taken = taken("another thread has the mutex"); }).join();
-        ReleaseMutex(mutex.get());
-    }).join();
+    std::thread([&] { while_taken = taken("another thread has the mutex"); }).join();
+    ReleaseMutex(mutex.get());
     EXPECT_EQ(while_taken, "");
-    faked_system.is_foreign = [](const std::wstring& name) { return name.empty(); };
+    foreign = true;
     EXPECT_EQ(taken("the monitor is another account's"), "");
-    faked_system.is_foreign = {};
+    foreign = false;
     EXPECT_EQ(taken(std::string(5000, 'b')), "[time] <34> Info     " + std::string(4091 - 21, 'b'));
     UnmapViewOfFile(view);
 }

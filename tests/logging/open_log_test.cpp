@@ -1,0 +1,118 @@
+// The log of a whole process. The child processes are this program again, with one of the tests at the end.
+#include "common/logging/open_log.h"
+
+#include <iostream>
+#include <regex>
+
+#include "common/exc/raise.h"
+#include "common/platform/module.h"
+#include "common/platform/owned.h"
+#include "common/platform/versions.h"
+#include "tests/logging/log_fixture.h"
+#include "tests/support/recording_sink.h"
+#include "tests/support/test_registry.h"
+
+#include <shlobj.h>
+
+HOOK(shell32, SHGetFolderPathW)
+
+using namespace logging;
+using namespace log_test;
+using test_support::FailureOf;
+using test_support::test_log;
+
+namespace {
+
+struct static_object_t {
+    ~static_object_t() {
+        if (!logs) return;
+        test_log.log({.level = 3, .text = "static object ends"});
+        std::cout << "printed at the end" << std::endl;
+    }
+    bool logs = false;
+} static_object;
+
+class OpenLog : public LogTest {
+protected:
+    void run_child(const std::wstring& arguments) const {
+        const std::wstring command = L"cd /d \"" + folder.path.wstring() + L"\" && \"" + platform::program_path() +
+                                     L"\" --gtest_also_run_disabled_tests --gtest_filter=child.DISABLED_" + arguments;
+        EXPECT_EQ(_wsystem(command.c_str()), 0);
+    }
+};
+
+}  // namespace
+
+TEST(child, DISABLED_logs_and_ends) {
+    test_support::CTestRegistry registry;
+    registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", fs::current_path().wstring());
+    initialise(test_log, L"Sub", L"Ormacon.log");
+    test_log.log({.level = 4, .depth = 1, .text = "a failure"});
+    std::cout << "printed by " << GetCurrentProcessId() << std::endl;
+    static_object.logs = true;
+}
+
+TEST_F(OpenLog, HeaderEchoAndCopyUntilTheVeryEnd) {
+    run_child(L"logs_and_ends -log -verbose >output");
+    const std::string output = FileText(folder / L"output"), separator(77, '=');
+    std::smatch process;
+    ASSERT_TRUE(std::regex_search(output, process, std::regex("printed by (\\d+)")));
+    EXPECT_EQ(texts_in(folder / L"Sub\\Ormacon.log"),
+              (texts_t{separator, "Path to the executable module: " + fs::path(platform::program_path()).string(),
+                       "Module version: ", "Comments: ", "Process Id: " + process.str(1),
+                       "OS version: " + platform::os_version_text(), separator, "ERR |  a failure", process.str(),
+                       "WARN|static object ends", "printed at the end", "Clearing collection of cout multiplexors."}));
+    EXPECT_THAT(output, testing::HasSubstr("Info     " + separator + "\r\nInfo     Path to the"));
+    EXPECT_THAT(output, testing::HasSubstr("Warning  static object ends\r\n"));
+}
+
+// Also the program of kill_test.py. It announces each record that was logged.
+TEST(child, DISABLED_writes) {
+    open_log(test_log, {(fs::current_path() / L"Ormacon.log").wstring(), {6000, 1000}, {}});
+    std::cout << "ready" << std::endl;
+    int round = 0, count = 0;
+    std::cin >> round >> count;
+    for (int number = 1; number <= count; ++number) {
+        const std::string filling(number % 50 == 0 ? 20'000 : static_cast<std::size_t>(number * 37 % 400), '.');
+        test_log.info(std::to_string(round) + " " + std::to_string(number) + filling + "|");
+        std::cout << '!' << std::flush;
+    }
+}
+
+TEST_F(OpenLog, ReportsForeignFoldersAndAMissingOutputAndAtItsEndLostRecords) {
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE), error = GetStdHandle(STD_ERROR_HANDLE);
+    const platform::unique_file errors(
+        CreateFileW((folder / L"errors").c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW, 0, nullptr));
+    make_foreign([](const std::wstring& name) { return name == L"a" || name == L"shared"; });
+    const std::wstring log = folder / L"shared\\a\\b\\Ormacon.log";
+    open_log(test_log, {log, {}, {}});
+    SetStdHandle(STD_OUTPUT_HANDLE, nullptr);
+    open_log(test_log, {log, {}, {.echo = true}, (folder / L"Shared").wstring()});
+    SetStdHandle(STD_OUTPUT_HANDLE, output);
+    SetStdHandle(STD_ERROR_HANDLE, errors.get());
+    fail_to_write(ERROR_DISK_FULL, [](const std::wstring& name) { return name == L"Ormacon.log"; });
+    for (int i = 0; i < 2; ++i) test_log.info("lost");
+    EXPECT_EQ(log_path(), log);
+    close_log();
+    SetStdHandle(STD_ERROR_HANDLE, error);
+    texts_t warnings = texts_in(log);
+    EXPECT_THAT(warnings, testing::Contains("Clearing collection of cout multiplexors.").Times(1));
+    std::erase_if(warnings, [](const std::string& text) { return !text.starts_with("WARN|"); });
+    EXPECT_EQ(warnings,
+              (texts_t{"WARN|Error: Failed to initialize stdout log.", "WARN|Standard output is not available.",
+                       "WARN|Folder [" + (folder / L"shared\\a").string() +
+                           "] belongs to another account, which can replace what is in it."}));
+    EXPECT_EQ(FileText(folder / L"errors"),
+              "Records that could not be written to the log: 3. " + exc::get_error_text(ERROR_DISK_FULL) + "\r\n");
+}
+
+TEST_F(OpenLog, Failures) {
+    EXPECT_EQ(FailureOf([] { log_path(); }), "Value of the log path is unavailable: log is not initialized yet.");
+    test_support::CTestRegistry registry;
+    SHGetFolderPathW_hook::replacement = [](auto...) { return static_cast<HRESULT>(0x80070002); };
+    EXPECT_THAT([] { initialise(test_log, L"Sub", L"A.log"); },
+                testing::ThrowsMessage<exc::win_sys_exc_t>(
+                    testing::EndsWith("\nCannot get the common application-data folder.\n--tr:Error code: 0x80070002\n"
+                                      "Failed to initialize log [Sub\\A.log].\nCannot init logging")));
+    SHGetFolderPathW_hook::replacement = nullptr;
+}
