@@ -10,6 +10,9 @@
 
 #include "common/crash/dump_folder.h"
 #include "common/crash/handler_registry.h"
+#include "common/crash/legacy_dump_gen.h"
+#include "common/crash/minidump_gen.h"
+#include "common/crash/out_of_proc_dump_gen.h"
 #include "common/encoding/convert.h"
 #include "common/exc/raise.h"
 #include "common/logging/log_exception.h"
@@ -22,8 +25,8 @@
 namespace crash {
 namespace {
 
-constexpr unsigned most_dumps = 10;
-constexpr std::chrono::milliseconds longest_log_wait(1000);
+constexpr unsigned max_dumps = 10;
+constexpr std::chrono::milliseconds log_timeout(1000);
 
 const logging::component_t* log_component = nullptr;
 const wchar_t* base_name = nullptr;
@@ -38,7 +41,7 @@ constinit std::atomic<const folders_t*> folders{nullptr};
 
 // What a stage leaves to the later ones. Only one thread at a time runs them.
 struct state_t {
-    failure_t failure{};
+    cause_t cause{};
     DWORD logging_thread = 0;
     std::size_t next_stage = 0;
     std::size_t next_generator = 0;
@@ -79,14 +82,14 @@ void prepare_folder(state_t& state) {
     attempt([&] {
         if (folder.empty()) exc::raise("The folder for crash dumps is unknown.");
         state.folder = open_dump_folder(folder);
-        cleanup_dumps(*log_component, folder, most_dumps);
+        cleanup_dumps(*log_component, folder, max_dumps);
     });
 }
 
 // The best one comes first.
 boost::shared_ptr<win32::dump_gen_base_t> make_generator(std::size_t number) {
     if (number == 0)
-        return boost::make_shared<win32::COutOfProcDumpGen>(*log_component, most_dumps, folders.load()->program);
+        return boost::make_shared<win32::COutOfProcDumpGen>(*log_component, max_dumps, folders.load()->program);
     if (number == 1) return boost::make_shared<win32::minidump_gen_t>(*log_component);
     return boost::make_shared<win32::legacy_dump_gen_t>(*log_component);
 }
@@ -99,7 +102,7 @@ void try_generator(state_t& state) {
     if (!state.folder.folder || has_dump(state)) return;
     const bool succeeded = attempt([&] {
         state.generator = make_generator(number);
-        state.generator->generate(state.failure, platform::join_path(known_folder(), base_name));
+        state.generator->generate(state.cause, platform::join_path(known_folder(), base_name));
     });
     if (!succeeded) state.generator.reset();
 }
@@ -107,7 +110,7 @@ void try_generator(state_t& state) {
 std::wstring notice(const state_t& state) {
     std::array<wchar_t, 64> begin{};
     std::swprintf(begin.data(), begin.size(), L"The program has crashed with 0x%08X. ",
-                  static_cast<unsigned>(state.failure.code));
+                  static_cast<unsigned>(state.cause.code));
     const std::wstring folder = known_folder();
     if (has_dump(state)) return begin.data() + (L"The crash dump is in " + folder + L".\r\n");
     return begin.data() + std::wstring(L"No crash dump could be written") +
@@ -126,7 +129,11 @@ constexpr void (*stages[])(state_t& state) = {
     begin, execute_handlers, end_handlers, prepare_folder, try_generator, try_generator, try_generator, print_notice,
 };
 
-state_t process_state;
+// Never destroyed: the crash may come after the static objects.
+union lasting_t {
+    state_t state{};
+    ~lasting_t() {}
+} process;
 
 }  // namespace
 
@@ -139,14 +146,14 @@ void set_dump_folder(const std::wstring& folder) {
     folders = new folders_t{folder, platform::parent_of(platform::program_path())};
 }
 
-void handle_crash(const failure_t& failure) noexcept {
-    state_t& state = process_state;
-    state.failure = failure;
+void handle_crash(const cause_t& cause) noexcept {
+    state_t& state = process.state;
+    state.cause = cause;
     platform::abandon_guarded_call();
     // Once for each thread that handles the crash: the one before may be the one that keeps the log's lock.
     const DWORD self = GetCurrentThreadId();
     if (std::exchange(state.logging_thread, self) != self) {
-        logging::process_logger().seize(failure.thread_id, longest_log_wait);
+        logging::process_logger().seize(cause.thread_id, log_timeout);
     }
     while (state.next_stage < std::size(stages)) stages[state.next_stage++](state);
 }

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "common/crash/generators.h"
+#include "common/crash/dump_gen_base.h"
 
 namespace crash {
 
@@ -20,7 +20,7 @@ void set_dump_folder(const std::wstring& folder);
 // line about the crash goes to the standard error.
 //
 // This is done in stages, each of which is entered once in the life of the process: the thread that runs a stage and
-// crashes in it calls again (see die()) and continues with the next one. The caller ends the process.
-void handle_crash(const failure_t& failure) noexcept;
+// crashes in it (see die()) calls again and continues with the next one. The caller ends the process.
+void handle_crash(const cause_t& cause) noexcept;
 
 }  // namespace crash

@@ -12,11 +12,11 @@ namespace crash {
 namespace {
 
 constexpr const wchar_t* search_path = L"%_NT_SYMBOL_PATH%;%_NT_ALT_SYMBOL_PATH%;%SystemRoot%\\Symbols";
-constexpr std::size_t longest_name = 512;
+constexpr std::size_t max_name_length = 512;
 
 struct named_symbol_t {
     SYMBOL_INFOW info;
-    wchar_t rest_of_name[longest_name];
+    wchar_t rest_of_name[max_name_length];
 };
 
 template <class... Arguments>
@@ -79,7 +79,7 @@ std::string symbols_t::function_at(std::uint64_t address) const {
     if (!initialised_) return {};
     named_symbol_t symbol{};
     symbol.info.SizeOfStruct = sizeof symbol.info;
-    symbol.info.MaxNameLen = longest_name;
+    symbol.info.MaxNameLen = max_name_length;
     DWORD64 distance = 0;
     if (!platform::call_guarded([&] { return from_address_(GetCurrentProcess(), address, &distance, &symbol.info); }))
         return {};

@@ -16,17 +16,17 @@ HANDLE spare_thread = nullptr;
 HANDLE spare_thread_needed = nullptr;
 
 std::atomic<DWORD> handling_thread{0};
-failure_t failure;
+cause_t cause;
 
 [[noreturn]] void end_process() noexcept {
-    TerminateProcess(GetCurrentProcess(), failure.code);
+    TerminateProcess(GetCurrentProcess(), cause.code);
     Sleep(INFINITE);
     __builtin_unreachable();
 }
 
 [[noreturn]] void handle_here() noexcept {
     handling_thread = GetCurrentThreadId();
-    handle_crash(failure);
+    handle_crash(cause);
     end_process();
 }
 
@@ -57,7 +57,7 @@ void die(EXCEPTION_POINTERS* pointers) noexcept {
     DWORD other = 0;
     if (!handling_thread.compare_exchange_strong(other, self) && other != self) Sleep(INFINITE);
     // Not in the same step: a fault in between leads here again.
-    if (failure.pointers == nullptr) failure = {pointers->ExceptionRecord->ExceptionCode, self, pointers};
+    if (cause.pointers == nullptr) cause = {pointers->ExceptionRecord->ExceptionCode, self, pointers};
     ULONG_PTR lowest = 0;
     ULONG_PTR highest = 0;
     GetCurrentThreadStackLimits(&lowest, &highest);

@@ -14,8 +14,8 @@ bool is_handling_crash() noexcept;
 
 // Starts the watchdog, handles the crash of the calling thread and ends the process with the exception's code. The
 // calling thread does the work itself if it has enough stack left, because the locks that it holds (heap, loader, log)
-// do not block it. Another thread that crashes meanwhile blocks until then. If a stage of the handling crashes, the
-// next stage follows.
+// do not block it. Another thread that crashes meanwhile blocks until then. If a stage of the handling crashes
+// with a system error (0xC...), the next stage follows; other exceptions are left to their handlers and the system.
 [[noreturn]] void die(EXCEPTION_POINTERS* pointers) noexcept;
 
 }  // namespace crash

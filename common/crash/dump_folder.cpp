@@ -1,9 +1,8 @@
 #include "common/crash/dump_folder.h"
 
-#include <algorithm>
 #include <cwchar>
-#include <vector>
 
+#include "common/crash/shared/retention.h"
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
@@ -15,7 +14,7 @@
 namespace crash {
 namespace {
 
-constexpr unsigned most_identifiers = 10000;
+constexpr unsigned max_identifiers = 10000;
 
 void check(HANDLE opened, const std::wstring& folder, const std::wstring& expected) {
     FILE_BASIC_INFO basic{};
@@ -31,25 +30,6 @@ void check(HANDLE opened, const std::wstring& folder, const std::wstring& expect
     if (is_link || !platform::same_path(platform::final_path(opened), expected)) {
         exc::raise(exc::format_message("Dump folder [%1] is a link.", shown));
     }
-}
-
-// Calls take(entry) for each dump in the folder whose name fits the pattern.
-template <class Take>
-void for_each_dump(const std::wstring& folder, const std::wstring& pattern, const Take& take) {
-    WIN32_FIND_DATAW entry;
-    const platform::unique_find search(
-        FindFirstFileW(platform::system_path(platform::join_path(folder, pattern)).c_str(), &entry));
-    if (!search) return;
-    do {
-        if (is_dump(entry)) take(entry);
-    } while (FindNextFileW(search.get(), &entry));
-}
-
-std::vector<WIN32_FIND_DATAW> dumps_oldest_first(const std::wstring& folder) {
-    std::vector<WIN32_FIND_DATAW> dumps;
-    for_each_dump(folder, dump_pattern, [&](const WIN32_FIND_DATAW& entry) { dumps.push_back(entry); });
-    std::ranges::sort(dumps, [](const auto& first, const auto& second) { return compare_age(first, second) < 0; });
-    return dumps;
 }
 
 // Whether the dump is gone. One that cannot be deleted is logged.
@@ -89,12 +69,10 @@ dump_folder_t open_dump_folder(const std::wstring& folder) {
 }
 
 void cleanup_dumps(const logging::component_t& component, const std::wstring& folder, std::size_t maximum_count) {
-    const std::vector<WIN32_FIND_DATAW> dumps = dumps_oldest_first(folder);
-    std::size_t count = dumps.size();
-    for (const WIN32_FIND_DATAW& dump : dumps) {
-        if (count < maximum_count) return;
-        if (delete_dump(component, platform::join_path(folder, dump.cFileName))) --count;
-    }
+    const std::wstring dumps = platform::system_path(platform::join_path(folder, dump_pattern));
+    const ULONG64 count = delete_old_dumps(dumps.c_str(), maximum_count, [&](const wchar_t* name) {
+        return delete_dump(component, platform::join_path(folder, name));
+    });
     if (count < maximum_count) return;
     exc::raise(exc::format_message(
         "Cannot cleanup out of date dumps. There are [%1] dumps stored. Maximum allowed dumps number: [%2].",
@@ -102,7 +80,7 @@ void cleanup_dumps(const logging::component_t& component, const std::wstring& fo
 }
 
 unsigned first_free_identifier(const std::set<unsigned>& taken) {
-    for (unsigned identifier = 1; identifier <= most_identifiers; ++identifier) {
+    for (unsigned identifier = 1; identifier <= max_identifiers; ++identifier) {
         if (!taken.contains(identifier)) return identifier;
     }
     exc::raise("All dump identifiers are reserved.");
@@ -113,8 +91,11 @@ std::wstring reserve_dump_identifier(const std::wstring& path) {
     const std::wstring begin = platform::file_name_of(path) + L"_" + std::to_wstring(GetCurrentProcessId()) + L"_";
     std::set<unsigned> taken;
     // One listing: asking for each name takes long in a crowded folder.
-    for_each_dump(folder, begin + L"*", [&](const WIN32_FIND_DATAW& entry) {
-        taken.insert(static_cast<unsigned>(std::wcstoul(entry.cFileName + begin.size(), nullptr, 10)));
+    const std::wstring dumps = platform::system_path(platform::join_path(folder, begin + L"*"));
+    WIN32_FIND_DATAW buffer;
+    WIN32_FIND_DATAW* entry = &buffer;
+    for_each_dump(dumps.c_str(), entry, [&] {
+        taken.insert(static_cast<unsigned>(std::wcstoul(entry->cFileName + begin.size(), nullptr, 10)));
     });
     return platform::join_path(folder, begin) + std::to_wstring(first_free_identifier(taken));
 }

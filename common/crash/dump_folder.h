@@ -5,7 +5,6 @@
 #include <set>
 #include <string>
 
-#include "common/crash/recorder/dump_names.h"
 #include "common/logging/component.h"
 #include "common/platform/owned.h"
 

@@ -1,13 +1,13 @@
+#include "common/crash/legacy_dump_gen.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "common/crash/debug_help.h"
 #include "common/crash/dump_folder.h"
-#include "common/crash/generators.h"
+#include "common/crash/shared/retention.h"
 #include "common/crash/stack_frames.h"
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
@@ -28,7 +28,7 @@ public:
         : path_(path),
           file_(CreateFileW(platform::system_path(path).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                             FILE_ATTRIBUTE_NORMAL, nullptr)) {
-        if (!file_) raise("Cannot create a legacy dump file. File path: [%1].");
+        if (!file_) exc::raise_path_error(GetLastError(), "Cannot create a legacy dump file. File path: [%1].", path_);
     }
     ~report_t() {
         file_.reset();
@@ -40,21 +40,15 @@ public:
     void add_line(std::string_view text) {
         const std::string line = std::string(text) + "\r\n";
         DWORD written = 0;
-        const bool done =
-            WriteFile(file_.get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr) != FALSE;
+        const BOOL done = WriteFile(file_.get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
         if (done && written == line.size()) return;
-        if (done) SetLastError(ERROR_DISK_FULL);
-        raise("Cannot write a legacy dump file. File path: [%1].");
+        exc::raise_path_error(done ? ERROR_DISK_FULL : GetLastError(),
+                              "Cannot write a legacy dump file. File path: [%1].", path_);
     }
 
     void keep() { complete_ = true; }
 
 private:
-    [[noreturn]] void raise(const char* sentence) const {
-        const DWORD code = GetLastError();
-        exc::raise_win_error(code, exc::format_message(sentence, encoding::wide_to_utf8(path_)));
-    }
-
     std::wstring path_;
     platform::unique_file file_;
     bool complete_ = false;
@@ -94,12 +88,12 @@ void write(report_t& report, const CONTEXT& thread) {
 
 }  // namespace
 
-void legacy_dump_gen_t::generate(const failure_t& failure, const std::wstring& path) {
+void legacy_dump_gen_t::generate(const cause_t& cause, const std::wstring& path) {
     const std::wstring file_path = reserve_dump_identifier(path) + legacy_report_ending;
     log(exc::format_message("Writing legacy dump. Dump path: %1.", encoding::wide_to_utf8(file_path)));
     report_t report(file_path);
     set_has_dump(true);
-    write(report, *failure.pointers->ContextRecord);
+    write(report, *cause.pointers->ContextRecord);
     report.keep();
 }
 

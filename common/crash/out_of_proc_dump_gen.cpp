@@ -1,9 +1,9 @@
-#include "common/crash/generators.h"
+#include "common/crash/out_of_proc_dump_gen.h"
 
 #include <utility>
 
-#include "common/crash/recorder/exit_codes.h"
 #include "common/crash/recorder_program.h"
+#include "common/crash/shared/exit_codes.h"
 #include "common/crash/watchdog.h"
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
@@ -29,28 +29,28 @@ platform::unique_handle duplicate_process_handle() {
 
 }  // namespace
 
-COutOfProcDumpGen::COutOfProcDumpGen(const logging::component_t& component, unsigned most_dumps,
+COutOfProcDumpGen::COutOfProcDumpGen(const logging::component_t& component, unsigned max_dumps,
                                      std::wstring program_folder)
     : dump_gen_base_t(component),
-      most_dumps_(most_dumps),
+      max_dumps_(max_dumps),
       program_folder_(std::move(program_folder)),
       process_(duplicate_process_handle()) {}
 
-std::wstring COutOfProcDumpGen::arguments(const failure_t& failure, const std::wstring& path) const {
+std::wstring COutOfProcDumpGen::arguments(const cause_t& cause, const std::wstring& path) const {
     const auto decimal = [](auto number) { return std::to_wstring(number) + L" "; };
     const auto quoted = [](const std::wstring& value) { return L"\"" + value + L"\" "; };
     const std::wstring folder = platform::system_path(platform::parent_of(path));
     return decimal(reinterpret_cast<std::uintptr_t>(process_.get())) + decimal(GetCurrentProcessId()) +
-           decimal(failure.thread_id) + decimal(reinterpret_cast<std::uintptr_t>(failure.pointers)) +
+           decimal(cause.thread_id) + decimal(reinterpret_cast<std::uintptr_t>(cause.pointers)) +
            decimal(watching_thread()) + quoted(folder) + quoted(platform::file_name_of(path)) +
-           std::to_wstring(most_dumps_);
+           std::to_wstring(max_dumps_);
 }
 
-void COutOfProcDumpGen::generate(const failure_t& failure, const std::wstring& path) {
+void COutOfProcDumpGen::generate(const cause_t& cause, const std::wstring& path) {
     // Anyone who can write to the program's folder can replace the program as well.
     const recorder_file_t recorder(program_folder_);
     log(exc::format_message("Generating dump to %1", encoding::wide_to_utf8(platform::parent_of(path))));
-    const std::uint32_t code = wait_for_recorder(start_recorder(recorder.path(), arguments(failure, path)));
+    const std::uint32_t code = wait_for_recorder(start_recorder(recorder.path(), arguments(cause, path)));
     set_has_dump(code == recorder_success);
     if (has_dump()) return;
     exc::raise(exc::format_message("Dump generator process failed with %1: %2",

@@ -15,12 +15,11 @@ public:
     // Writes the file "TovakDumpRecorder" into the folder and re-opens it so that the system deletes it when it is
     // closed, even if this process is killed. Until then nobody can rename, replace or delete it.
     //
-    // If the file exists, another program may be crashing at the same time: waits for it, at most longest_wait
-    // milliseconds. A file that is not in use after that was left behind (by a power failure) and is replaced.
+    // If the file exists, another program may be crashing at the same time: waits for it, at most timeout milliseconds.
+    // A file that is not in use after that was left behind (by a power failure) and is replaced.
     //
-    // Throws exc::win_sys_exc_t "Failed to create dump recorder file: %1", "Failed to write dump recorder code to %1"
-    // or "Failed to re-open dump recorder for deletion: %1".
-    explicit recorder_file_t(const std::wstring& folder, std::uint32_t longest_wait = 5000);
+    // Throws exc::win_sys_exc_t if the file cannot be created, written or re-opened.
+    explicit recorder_file_t(const std::wstring& folder, std::uint32_t timeout = 5000);
 
     const std::wstring& path() const { return path_; }
 
@@ -29,17 +28,15 @@ private:
     platform::unique_file deletion_;
 };
 
-// Starts the recorder without a window; it inherits all inheritable handles. Throws exc::win_sys_exc_t "Failed to start
-// dump generator process. File: %1".
+// Starts the recorder without a window; it inherits all inheritable handles. Throws exc::win_sys_exc_t.
 platform::unique_handle start_recorder(const std::wstring& file, const std::wstring& arguments);
 
 // Long enough for any dump, even on a slow disk; fixed from outside.
-inline constexpr std::uint32_t longest_recording = 1'814'400'000;  // milliseconds: 21 days
+inline constexpr std::uint32_t recording_timeout = 1'814'400'000;  // milliseconds: 21 days
 
-// Waits until the process has ended and returns its exit code. After longest_wait milliseconds it ends the process and
-// throws exc::runtime_exc_t "Timed out waiting for dump generator process to finish". Throws exc::win_sys_exc_t "Failed
-// to wait for dump generator process" and "Failed to get exit code of dump generator process".
-std::uint32_t wait_for_recorder(const platform::unique_handle& process, std::uint32_t longest_wait = longest_recording);
+// Waits until the process has ended and returns its exit code. After timeout milliseconds it ends the process and
+// throws exc::runtime_exc_t. Throws exc::win_sys_exc_t if the system cannot wait or has no exit code.
+std::uint32_t wait_for_recorder(const platform::unique_handle& process, std::uint32_t timeout = recording_timeout);
 
 // Returns what an exit code of the recorder means; "unexpected exit code" for one that is not the recorder's own.
 std::string_view recorder_exit_text(std::uint32_t code) noexcept;

@@ -7,7 +7,7 @@
 namespace crash {
 namespace {
 
-constexpr std::size_t most_frames = 256;
+constexpr std::size_t max_frames = 256;
 
 // A walk through a damaged stack must not crash once more.
 bool read_word(std::uint64_t address, std::uint64_t& value) {
@@ -52,7 +52,7 @@ void walk_stack(const CONTEXT& thread, const std::function<void(std::uint64_t)>&
     GetSystemInfo(&system);
     check_architecture(system.wProcessorArchitecture);
     CONTEXT context = thread;
-    for (std::size_t frame = 0; frame < most_frames; ++frame) {
+    for (std::size_t frame = 0; frame < max_frames; ++frame) {
         visit(context.Rip);
         const DWORD64 stack_pointer = context.Rsp;
         if (!leave_function(context) || context.Rip == 0 || context.Rsp <= stack_pointer) return;

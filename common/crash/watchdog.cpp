@@ -6,7 +6,7 @@
 namespace crash {
 namespace {
 
-constexpr DWORD limit = 60'000;  // milliseconds
+constexpr DWORD handling_timeout = 60'000;  // milliseconds
 constexpr SIZE_T stack_size = 16'384;
 
 // Never closed: a crash may come at any time until the process is gone.
@@ -26,7 +26,7 @@ bool has_ended(HANDLE process) { return process != nullptr && WaitForSingleObjec
 // times, and each call takes back one.
 void resume() {
     if (resume_process != nullptr) resume_process(GetCurrentProcess());
-    end = std::min<ULONGLONG>(end, GetTickCount64() + limit);
+    end = std::min<ULONGLONG>(end, GetTickCount64() + handling_timeout);
 }
 
 // For Wine, see prepare_watchdog().
@@ -60,20 +60,20 @@ void prepare_watchdog() noexcept {
 
 void start_watchdog(std::uint32_t exit_status) noexcept {
     ULONGLONG never = 0;
-    if (end.compare_exchange_strong(never, GetTickCount64() + limit)) status = exit_status;
+    if (end.compare_exchange_strong(never, GetTickCount64() + handling_timeout)) status = exit_status;
     SetEvent(started);
 }
 
 std::uint32_t watching_thread() noexcept { return thread_id; }
 
-watchdog_pause_t::watchdog_pause_t(HANDLE process, std::uint32_t longest_wait) noexcept {
-    grant(ULONGLONG{longest_wait} + limit);
+watchdog_pause_t::watchdog_pause_t(HANDLE process, std::uint32_t timeout) noexcept {
+    grant(ULONGLONG{timeout} + handling_timeout);
     awaited = process;
 }
 
 watchdog_pause_t::~watchdog_pause_t() {
     awaited = nullptr;
-    grant(limit);
+    grant(handling_timeout);
 }
 
 }  // namespace crash

@@ -22,11 +22,11 @@ void start_watchdog(std::uint32_t exit_status) noexcept;
 std::uint32_t watching_thread() noexcept;
 
 // For the thread that handles the crash, while it waits for another process to write the dump. Waiting does not use up
-// the minute: it is extended by longest_wait (milliseconds), and starts anew when the wait is over. If that process is
+// the minute: it is extended by timeout (milliseconds), and starts anew when the wait is over. If that process is
 // killed while it writes the dump, it leaves the threads of this one suspended; the watching thread resumes them.
 class watchdog_pause_t {
 public:
-    watchdog_pause_t(HANDLE process, std::uint32_t longest_wait) noexcept;
+    watchdog_pause_t(HANDLE process, std::uint32_t timeout) noexcept;
     ~watchdog_pause_t();
     watchdog_pause_t(const watchdog_pause_t&) = delete;
     watchdog_pause_t& operator=(const watchdog_pause_t&) = delete;

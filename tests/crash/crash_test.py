@@ -6,13 +6,13 @@ import pathlib
 import re
 import shutil
 import subprocess
-import sys
-import time
+import unittest
 
-ROOT, PROGRAM, WORK = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
+from console_kit import BIN, WORK, forms, prepare_windows_environment, windows_path
+
+PROGRAM = pathlib.Path(BIN, "crash_program.exe")
 SYSTEM_MODULES = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows"
 PASSWORD = "Zq7#tiger"
-RECORDER = "TovakDumpRecorder"
 REPORTED_FRAME = rb"\r\nStack frames:\r\n0x[0-9a-f]+ crash_program\.exe \+ "
 
 BEGIN = ["Trying to generate crash dump", "Executing crash handlers.", "Crash handlers were successfully executed."]
@@ -25,7 +25,8 @@ LEGACY = RECORDED + ["Dump generator process failed with 1: unspecified failure$
                      r"Cannot load dbghelp\.dll library\.$",
                      r"Writing legacy dump\. Dump path: .*\\Ormacon_crash_\d+_1-exceptions\.log\.$"]
 # Each stage faults after its line; the minidump's writer does so after a fault of its own.
-FAULTS = FAULTY + IN_PROCESS + ["The library goes on.", r"MiniDumpWriteDump\(\) function call has failed", LEGACY[-1]]
+FAULTS = FAULTY + IN_PROCESS + ["The library goes on.", r"MiniDumpWriteDump\(\) function call has failed",
+                                "Error code: 0xc0000005$", LEGACY[-1]]
 NO_FOLDER = BEGIN + [r"WARN\|The folder for crash dumps is unknown\.$"]
 FILE_FOLDER = BEGIN + [r"WARN\|Cannot open dump folder \[.*\\Dumps\]\.$"]
 LINKED_FOLDER = BEGIN + [r"WARN\|Dump folder \[.*\\Dumps\] is a link\.$"]
@@ -67,69 +68,11 @@ CASES = [
     Case("pure_virtual_call", TERMINATE, None, FILE_FOLDER, NO_DUMP, NOWHERE, "logs/Dumps"),
     Case("heap_corruption", 0xC0000374, None, LINKED_FOLDER, NO_DUMP, NOWHERE, "logs/Dumps@"),
 ]
-failures = []
-
-
-def check(name, condition, what):
-    if not condition:
-        failures.append(name)
-        print(f"FAILED {name}: {what}")
-
-
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
-
-
-class Crash:
-    def __init__(self, case, name):
-        self.case, self.name, self.folder = case, name, WORK / name
-        self.dumps = self.folder / "logs/Dumps"
-        # The status that a Unix program gets has 8 bits; the command interpreter prints all 32.
-        line = f"{windows_path(self.folder / PROGRAM.name)} {case.way} {windows_path(self.folder)} & echo !errorlevel!"
-        command = f'. "{ROOT}/scripts/common.sh"; WINEDLLOVERRIDES+=";{case.overrides}" exec wine64 cmd /v:on /c "$1"'
-        begin = time.monotonic()
-        run = subprocess.run(["bash", "-c", command, "bash", line], input=PASSWORD + "\n", capture_output=True,
-                             text=True, timeout=200)
-        self.seconds = time.monotonic() - begin
-        printed = run.stdout.split()
-        check(self.name, printed, f"no exit status, {run.stderr!r}")
-        self.status = int(printed[-1]) & 0xFFFFFFFF if printed else None
-        self.notice = run.stderr.removeprefix("pure virtual method called\n")  # which the C++ runtime prints
-        self.files = [path for path in self.dumps.glob("*") if path.is_file()]
-
-    def check(self):
-        case = self.case
-        log = (self.folder / "logs/Ormacon.log").read_text(encoding="utf-8").splitlines()
-        check(self.name, self.status == case.status, f"status {self.status} instead of {case.status}")
-        process_id = next(line.rpartition(" ")[2] for line in log if "Process Id: " in line)
-        names = [re.fullmatch(rf"Ormacon_crash_{process_id}{case.dump}", file.name) for file in self.files]
-        check(self.name, all(names) and len(names) == (case.dump is not NO_DUMP), f"files {self.files}")
-        check(self.name, not (self.folder / RECORDER).is_file(), "the recorder's file was left behind")
-        # Printed last: it is missing when the watching thread had to end the process.
-        notice = f"The program has crashed with 0x{case.status:08X}. {case.notice}" if case.notice else ""
-        check(self.name, self.notice == notice.format(windows_path(self.dumps)), f"notice {self.notice!r}")
-        self.check_log(log)
-        for path in (path for path in self.folder.rglob("*") if path.is_file()):
-            content = path.read_bytes()
-            for encoding in "utf-8", "utf-16-le":
-                check(self.name, PASSWORD.encode(encoding) not in content, f"password as {encoding} in {path.name}")
-            if "exceptions" in path.name:
-                check(self.name, re.search(REPORTED_FRAME, content), f"no frame in {content}")
-
-    def check_log(self, log):
-        """The last lines are those of the crash; they and the line before them have the id of the crashed thread."""
-        begin = next((i for i, line in enumerate(log) if BEGIN[0] in line), len(log))
-        rest = iter(log[begin:])
-        for line in self.case.lines:
-            check(self.name, any(re.search(line, found) for found in rest), f"{line!r} is not in its place in {log[begin - 1:]}")
-        check(self.name, list(rest) == [] or self.case.lines[-1] not in RECORDED, f"lines after the end of {log}")
-        threads = {line.partition(">")[0].partition("<")[2] for line in log[begin - 1:]} - {"     +"}  # continued lines
-        # So have the lines of the spare thread, which handles the stack overflow of a second thread.
-        check(self.name, len(threads) <= 1, f"several threads in {log}")
 
 
 def prepare(name, obstacle=""):
-    folder = WORK / name
+    """Returns an empty folder with the program and this obstacle."""
+    folder = pathlib.Path(WORK, "crashes", name)
     shutil.rmtree(folder, ignore_errors=True)
     (folder / "logs").mkdir(parents=True)
     for file in PROGRAM, PROGRAM.with_name("crash_library.dll"):
@@ -140,57 +83,99 @@ def prepare(name, obstacle=""):
         place.symlink_to(folder / "elsewhere")
     elif obstacle:
         place.touch()
+    return folder
 
 
-def check_case(number):
-    case = CASES[number]
-    name = f"{number}-{case.way}"
-    prepare(name, case.obstacle)
-    crash = Crash(case, name)
-    crash.check()
-    return crash
+class Crash:
+    """A run of the program, and what it has left."""
+
+    def __init__(self, case, folder):
+        self.case, self.folder, self.dumps = case, folder, folder / "logs/Dumps"
+        # The status that a Unix program gets has 8 bits; the command interpreter prints all 32.
+        line = f"{windows_path(folder / PROGRAM.name)} {case.way} {windows_path(folder)} & echo !errorlevel!"
+        overrides = f"{os.environ['WINEDLLOVERRIDES']};{case.overrides}"
+        run = subprocess.run(["wine64", "cmd", "/v:on", "/c", line], input=PASSWORD + "\n", capture_output=True,
+                             text=True, timeout=200, env={**os.environ, "WINEDLLOVERRIDES": overrides})
+        printed = run.stdout.split()
+        self.status = int(printed[-1]) & 0xFFFFFFFF if printed else f"none is printed: {run}"
+        self.notice = run.stderr.removeprefix("pure virtual method called\n")  # which the C++ runtime prints
+        self.log = (folder / "logs/Ormacon.log").read_text(encoding="utf-8").splitlines()
+        self.files = [path for path in self.dumps.glob("*") if path.is_file()]
 
 
-def check_crashes_at_once():
-    """Programs that share one recorder file lose no dump; a later crash deletes the oldest one."""
-    prepare("at_once")
-    case = Case("uncaught_int", TERMINATE, None)
-    with concurrent.futures.ThreadPoolExecutor(4) as programs:
-        crashes = list(programs.map(lambda _: Crash(case, "at_once"), range(4)))
-    for crash in crashes:
-        check("at_once", crash.status == TERMINATE, f"status {crash.status}, notice {crash.notice!r}")
-    dumps = set(crashes[0].dumps.iterdir())
-    check("at_once", len(dumps) == 4 and all(dump.suffix == ".mdmp" for dump in dumps), f"{dumps}")
-    check("at_once", not (crashes[0].folder / RECORDER).exists(), "the recorder's file was left behind")
-    oldest = min(dumps, key=lambda dump: dump.stat().st_mtime_ns)
-    for number in range(6):
-        (crashes[0].dumps / f"Ormacon_crash_{number}_1.mdmp").touch()
-    last = Crash(case, "at_once")
-    check("at_once", len(last.files) == 10 and dumps - set(last.files) == {oldest}, f"{last.files} after {dumps}")
-    log = (last.folder / "logs/Ormacon.log").read_text()
-    check("at_once", f"Dump [{windows_path(oldest)}] deleted." in log, f"not in {log}")
+class CrashHandling(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        prepare_windows_environment()
+        with concurrent.futures.ThreadPoolExecutor(3) as executor:
+            cls.crashes = list(executor.map(lambda case: Crash(case, prepare(case.way, case.obstacle)), CASES))
+
+    def test_every_way_to_die_leaves_what_it_should(self):
+        for crash in self.crashes:
+            with self.subTest(crash.case.way):
+                self.check_status_and_files(crash)
+                self.check_log(crash)
+
+    def check_status_and_files(self, crash):
+        case = crash.case
+        self.assertEqual(case.status, crash.status)
+        # Printed last: it is missing when the watching thread had to end the process.
+        notice = f"The program has crashed with 0x{case.status:08X}. {case.notice}" if case.notice else ""
+        self.assertEqual(notice.format(windows_path(crash.dumps)), crash.notice)
+        process_id = next(line.rpartition(" ")[2] for line in crash.log if "Process Id: " in line)
+        wanted = f"Ormacon_crash_{process_id}{case.dump}" if case.dump else ""
+        self.assertRegex(" ".join(file.name for file in crash.files), f"^{wanted}$")
+        self.assertFalse((crash.folder / "TovakDumpRecorder").is_file(), "the recorder's file was left behind")
+        for path in crash.folder.rglob("*"):
+            if path.is_file() and path.suffix not in (".exe", ".dll"):
+                content = path.read_bytes()
+                for form in forms(PASSWORD):
+                    self.assertFalse(form.lower() in content.lower(), f"{form} in {path}")
+                if case.dump == REPORT and path in crash.files:
+                    self.assertRegex(content, REPORTED_FRAME)
+
+    def check_log(self, crash):
+        """The last lines are those of the crash; they and the line before them have the id of the crashed thread."""
+        lines, log = crash.case.lines, crash.log
+        begin = next((i for i, line in enumerate(log) if BEGIN[0] in line), len(log))
+        rest = iter(log[begin:])
+        for line in lines:
+            self.assertTrue(any(re.search(line, found) for found in rest), f"{line!r} is not in its place in {log}")
+        if not lines or lines[-1] in RECORDED:
+            self.assertEqual([], list(rest), log)
+        threads = {line.partition(">")[0].partition("<")[2] for line in log[begin - 1:]} - {"     +"}  # continued lines
+        # So have the lines of the spare thread, which handles the stack overflow of a second thread.
+        self.assertLessEqual(len(threads), 1, log)
+
+    def test_programs_that_crash_at_once_lose_no_dump_and_a_later_one_deletes_the_oldest(self):
+        case, folder = Case("uncaught_int", TERMINATE, None), prepare("at_once")
+        with concurrent.futures.ThreadPoolExecutor(4) as programs:
+            crashes = list(programs.map(lambda _: Crash(case, folder), range(4)))
+        self.assertEqual([TERMINATE] * 4, [crash.status for crash in crashes])
+        dumps = set(crashes[0].dumps.iterdir())
+        self.assertEqual([".mdmp"] * 4, [dump.suffix for dump in dumps])
+        self.assertFalse((folder / "TovakDumpRecorder").exists(), "the recorder's file was left behind")
+        oldest = min(dumps, key=lambda dump: dump.stat().st_mtime_ns)
+        for number in range(6):
+            (crashes[0].dumps / f"Ormacon_crash_{number}_1.mdmp").touch()
+        last = Crash(case, folder)
+        self.assertEqual((10, {oldest}), (len(last.files), dumps - set(last.files)))
+        self.assertIn(f"Dump [{windows_path(oldest)}] deleted.", "\n".join(last.log))
+
+    def test_backtraces_name_the_function(self):
+        crashes = [crash for crash in self.crashes if crash.case.function and crash.files]
+        debugger = next(filter(shutil.which, ["lldb"] + [f"lldb-{version}" for version in range(30, 13, -1)]), None)
+        self.assertIsNotNone(debugger, "lldb is missing")
+        commands = [f"settings set target.exec-search-paths {PROGRAM.parent} {SYSTEM_MODULES}"]
+        for crash in crashes:
+            commands += [f"target create --core {crash.files[0]}", "bt 40"]
+        options = [part for command in commands for part in ("-o", command)]
+        output = subprocess.run([debugger, "--batch", *options], capture_output=True, text=True, timeout=300).stdout
+        for crash in crashes:
+            with self.subTest(crash.case.way):
+                backtrace = output.partition(f"target create --core {crash.files[0]}\n")[2].partition("(lldb) target")[0]
+                self.assertRegex(backtrace, rf"(?m)frame #\d+:.*[`: ]{re.escape(crash.case.function)}(\(| \+ |$)")
 
 
-def check_backtraces(crashes):
-    commands = [f"settings set target.exec-search-paths {PROGRAM.parent} {SYSTEM_MODULES}"]
-    for crash in crashes:
-        commands += [f"target create --core {crash.files[0]}", "bt 40"]
-    debugger = [DEBUGGER, "--batch"] + [part for command in commands for part in ("-o", command)]
-    output = subprocess.run(debugger, capture_output=True, text=True, timeout=300).stdout
-    for crash in crashes:
-        backtrace = output.partition(f"target create --core {crash.files[0]}\n")[2].partition("(lldb) target")[0]
-        frame = rf"frame #\d+:.*[`: ]{re.escape(crash.case.function)}(\(| \+ |$)"
-        check(crash.name, re.search(frame, backtrace, re.MULTILINE), f"no {crash.case.function} in {backtrace}")
-
-
-DEBUGGER = next(filter(shutil.which, ["lldb"] + [f"lldb-{version}" for version in range(30, 13, -1)]), None)
-if DEBUGGER is None:
-    sys.exit("lldb is missing")
-with concurrent.futures.ThreadPoolExecutor(3) as executor:
-    crashes = list(executor.map(check_case, range(len(CASES))))
-check_crashes_at_once()
-check_backtraces([crash for crash in crashes if crash.case.function and crash.files])
-for crash in crashes:
-    print(f"{crash.name:32} {crash.seconds:5.1f} s")
-print(f"{len(failures)} failures")
-sys.exit(1 if failures else 0)
+if __name__ == "__main__":
+    unittest.main()

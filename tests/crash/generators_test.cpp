@@ -3,10 +3,11 @@
 #include <regex>
 
 #include "common/crash/debug_help.h"
-#include "common/crash/generators.h"
+#include "common/crash/legacy_dump_gen.h"
+#include "common/crash/minidump_gen.h"
 #include "common/platform/guarded_call.h"
-#include "common/crash/recorder/minidump_file.h"
-#include "common/crash/recorder/value_filter.h"
+#include "common/crash/shared/minidump_file.h"
+#include "common/crash/shared/value_filter.h"
 #include "common/crash/stack_frames.h"
 #include "common/exc/raise.h"
 #include "common/platform/path.h"

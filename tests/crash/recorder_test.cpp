@@ -1,5 +1,5 @@
 #include "common/crash/dump_folder.h"
-#include "common/crash/generators.h"
+#include "common/crash/out_of_proc_dump_gen.h"
 #include "common/crash/recorder/ntdll.h"
 #include "common/crash/recorder_program.h"
 #include "common/encoding/convert.h"

@@ -19,13 +19,13 @@ wchar_t* next_argument(wchar_t*& position) {
     return begin;
 }
 
-bool read_number(const wchar_t* text, ULONG64 largest, ULONG64& number) {
+bool read_number(const wchar_t* text, ULONG64 max, ULONG64& number) {
     number = 0;
     if (*text == L'\0') return false;
     for (; *text != L'\0'; ++text) {
         if (*text < L'0' || *text > L'9') return false;
         const auto digit = static_cast<unsigned>(*text - L'0');
-        if (number > (largest - digit) / 10) return false;
+        if (number > (max - digit) / 10) return false;
         number = number * 10 + digit;
     }
     return true;
@@ -40,15 +40,14 @@ bool is_file_name(const wchar_t* text) {
 }
 
 bool read(wchar_t* const (&texts)[argument_count], arguments_t& arguments) {
-    constexpr ULONG64 largest_dword = 0xffffffff;
+    constexpr ULONG64 max_dword = 0xffffffff;
     arguments.folder = texts[6];
     arguments.base_name = texts[7];
-    return read_number(texts[1], ~0ULL, arguments.process) &&
-           read_number(texts[2], largest_dword, arguments.process_id) &&
-           read_number(texts[3], largest_dword, arguments.thread_id) &&
+    return read_number(texts[1], ~0ULL, arguments.process) && read_number(texts[2], max_dword, arguments.process_id) &&
+           read_number(texts[3], max_dword, arguments.thread_id) &&
            read_number(texts[4], ~0ULL, arguments.exception_pointers) &&
-           read_number(texts[5], largest_dword, arguments.watching_thread) &&
-           read_number(texts[8], 10000, arguments.most_dumps) && arguments.most_dumps != 0 &&
+           read_number(texts[5], max_dword, arguments.watching_thread) &&
+           read_number(texts[8], 10000, arguments.max_dumps) && arguments.max_dumps != 0 &&
            *arguments.folder != L'\0' && is_file_name(arguments.base_name) && arguments.process_id != 0 &&
            GetProcessId(reinterpret_cast<HANDLE>(arguments.process)) == arguments.process_id;
 }

@@ -1,9 +1,9 @@
 // The recorder's command line: name, process handle, process id, thread id, address of the EXCEPTION_POINTERS in that
-// process (0: none), id of the thread that must not be suspended (0: none), dump folder, base name, most dumps. Numbers
-// are decimal, texts are in quotes.
+// process (0: none), id of the thread that must not be suspended (0: none), dump folder, base name, maximum of dumps.
+// Numbers are decimal, texts are in quotes.
 #pragma once
 
-#include "common/crash/recorder/exit_codes.h"
+#include "common/crash/shared/exit_codes.h"
 #include "common/win32.h"
 
 namespace recorder {
@@ -14,7 +14,7 @@ struct arguments_t {
     ULONG64 thread_id;
     ULONG64 exception_pointers;
     ULONG64 watching_thread;
-    ULONG64 most_dumps;  // in the folder, the new one included
+    ULONG64 max_dumps;  // in the folder, the new one included
     const wchar_t* folder;
     const wchar_t* base_name;
 };

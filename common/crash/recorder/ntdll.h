@@ -4,7 +4,7 @@
 #include <cstdarg>
 #include <cstddef>
 
-#include "common/crash/recorder/exit_codes.h"
+#include "common/crash/shared/exit_codes.h"
 #include "common/win32.h"
 
 namespace recorder {

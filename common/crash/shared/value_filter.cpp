@@ -1,4 +1,4 @@
-#include "common/crash/recorder/value_filter.h"
+#include "common/crash/shared/value_filter.h"
 
 #include <cstddef>
 

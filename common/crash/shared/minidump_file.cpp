@@ -1,6 +1,6 @@
-#include "common/crash/recorder/minidump_file.h"
+#include "common/crash/shared/minidump_file.h"
 
-#include "common/crash/recorder/value_filter.h"
+#include "common/crash/shared/value_filter.h"
 
 // Compiled for the recorder too, so nothing here needs a C or C++ runtime.
 

@@ -1,4 +1,4 @@
-#include "common/crash/recorder/dump_names.h"
+#include "common/crash/shared/retention.h"
 
 // Compiled for the recorder too, so nothing here needs a C or C++ runtime.
 
