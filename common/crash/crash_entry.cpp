@@ -70,11 +70,8 @@ void execute_handlers(state_t& state) {
 }
 
 void end_handlers(state_t& state) {
-    if (state.handlers_succeeded) {
-        log_component->info("Crash handlers were successfully executed.");
-    } else {
-        log_component->log(logging::level_warning, "A crash handler has failed.");
-    }
+    if (state.handlers_succeeded) return log_component->info("Crash handlers were successfully executed.");
+    log_component->log(logging::level_warning, "A crash handler has failed.");
 }
 
 void prepare_folder(state_t& state) {

@@ -14,10 +14,9 @@ void set_names(const logging::component_t& component, const wchar_t* base_name) 
 // dump. Any thread may call it. Throws what platform::program_path() throws.
 void set_dump_folder(const std::wstring& folder);
 
-// Logs "Trying to generate crash dump", runs the registered handlers between "Executing crash handlers." and "Crash
-// handlers were successfully executed." (left out when one failed), removes old dumps, and writes one dump: out of
-// process, else a minidump from within, else a text report. Every failure is logged; none stops the rest. Finally one
-// line about the crash goes to the standard error.
+// Runs the registered handlers, removes old dumps, and writes one dump: out of process, else a minidump from within,
+// else a text report. Each step is logged, and every failure; none stops the rest. Finally one line about the crash
+// goes to the standard error.
 //
 // This is done in stages, each of which is entered once in the life of the process: the thread that runs a stage and
 // crashes in it (see die()) calls again and continues with the next one. The caller ends the process.

@@ -49,10 +49,10 @@ platform::unique_module load_debug_help() {
 
 symbols_t::symbols_t() : library_(load_debug_help()) {
     if (!library_) return;
-    const auto set_options = find_function<decltype(&SymSetOptions)>(library_, "SymSetOptions");
-    const auto initialise = find_function<decltype(&SymInitializeW)>(library_, "SymInitializeW");
-    get_module_info_ = find_function<decltype(&SymGetModuleInfoW64)>(library_, "SymGetModuleInfoW64");
-    from_address_ = find_function<decltype(&SymFromAddrW)>(library_, "SymFromAddrW");
+    const auto set_options = platform::find_function<decltype(&SymSetOptions)>(library_.get(), "SymSetOptions");
+    const auto initialise = platform::find_function<decltype(&SymInitializeW)>(library_.get(), "SymInitializeW");
+    get_module_info_ = platform::find_function<decltype(&SymGetModuleInfoW64)>(library_.get(), "SymGetModuleInfoW64");
+    from_address_ = platform::find_function<decltype(&SymFromAddrW)>(library_.get(), "SymFromAddrW");
     if (!set_options || !initialise || !get_module_info_ || !from_address_) return;
     set_options(SYMOPT_UNDNAME | SYMOPT_FAIL_CRITICAL_ERRORS | SYMOPT_NO_PROMPTS);
     const std::wstring path = platform::expand_variables(search_path);
@@ -60,7 +60,7 @@ symbols_t::symbols_t() : library_(load_debug_help()) {
 }
 
 symbols_t::~symbols_t() {
-    const auto clean_up = find_function<decltype(&SymCleanup)>(library_, "SymCleanup");
+    const auto clean_up = platform::find_function<decltype(&SymCleanup)>(library_.get(), "SymCleanup");
     if (initialised_ && clean_up != nullptr) platform::call_guarded([&] { return clean_up(GetCurrentProcess()); });
 }
 

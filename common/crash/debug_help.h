@@ -15,12 +15,6 @@ namespace crash {
 // the last error set.
 platform::unique_module load_debug_help();
 
-// Returns null when there is no such export.
-template <class Function>
-Function find_function(const platform::unique_module& library, const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library.get(), name)));
-}
-
 // One at a time in a process: the library keeps one state for it.
 class symbols_t {
 public:
@@ -31,8 +25,7 @@ public:
     symbols_t(const symbols_t&) = delete;
     symbols_t& operator=(const symbols_t&) = delete;
 
-    // "symbols loaded", "no symbols are available" or "no matching symbolic information found (error code: 0x%08x)"
-    // for the module that starts at the address.
+    // What symbols are known for the module that starts at the address, as words for the report.
     std::string describe_module(std::uint64_t begin) const;
 
     // The address, then, where they are known, the file name of the module and the function, each with the distance

@@ -19,20 +19,16 @@ struct dump_folder_t {
 // Opens the folder, and creates it if it is missing. Nobody else has access to it from then on, even if it existed (see
 // platform::make_private()): any account may be allowed to create files in the folders above it.
 //
-// Throws exc::runtime_exc_t "Dump folder [%1] is a link." (also if it is not where its path leads) or "Dump folder [%1]
-// belongs to another account.", what platform::require_trusted_folder() throws for the folders above it, and
-// exc::win_sys_exc_t "Cannot create directory [%1].", "Cannot open dump folder [%1].", "Cannot protect dump folder
-// [%1]." or "Cannot determine the current account.".
+// Throws exc::runtime_exc_t if the folder is a link, is not where its path leads, or belongs to another account; what
+// platform::require_trusted_folder() throws for the folders above it; exc::win_sys_exc_t if the system refuses.
 dump_folder_t open_dump_folder(const std::wstring& folder);
 
-// Makes room for one more dump: deletes the oldest ones until fewer than maximum_count are left, and logs
-// "Dump [%1] deleted." for each. If one cannot be deleted, logs "Old dump cannot be removed. Dump path: [%1]." with the
-// error code, and deletes the next oldest one instead. Other files are left alone. Throws exc::runtime_exc_t "Cannot
-// cleanup out of date dumps. There are [%1] dumps stored. Maximum allowed dumps number: [%2]." if too many are left.
+// Makes room for one more dump: deletes the oldest ones until fewer than maximum_count are left, and logs each. One
+// that cannot be deleted is logged as well, and the next oldest one follows. Other files are left alone. Throws
+// exc::runtime_exc_t if too many are left.
 void cleanup_dumps(const logging::component_t& component, const std::wstring& folder, std::size_t maximum_count);
 
-// Returns the smallest number from 1 to 10000 that is not in the set. Throws exc::runtime_exc_t "All dump identifiers
-// are reserved.".
+// Returns the smallest number from 1 to 10000 that is not in the set. Throws exc::runtime_exc_t if there is none.
 unsigned first_free_identifier(const std::set<unsigned>& taken);
 
 // Returns the path with "_", the process id, "_" and the first identifier for which there is no dump of either kind. No

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "common/crash/dump_gen_base.h"
 
 namespace crash::win32 {
@@ -14,5 +16,12 @@ public:
     // walk_stack() throw.
     void generate(const cause_t& cause, const std::wstring& path) override;
 };
+
+// Throws exc::runtime_exc_t for an architecture (the system's number of it) whose stacks walk_stack() cannot walk.
+void check_architecture(WORD architecture);
+
+// Calls visit(address of the instruction) for each frame that leads to this place in a thread of this process, the
+// innermost first; at most 256. A damaged stack ends the walk. Throws what check_architecture() throws.
+void walk_stack(const CONTEXT& thread, const std::function<void(std::uint64_t)>& visit);
 
 }  // namespace crash::win32

@@ -13,18 +13,14 @@
 namespace crash::win32 {
 namespace {
 
-platform::unique_handle duplicate_process_handle() {
+platform::unique_handle duplicate_process_handle() try {
     platform::unique_handle process;
     const HANDLE current = GetCurrentProcess();
-    if (!DuplicateHandle(current, current, current, process.put(), 0, TRUE, DUPLICATE_SAME_ACCESS)) {
-        exc::win_sys_exc_t failure(GetLastError());
-        exc::add_win_error(
-            failure, failure.error_code,
-            "Cannot initialize out-of-process dump generator: failed to duplicate current process handle");
-        failure.add_text("Failed to create out-of-process dump generator");
-        throw failure;
-    }
-    return process;
+    if (DuplicateHandle(current, current, current, process.put(), 0, TRUE, DUPLICATE_SAME_ACCESS)) return process;
+    exc::raise_win_error(GetLastError(),
+                         "Cannot initialize out-of-process dump generator: failed to duplicate current process handle");
+} catch (const std::exception& failure) {
+    exc::rethrow_with_context(failure, "Failed to create out-of-process dump generator");
 }
 
 }  // namespace

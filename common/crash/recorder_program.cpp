@@ -92,9 +92,8 @@ std::uint32_t wait_for_recorder(const platform::unique_handle& process, std::uin
     }
     if (outcome != WAIT_OBJECT_0) exc::raise_win_error(GetLastError(), "Failed to wait for dump generator process");
     DWORD code = 0;
-    if (!GetExitCodeProcess(process.get(), &code)) {
+    if (!GetExitCodeProcess(process.get(), &code))
         exc::raise_win_error(GetLastError(), "Failed to get exit code of dump generator process");
-    }
     return code;
 }
 

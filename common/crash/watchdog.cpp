@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <atomic>
 
+#include "common/platform/module.h"
+
 namespace crash {
 namespace {
 
@@ -51,8 +53,8 @@ DWORD WINAPI watch(void*) {
 
 void prepare_watchdog() noexcept {
     started = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    resume_process = reinterpret_cast<decltype(resume_process)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtResumeProcess")));
+    resume_process =
+        platform::find_function<decltype(resume_process)>(GetModuleHandleW(L"ntdll.dll"), "NtResumeProcess");
     main_thread = OpenThread(SYNCHRONIZE | THREAD_QUERY_LIMITED_INFORMATION, FALSE, GetCurrentThreadId());
     if (started == nullptr || main_thread == nullptr) return;
     if (const HANDLE thread = CreateThread(nullptr, stack_size, &watch, nullptr, 0, &thread_id)) CloseHandle(thread);

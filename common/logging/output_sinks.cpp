@@ -26,7 +26,7 @@ bool wait_for(HANDLE object) {
 // text in the code page of the system.
 platform::unique_handle open_trusted_section() {
     platform::unique_handle section(OpenFileMappingW(FILE_MAP_WRITE | READ_CONTROL, FALSE, L"DBWIN_BUFFER"));
-    if (section && !platform::has_trusted_owner(section.get(), SE_KERNEL_OBJECT)) section.reset();
+    if (section && !platform::has_trusted_owner(section.get())) section.reset();
     return section;
 }
 

@@ -5,8 +5,6 @@
 #include "common/exc/raise.h"
 #include "common/platform/owned.h"
 
-#include <aclapi.h>
-
 namespace platform {
 namespace {
 
@@ -71,12 +69,17 @@ bool is_trusted_owner(PSID owner) {
            EqualSid(owner, current_account_t().sid());
 }
 
-bool has_trusted_owner(HANDLE opened, SE_OBJECT_TYPE type) {
+bool has_trusted_owner(HANDLE opened) {
+    // Not by GetSecurityInfo(), which loads libraries: a crashed thread asks here, too.
+    alignas(SECURITY_DESCRIPTOR) std::array<unsigned char, sizeof(SECURITY_DESCRIPTOR) + SECURITY_MAX_SID_SIZE> read{};
+    DWORD size = 0;
     PSID owner = nullptr;
-    unique_local descriptor;
-    const DWORD failure =
-        GetSecurityInfo(opened, type, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr, nullptr, descriptor.put());
-    if (failure != ERROR_SUCCESS || owner == nullptr) return false;
+    BOOL is_default = FALSE;
+    if (!GetKernelObjectSecurity(opened, OWNER_SECURITY_INFORMATION, read.data(), static_cast<DWORD>(read.size()),
+                                 &size) ||
+        !GetSecurityDescriptorOwner(read.data(), &owner, &is_default) || owner == nullptr) {
+        return false;
+    }
     // Everyone means that there are no owners, as on FAT.
     return IsWellKnownSid(owner, WinWorldSid) || is_trusted_owner(owner);
 }

@@ -5,8 +5,6 @@
 
 #include "common/win32.h"
 
-#include <accctrl.h>
-
 namespace platform {
 
 // Returns whether a file of this owner may be used as if this program had created it: whether the owner is SYSTEM,
@@ -15,7 +13,7 @@ bool is_trusted_owner(PSID owner);
 
 // The same for an open file or folder, or another kind of object, whose handle needs READ_CONTROL access. Returns true
 // if the file system has no owners, and false if the owner cannot be read.
-bool has_trusted_owner(HANDLE opened, SE_OBJECT_TYPE type = SE_FILE_OBJECT);
+bool has_trusted_owner(HANDLE opened);
 
 // Creates a folder to which only SYSTEM, Administrators and the account of this process have access. Everything in it
 // inherits these permissions; the folder itself inherits none. On failure, returns false with the last error set.

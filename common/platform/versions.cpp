@@ -6,12 +6,13 @@
 
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
+#include "common/platform/module.h"
 #include "common/win32.h"
 
 namespace platform {
 namespace {
 
-using RtlGetVersionFn = LONG WINAPI(OSVERSIONINFOEXW*);
+using RtlGetVersionFn = LONG(WINAPI*)(OSVERSIONINFOEXW*);
 
 const char* architecture() {
     SYSTEM_INFO system{};
@@ -24,13 +25,6 @@ const char* architecture() {
         default:
             return "unknown architecture";
     }
-}
-
-// Null if there is no such function, or no library.
-template <class Function>
-Function* find_function(HMODULE library, const char* name) {
-    if (library == nullptr) return nullptr;
-    return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(GetProcAddress(library, name)));
 }
 
 // Loaded at the first use, and kept. It is not imported: Windows looks for an import of this name in the program's
@@ -47,7 +41,7 @@ struct translation_t {
 
 template <class Value>
 const Value* find(const std::vector<char>& resource, const wchar_t* name) {
-    const auto query = find_function<decltype(VerQueryValueW)>(version_library(), "VerQueryValueW");
+    const auto query = find_function<decltype(&VerQueryValueW)>(version_library(), "VerQueryValueW");
     void* value = nullptr;
     UINT size = 0;
     const bool found = query != nullptr && query(resource.data(), name, &value, &size) && size > 0;
@@ -89,8 +83,8 @@ std::string os_version_text() {
 }
 
 version_resource_t read_version_resource(const std::wstring& path) {
-    const auto size = find_function<decltype(GetFileVersionInfoSizeW)>(version_library(), "GetFileVersionInfoSizeW");
-    const auto read = find_function<decltype(GetFileVersionInfoW)>(version_library(), "GetFileVersionInfoW");
+    const auto size = find_function<decltype(&GetFileVersionInfoSizeW)>(version_library(), "GetFileVersionInfoSizeW");
+    const auto read = find_function<decltype(&GetFileVersionInfoW)>(version_library(), "GetFileVersionInfoW");
     if (size == nullptr || read == nullptr) return {};
     std::vector<char> resource(size(path.c_str(), nullptr));
     if (!read(path.c_str(), 0, static_cast<DWORD>(resource.size()), resource.data())) return {};

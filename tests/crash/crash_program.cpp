@@ -1,6 +1,7 @@
 // crash_program WAY FOLDER: dies in this way with its log and its dumps in FOLDER\logs.
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -16,6 +17,7 @@
 #include "common/logging/log_settings.h"
 #include "common/logging/logger.h"
 #include "common/logging/open_log.h"
+#include "common/platform/module.h"
 #include "tests/support/hook.h"
 #include "tests/support/recording_sink.h"
 #include "tests/support/test_registry.h"
@@ -69,12 +71,9 @@ struct derived_t : base_t {
 };
 
 const HANDLE happened = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-struct blocking_sink_t : logging::receiver::sink_t {
-    void write_line(const logging::line_t&) override {
-        SetEvent(happened);
-        Sleep(INFINITE);
-    }
-};
+void attach_sink(std::function<void(const logging::line_t&)> action) {
+    logging::process_logger().attach(boost::make_shared<test_support::recording_sink_t>(action));
+}
 
 // The records of a crash have the id of the thread that crashed, as this one has.
 void run_on_second_thread(void (*crash)()) {
@@ -85,7 +84,6 @@ void run_on_second_thread(void (*crash)()) {
 }
 
 WAY stack_overflow() { overflow_stack(); }
-WAY stack_overflow_second_thread() { run_on_second_thread(overflow_stack); }
 // With the guard page at the stack's end, the fault comes in the midst of it: too little is left for a report.
 WAY stack_overflow_unreported() { recurse<2048>(zeros); }
 WAY uncaught_int() { throw 42; }
@@ -95,11 +93,13 @@ WAY heap_corruption() {
     SetUnhandledExceptionFilter(nullptr);
     RaiseException(0xC0000374, EXCEPTION_NONCONTINUABLE, 0, nullptr);
 }
-WAY library_load() { LoadLibraryW(L"crash_library.dll"); }
 // Another thread has the log's lock.
 WAY log_lock_held() {
     std::thread([] {
-        logging::process_logger().attach(boost::make_shared<blocking_sink_t>());
+        attach_sink([](auto&&) {
+            SetEvent(happened);
+            Sleep(INFINITE);
+        });
         test_log.info("reaches the sinks before that one");
     }).detach();
     WaitForSingleObject(happened, INFINITE);
@@ -123,26 +123,21 @@ void fault_in_handling() {
     SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { std::_Exit(9); });
     write_through_null();
 }
-struct faulting_sink_t : logging::receiver::sink_t {
-    explicit faulting_sink_t(std::string_view place) : place_(place) {}
-    void write_line(const logging::line_t& line) override {
-        if (line.record.text.find(place_) != std::string_view::npos) fault_in_handling();
-    }
-    std::string_view place_;
-};
 void plant_faults() {
     crash::register_handler(fault_in_handling);
     for (const auto* place : {"Trying to", "handler has failed", "Generating dump", "Writing legacy dump"}) {
-        logging::process_logger().attach(boost::make_shared<faulting_sink_t>(place));
+        attach_sink([place](const logging::line_t& line) {
+            if (line.record.text.find(place) != std::string_view::npos) fault_in_handling();
+        });
     }
     FindFirstFileW_hook::replacement = [](auto... args) {
         static bool again = false;
         if (!std::exchange(again, true)) fault_in_handling();
         return FindFirstFileW_hook::System(args...);
     };
-    GetStdHandle_hook::replacement = [](DWORD number) {
+    GetStdHandle_hook::replacement = [](auto) -> HANDLE {
         fault_in_handling();
-        return GetStdHandle_hook::System(number);
+        return nullptr;
     };
     LoadLibraryExW_hook::replacement = [](auto...) { return GetModuleHandleW(nullptr); };
 }
@@ -175,8 +170,8 @@ WAY two_at_once() {
 }
 WAY loader_lock_held() {
     run_on_second_thread([] {
-        const auto lock = reinterpret_cast<LONG(NTAPI*)(ULONG, ULONG*, ULONG_PTR*)>(
-            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "LdrLockLoaderLock")));
+        using lock_t = LONG(NTAPI*)(ULONG, ULONG*, ULONG_PTR*);
+        const auto lock = platform::find_function<lock_t>(GetModuleHandleW(L"ntdll.dll"), "LdrLockLoaderLock");
         ULONG_PTR cookie = 0;
         lock(0, nullptr, &cookie);
         overflow_stack();
@@ -235,7 +230,6 @@ void use_password(way_to_die_t die) {
 // What catches everything that C++ throws must not stop a fault.
 WAY password_in_use() try { use_password(write_through_null); } catch (...) {
 }
-WAY password_and_abort() { use_password(std::abort); }
 // Where the unwinder looks for the caller of this function there is no memory.
 WAY damaged_frame() {
     use_password([] { asm("sub $32, %rsp\n\tmov $8, %rbp\n\tcall abort"); });
@@ -266,6 +260,6 @@ int main(int argc, char** argv) {
     registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", encoding::utf8_to_wide(argv[2]));
     crash::install(test_log, L"logs", L"Ormacon_crash");
     logging::initialise(test_log, L"logs", L"Ormacon.log");
-    reinterpret_cast<way_to_die_t>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(nullptr), argv[1])))();
+    platform::find_function<way_to_die_t>(GetModuleHandleW(nullptr), argv[1])();
     return 0;
 }

@@ -42,11 +42,9 @@ Case = collections.namedtuple("Case", "way status function lines dump notice obs
                               defaults=(RECORDED, MINIDUMP, IN_FOLDER, "", ""))
 CASES = [
     Case("stack_overflow", STACK_OVERFLOW, "recurse<64>"),
-    Case("stack_overflow_second_thread", STACK_OVERFLOW, "recurse<64>"),
     # Wine ends the thread without a report where Windows ends the process.
     Case("stack_overflow_unreported", 1, None, [], NO_DUMP, NO_NOTICE),
     Case("uncaught_int", TERMINATE, "uncaught_int"),
-    Case("library_load", ABORT, "DllMain"),
     Case("log_lock_held", ACCESS_VIOLATION, "write_through_null", []),
     Case("crash_while_exiting", ACCESS_VIOLATION, "write_through_null"),
     Case("loader_lock_held", STACK_OVERFLOW, "recurse<64>"),
@@ -60,7 +58,6 @@ CASES = [
     Case("overflowing_handler", ACCESS_VIOLATION, "write_through_null", BEGIN[:2]),
     # No library of the folder that the recorder is run from may be loaded.
     Case("password_in_use", ACCESS_VIOLATION, "password_in_use", obstacle="dbghelp.dll"),
-    Case("password_and_abort", ABORT, "password_and_abort"),
     Case("recorder_killed", ACCESS_VIOLATION, "recorder_killed", KILLED + IN_PROCESS, OWN_MINIDUMP),
     Case("damaged_frame", ABORT, None, LEGACY, REPORT, overrides="dbghelp="),
     # Ways to die whose dumps would show nothing new.
@@ -75,8 +72,7 @@ def prepare(name, obstacle=""):
     folder = pathlib.Path(WORK, "crashes", name)
     shutil.rmtree(folder, ignore_errors=True)
     (folder / "logs").mkdir(parents=True)
-    for file in PROGRAM, PROGRAM.with_name("crash_library.dll"):
-        os.link(file, folder / file.name)
+    os.link(PROGRAM, folder / PROGRAM.name)
     place = folder / obstacle.rstrip("@")
     if obstacle.endswith("@"):
         (folder / "elsewhere").mkdir()

@@ -5,11 +5,10 @@
 #include "common/crash/debug_help.h"
 #include "common/crash/legacy_dump_gen.h"
 #include "common/crash/minidump_gen.h"
-#include "common/platform/guarded_call.h"
 #include "common/crash/shared/minidump_file.h"
 #include "common/crash/shared/value_filter.h"
-#include "common/crash/stack_frames.h"
 #include "common/exc/raise.h"
+#include "common/platform/module.h"
 #include "common/platform/path.h"
 #include "tests/crash/dump_folder_fixture.h"
 #include "tests/support/recording_sink.h"
@@ -27,6 +26,7 @@ protected:
     [[gnu::noinline]] std::string dump_by(crash::win32::dump_gen_base_t&& generator) const {
         CONTEXT context;
         RtlCaptureContext(&context);
+        context.R12 = secret;
         EXCEPTION_RECORD record{};
         record.ExceptionCode = 0xC0000005;
         EXCEPTION_POINTERS pointers{&record, &context};
@@ -42,6 +42,9 @@ protected:
         WriteFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
         return crash::filter_values(file.get());
     }
+
+    // No constant of the program, whose code is in a dump, and no address.
+    const std::uint64_t secret = ~GetTickCount64();
 };
 
 TEST_F(Generators, LegacyReportListsModulesAndFrames) {
@@ -89,25 +92,14 @@ TEST_F(Generators, FailuresOfTheDebugHelpLibraryAreReported) {
     EXPECT_EQ(take_symbol_search_path(), platform::expand_variables(L"C:\\mine;C:\\other;%SystemRoot%\\Symbols"));
 }
 
-TEST(GuardedCall, EndsWithTheFaultThatLeavesIt) {
-    EXPECT_TRUE(platform::call_guarded([] { return platform::is_in_guarded_call(); }));
-    EXPECT_FALSE(platform::call_guarded([] { return false; }));
-    EXPECT_FALSE(platform::call_guarded([] {
-        RaiseException(EXCEPTION_INT_DIVIDE_BY_ZERO, 0, 0, nullptr);
-        return true;
-    }));
-    EXPECT_EQ(GetLastError(), EXCEPTION_INT_DIVIDE_BY_ZERO);
-    EXPECT_FALSE(platform::is_in_guarded_call());
-}
-
 TEST_F(Generators, WalkEndsOnADamagedStack) {
     CONTEXT context{};
     context.Rip = 0x10;
     context.Rsp = 0x20;
     std::vector<std::uint64_t> frames;
-    crash::walk_stack(context, [&](std::uint64_t address) { frames.push_back(address); });
+    crash::win32::walk_stack(context, [&](std::uint64_t address) { frames.push_back(address); });
     EXPECT_THAT(frames, testing::ElementsAre(0x10u));
-    EXPECT_THAT([] { crash::check_architecture(PROCESSOR_ARCHITECTURE_ARM64); },
+    EXPECT_THAT([] { crash::win32::check_architecture(PROCESSOR_ARCHITECTURE_ARM64); },
                 Fails("Unexpected processor architecture: '12'."));
 }
 
@@ -142,8 +134,9 @@ TEST_F(Generators, UnfilteredMinidumpGoesWhenItIsClosed) {
     EXPECT_THAT(names(), testing::IsEmpty());
 }
 
-TEST_F(Generators, CutOffDumpIsNotFiltered) {
+TEST_F(Generators, RegistersAreFilteredAndACutOffDumpIsRefused) {
     const std::string dump = dump_by(crash::win32::minidump_gen_t(test_log));
+    EXPECT_EQ(dump.find({reinterpret_cast<const char*>(&secret), sizeof secret}), std::string::npos);
     ASSERT_TRUE(filter(dump));
     EXPECT_FALSE(filter("MDMP"));
     EXPECT_FALSE(filter(std::string(dump.size(), 'x')));
@@ -158,7 +151,7 @@ TEST_F(Generators, OtherLibrariesOfTheSameNameAreNotTaken) {
     create(L"dbghelp.dll", 0);
     SetDllDirectoryW(folder.c_str());
     EXPECT_EQ(exc::get_error_text(12007), text);
-    EXPECT_NE(crash::find_function<FARPROC>(crash::load_debug_help(), "MiniDumpWriteDump"), nullptr);
+    EXPECT_NE(platform::find_function<FARPROC>(crash::load_debug_help().get(), "MiniDumpWriteDump"), nullptr);
     SetDllDirectoryW(nullptr);
 }
 

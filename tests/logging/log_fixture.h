@@ -4,9 +4,7 @@
 #include "tests/logging/log_test_kit.h"
 #include "tests/support/hook.h"
 
-#include <aclapi.h>
-
-HOOK(advapi32, GetSecurityInfo)
+HOOK(advapi32, GetKernelObjectSecurity)
 HOOK(kernel32, CreateFileW)
 HOOK(kernel32, GetFileInformationByHandleEx)
 HOOK(kernel32, GetTickCount64)
@@ -34,16 +32,16 @@ inline void fail_to_write(DWORD code, const chosen_t& chosen) {
 
 // These belong to the guests.
 inline void make_foreign(const chosen_t& chosen) {
-    GetSecurityInfo_hook::replacement = [=](HANDLE object, auto type, auto wanted, PSID* owner, auto... rest) {
-        static char account[SECURITY_MAX_SID_SIZE];
-        const DWORD code = GetSecurityInfo_hook::System(object, type, wanted, owner, rest...);
+    GetKernelObjectSecurity_hook::replacement = [=](HANDLE object, auto wanted, void* read, auto... rest) {
+        const BOOL done = GetKernelObjectSecurity_hook::System(object, wanted, read, rest...);
+        auto* const descriptor = static_cast<SECURITY_DESCRIPTOR_RELATIVE*>(read);
         const bool foreign = chosen(name_of(object));
-        if (foreign || *owner == nullptr) {  // Wine knows no owner of a section
-            DWORD size = sizeof account;
-            CreateWellKnownSid(foreign ? WinBuiltinGuestsSid : WinLocalSystemSid, nullptr, account, &size);
-            *owner = account;
+        if (foreign || descriptor->Owner == 0) {  // Wine knows no owner of a section
+            DWORD size = SECURITY_MAX_SID_SIZE;
+            descriptor->Owner = sizeof *descriptor;
+            CreateWellKnownSid(foreign ? WinBuiltinGuestsSid : WinLocalSystemSid, nullptr, descriptor + 1, &size);
         }
-        return code;
+        return done;
     };
 }
 
@@ -55,7 +53,7 @@ void restore() {
 class LogTest : public testing::Test {
 protected:
     ~LogTest() override {
-        restore<GetSecurityInfo_hook, CreateFileW_hook, GetFileInformationByHandleEx_hook, GetTickCount64_hook,
+        restore<GetKernelObjectSecurity_hook, CreateFileW_hook, GetFileInformationByHandleEx_hook, GetTickCount64_hook,
                 SetFileInformationByHandle_hook, WriteFile_hook>();
     }
 

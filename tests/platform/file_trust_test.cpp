@@ -75,7 +75,7 @@ TEST_F(FileTrust, WayThatLeadsElsewhere) {
     make_reparse_point(IO_REPARSE_TAG_MOUNT_POINT, L"Logs");
     make_foreign([](const std::wstring& name) { return name == L"Logs"; });
     EXPECT_EQ(failure(), elsewhere);
-    GetSecurityInfo_hook::replacement = nullptr;
+    GetKernelObjectSecurity_hook::replacement = nullptr;
     when_opened([&](std::wstring& opened, DWORD flags) {
         if ((flags & FILE_FLAG_OPEN_REPARSE_POINT) == 0) change(opened, flags);
     });

@@ -1,21 +1,15 @@
 #include "common/crash/recorder/ntdll.h"
 
+#include "common/platform/module.h"
+
 namespace recorder {
-namespace {
-
-template <class Function>
-bool find(HMODULE module, const char* name, Function& function) {
-    function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-    return function != nullptr;
-}
-
-}  // namespace
 
 crash::recorder_exit_t find_ntdll(HMODULE ntdll, ntdll_t& functions) {
     if (ntdll == nullptr) return crash::recorder_no_ntdll;
-    if (!find(ntdll, "memset", functions.memset)) return crash::recorder_no_memset;
-    if (!find(ntdll, "_vsnwprintf", functions.vsnwprintf)) return crash::recorder_no_vsnwprintf;
-    return crash::recorder_success;
+    functions.memset = platform::find_function<decltype(functions.memset)>(ntdll, "memset");
+    if (functions.memset == nullptr) return crash::recorder_no_memset;
+    functions.vsnwprintf = platform::find_function<decltype(functions.vsnwprintf)>(ntdll, "_vsnwprintf");
+    return functions.vsnwprintf == nullptr ? crash::recorder_no_vsnwprintf : crash::recorder_success;
 }
 
 // NOLINTNEXTLINE(cert-dcl50-cpp): what NTDLL expects
