@@ -129,7 +129,7 @@ constexpr void (*stages[])(state_t& state) = {
 // Never destroyed: the crash may come after the static objects.
 union lasting_t {
     state_t state{};
-    ~lasting_t() {}
+    ~lasting_t() {}  // NOLINT(modernize-use-equals-default): the default would be deleted
 } process;
 
 }  // namespace
