@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Checks the sources: all of them with cppcheck; the product and the demonstration library, or the given files, with
-# clang-tidy. Fails and prints what they report. .clang-tidy and .cppcheck-suppressions say what is checked.
+# Checks the sources: all of them with cppcheck; the product and the demonstration library with check-structure.py and
+# clang-tidy; given files, with clang-tidy only. Fails and prints what they report. .clang-tidy, .cppcheck-suppressions
+# and check-structure.py say what is checked.
 # Builds and installs nothing: run scripts/setup.sh --check before.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
@@ -51,6 +52,7 @@ look_with_clang_tidy() {
 }
 
 if [ "$#" = 0 ]; then
+    scripts/check-structure.py || die "names or includes are not where they belong: see above"
     look_with_cppcheck || die "cppcheck reported problems: see above"
     mapfile -t product < <(git ls-files '*.cpp' ':!tests' ':!benchmarks')
     set -- "${product[@]}"
