@@ -1,20 +1,17 @@
-// The thread's id, error texts, throwing failures, and adding a catcher's sentence.
+// Throwing failures, and adding a catcher's sentence.
 #pragma once
 
 #include <cstdint>
 #include <exception>
 #include <string_view>
 
+#include "common/exc/error_text.h"
 #include "common/exc/exceptions.h"
 
 namespace exc {
 
 // Returns the Win32 id of the calling thread.
 std::uint32_t current_thread_id() noexcept;
-
-// Returns the English text for a Win32 or WinINet error code, in UTF-8, without trailing line breaks. Never empty: an
-// unknown code gets the generic text of the error category.
-std::string get_error_text(std::uint32_t code);
 
 // Throws Exception with the message as its only part.
 template <class Exception = runtime_exc_t>

@@ -7,8 +7,8 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include "common/logging/log_line.h"
 #include "common/logging/log_settings.h"
-#include "common/logging/sink.h"
 #include "common/platform/owned.h"
 
 namespace logging::receiver {

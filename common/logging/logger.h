@@ -11,7 +11,7 @@
 #include <boost/shared_ptr.hpp>
 
 #include "common/logging/cout_multiplexor.h"
-#include "common/logging/sink.h"
+#include "common/logging/log_line.h"
 
 namespace logging {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "common/logging/sink.h"
+#include "common/logging/log_line.h"
 #include "common/win32.h"
 
 namespace logging::receiver {

@@ -1,4 +1,4 @@
-#include "common/logging/sink.h"
+#include "common/logging/log_line.h"
 
 #include <algorithm>
 #include <locale>
