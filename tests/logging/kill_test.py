@@ -5,6 +5,7 @@ kill_test.py PROGRAM FOLDER [ROUNDS [SEED]]: the seed, which is printed, decides
 import collections
 import contextlib
 import glob
+import gzip
 import os
 import pathlib
 import random
@@ -41,9 +42,8 @@ class Kills(unittest.TestCase):
         """Round and number of every record, the oldest first; there may be no other files than those of one log."""
         ages = {int(match[1] or 0): match[0] for match in map(ARCHIVE.fullmatch, os.listdir(WORK)) if match}
         self.assertLessEqual(set(os.listdir(WORK)), {*ages.values(), LOG.name, TEMPORARY.name, OUTPUT.name})
-        packed = [ages[age] for age in sorted(ages, reverse=True)]
-        content = subprocess.check_output(["gzip", "-dc", *packed], cwd=WORK) if packed else b""
-        content += LOG.read_bytes()
+        packed = b"".join((WORK / ages[age]).read_bytes() for age in sorted(ages, reverse=True))
+        content = gzip.decompress(packed) + LOG.read_bytes()
         self.assertNotRegex(content, b"Cannot.*")
         return [(int(match[1]), int(match[2])) for match in RECORD.finditer(content)]
 

@@ -7,6 +7,7 @@
 HOOK(advapi32, GetKernelObjectSecurity)
 HOOK(kernel32, CreateFileW)
 HOOK(kernel32, GetFileInformationByHandleEx)
+HOOK(kernel32, GetSystemTimeAsFileTime)
 HOOK(kernel32, GetTickCount64)
 HOOK(kernel32, SetFileInformationByHandle)
 HOOK(kernel32, WriteFile)
@@ -53,8 +54,8 @@ void restore() {
 class LogTest : public testing::Test {
 protected:
     ~LogTest() override {
-        restore<GetKernelObjectSecurity_hook, CreateFileW_hook, GetFileInformationByHandleEx_hook, GetTickCount64_hook,
-                SetFileInformationByHandle_hook, WriteFile_hook>();
+        restore<GetKernelObjectSecurity_hook, CreateFileW_hook, GetFileInformationByHandleEx_hook,
+                GetSystemTimeAsFileTime_hook, GetTickCount64_hook, SetFileInformationByHandle_hook, WriteFile_hook>();
     }
 
     std::string refusal(const char* name, const char* reason) const {

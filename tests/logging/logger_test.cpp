@@ -1,12 +1,12 @@
 #include "common/logging/logger.h"
 
+#include <bit>
 #include <chrono>
+#include <ctime>
 #include <thread>
 
 #include <boost/make_shared.hpp>
 
-#include "common/exc/exceptions.h"
-#include "common/logging/log_exception.h"
 #include "common/logging/output_sinks.h"
 #include "common/platform/owned.h"
 #include "tests/logging/log_fixture.h"
@@ -14,7 +14,6 @@
 
 using namespace logging;
 using test_support::recording_sink_t;
-using test_support::test_log;
 using testing::ElementsAre;
 
 TEST(Logger, SinksThatThrowOrLogCostTheOthersNothing) {
@@ -69,18 +68,55 @@ TEST(Logger, CrashInsideASinkIsLoggedByTheOthers) {
     EXPECT_THAT(crashing->lines, ElementsAre("record"));
 }
 
-TEST(LogException, TextsAndLevels) {
-    struct no_text_t : std::exception {
-        const char* what() const noexcept override { return nullptr; }
+TEST(Sink, LayoutsOfLines) {
+    const struct {
+        std::uint32_t thread;
+        record_t record;
+        const char *file, *console, *short_thread;
+        std::size_t index = 0;
+    } cases[] = {
+        {12, {.level = 4, .depth = 2, .text = "text"}, "<    12> ERR |    text", "Error        text", "<12> "},
+        {4202, {.level = 3, .text = "a"}, "<  4202> WARN|a", "Warning  a", "< 2> "},
+        {42, {.level = 3, .highlighted = true, .text = "a"}, "<    42> >>  |a", "Warning  a", "<42> "},
+        {1, {.level = 1, .highlighted = true, .text = "a"}, "<     1> a", "Info     a", "< 1> "},
+        {100, {.level = 0, .depth = 1, .text = ""}, "<   100>   ", "  ", "< 0> "},
+        {4294967295, {.level = 4, .prefix = "[p] ", .text = "a"}, "<4294967295> [p] ERR |a", "Error    a", "<95> "},
+        {12, {.level = 4, .prefix = "[p] ", .text = "a"}, "<     +> [p] ERR |a", "Error    a", "< +> ", 1},
     };
-    const test_support::CRecordedLog log;
-    exc::runtime_exc_t known;
-    known.add_text("A");
-    log_exception_with_thread(test_log, known);
-    log_exception_with_thread(test_log, no_text_t());
-    const std::string thread = "An exception was thrown from thread [";
-    EXPECT_THAT(log.lines(), ElementsAre("WARN|A", "WARN|" + thread + std::to_string(GetCurrentThreadId()) + "].",
-                                         "ERR |Exception message is not available.", "ERR |" + thread + "n/a]."));
+    for (const auto& c : cases) {
+        std::string lines[3];
+        const line_head_t head{time_stamp_t("[time] "), c.thread};
+        const line_t line{head, c.record, c.record.text, c.index};
+        append_file_line(lines[0], line);
+        append_console_line(lines[1], line);
+        append_short_line(lines[2], line);
+        EXPECT_EQ(lines[0], std::string("[time] ") + c.file);
+        EXPECT_EQ(lines[1], c.console);
+        EXPECT_EQ(lines[2], std::string("[time] ") + c.short_thread + c.console);
+    }
+}
+
+using TimeStamp = log_test::LogTest;
+
+TEST_F(TimeStamp, FollowsWindowsAndNotTheEnvironment) {
+    _putenv("TZ=XYZ-5");
+    _tzset();
+    time_stamp_clock_t clock;
+    // The last second of a year, the next one, and half a year later, in the world's time.
+    for (const std::uint64_t second : {13'411'526'399ULL, 13'411'526'400ULL, 13'427'164'800ULL}) {
+        const auto time = std::bit_cast<FILETIME>(second * 10'000'000 + 9'999'999);
+        GetTickCount64_hook::replacement = [=] { return second; };
+        GetSystemTimeAsFileTime_hook::replacement = [=](FILETIME* now) { *now = time; };
+        SYSTEMTIME utc, t;
+        FileTimeToSystemTime(&time, &utc);
+        SystemTimeToTzSpecificLocalTime(nullptr, &utc, &t);
+        char text[32];
+        std::snprintf(text, sizeof text, "[%02d.%02d.%04d %02d:%02d:%02d] ", t.wDay, t.wMonth, t.wYear, t.wHour,
+                      t.wMinute, t.wSecond);
+        for (int i = 0; i < 2; ++i) EXPECT_EQ(std::string_view(clock.now()), text);
+    }
+    _putenv("TZ=");
+    EXPECT_EQ(std::string_view(render_time_stamp(~0ULL / 10'000'000)), "TIME ---");
 }
 
 TEST(CoutMultiplexor, CopiesCompleteLinesAndEnds) {

@@ -1,27 +1,28 @@
-// The log of a whole process. The child processes are this program again, with one of the tests at the end.
+// The log of a whole process, and its settings. The child processes are this program again, with one of the tests at
+// the end.
 #include "common/logging/open_log.h"
 
 #include <iostream>
 #include <regex>
 
 #include "common/exc/raise.h"
+#include "common/logging/log_settings.h"
 #include "common/platform/module.h"
 #include "common/platform/owned.h"
+#include "common/platform/path.h"
 #include "common/platform/versions.h"
 #include "tests/logging/log_fixture.h"
 #include "tests/support/recording_sink.h"
 #include "tests/support/test_registry.h"
 
-#include <shlobj.h>
-
-HOOK(shell32, SHGetFolderPathW)
-
 using namespace logging;
 using namespace log_test;
-using test_support::FailureOf;
+using test_support::CTestRegistry;
 using test_support::test_log;
 
 namespace {
+
+constexpr const wchar_t* product_key = L"SOFTWARE\\Tovak\\Tovak Central";
 
 struct static_object_t {
     ~static_object_t() {
@@ -44,8 +45,8 @@ protected:
 }  // namespace
 
 TEST(child, DISABLED_logs_and_ends) {
-    test_support::CTestRegistry registry;
-    registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", fs::current_path().wstring());
+    CTestRegistry registry;
+    registry.SetText(product_key, L"LogDirectory", fs::current_path().wstring());
     initialise(test_log, L"Sub", L"Ormacon.log");
     test_log.log({.level = 4, .depth = 1, .text = "a failure"});
     std::cout << "printed by " << GetCurrentProcessId() << std::endl;
@@ -94,6 +95,8 @@ TEST_F(OpenLog, ReportsForeignFoldersAndAMissingOutputAndAtItsEndLostRecords) {
     for (int i = 0; i < 2; ++i) test_log.info("lost");
     EXPECT_EQ(log_path(), log);
     close_log();
+    EXPECT_EQ(test_support::FailureOf([] { log_path(); }),
+              "Value of the log path is unavailable: log is not initialized yet.");
     SetStdHandle(STD_ERROR_HANDLE, error);
     texts_t warnings = texts_in(log);
     EXPECT_THAT(warnings, testing::Contains("Clearing collection of cout multiplexors.").Times(1));
@@ -106,13 +109,43 @@ TEST_F(OpenLog, ReportsForeignFoldersAndAMissingOutputAndAtItsEndLostRecords) {
               "Records that could not be written to the log: 3. " + exc::get_error_text(ERROR_DISK_FULL) + "\r\n");
 }
 
-TEST_F(OpenLog, Failures) {
-    EXPECT_EQ(FailureOf([] { log_path(); }), "Value of the log path is unavailable: log is not initialized yet.");
-    test_support::CTestRegistry registry;
-    SHGetFolderPathW_hook::replacement = [](auto...) { return static_cast<HRESULT>(0x80070002); };
-    EXPECT_THAT([] { initialise(test_log, L"Sub", L"A.log"); },
-                testing::ThrowsMessage<exc::win_sys_exc_t>(
-                    testing::EndsWith("\nCannot get the common application-data folder.\n--tr:Error code: 0x80070002\n"
-                                      "Failed to initialize log [Sub\\A.log].\nCannot init logging")));
-    SHGetFolderPathW_hook::replacement = nullptr;
+TEST(LogSettings, BothSizeValuesOrBothDefaultsOnce) {
+    using value_t = std::pair<DWORD, std::uint64_t>;  // of REG_NONE: is missing
+    const struct {
+        value_t size, count;
+        std::uint64_t log_size = 15'728'640;
+        std::uint32_t archive_count = 10;
+    } cases[] = {
+        {{REG_DWORD, 0}, {}},
+        {{}, {REG_DWORD, 3}},
+        {{REG_DWORD, 0}, {REG_DWORD, 5000}, 0, 1000},
+        {{REG_QWORD, 5'000'000'000}, {REG_DWORD, 0}, 5'000'000'000, 0},
+        {{REG_DWORD, 1000}, {REG_QWORD, 3}},
+    };
+    for (const auto& c : cases) {
+        CTestRegistry registry;
+        for (const auto& [name, value] : {std::pair{L"AgentMaxLogSize", c.size}, {L"AgentMaxLogCount", c.count}}) {
+            const auto& [type, data] = value;
+            if (type != REG_NONE) registry.Set(product_key, name, type, &data, type == REG_QWORD ? 8 : 4);
+        }
+        EXPECT_EQ(process_size_limits().archive_count, 10U);  // read once, the first time
+        EXPECT_EQ(read_size_limits().log_size, c.log_size) << c.size.second << ' ' << c.count.second;
+        EXPECT_EQ(read_size_limits().archive_count, c.archive_count) << c.size.second << ' ' << c.count.second;
+    }
+}
+
+TEST(LogSettings, BaseDirectory) {
+    CTestRegistry registry;
+    registry.SetText(product_key, L"LogDirectory", L"");  // as if it were missing
+    EXPECT_EQ(base_log_directory(), platform::expand_variables(L"%ProgramData%\\Tovak\\Backup\\"));
+    registry.SetText(product_key, L"LogDirectory", L"D:\\logs \u00E4");
+    EXPECT_EQ(log_folder_path(L"sub"), L"D:\\logs \u00E4\\sub");
+    registry.SetText(product_key, L"LogDirectory", L"relative\\");
+    EXPECT_EQ(log_folder_path(L"sub"), fs::current_path() / "relative" / "sub");
+}
+
+TEST(LogSettings, SwitchesAreWholeArguments) {
+    const command_switches_t found = find_switches(L"-log \"a -log\" --log -Log \"-verbose\"");
+    EXPECT_FALSE(found.echo);  // the first is the program's name
+    EXPECT_TRUE(found.verbose);
 }

@@ -34,10 +34,8 @@ protected:
 // Deduplicated files, for example, are reparse points, and no links.
 TEST_F(FileTrust, KindsOfReparsePoints) {
     constexpr const char *trusted = nullptr, *link = "it is a link";
-    const std::pair<DWORD, const char*> cases[] = {{IO_REPARSE_TAG_SYMLINK, link},
-                                                   {IO_REPARSE_TAG_MOUNT_POINT, link},
-                                                   {IO_REPARSE_TAG_CLOUD_1, trusted},
-                                                   {IO_REPARSE_TAG_DEDUP, trusted}};
+    const std::pair<DWORD, const char*> cases[] = {
+        {IO_REPARSE_TAG_SYMLINK, link}, {IO_REPARSE_TAG_MOUNT_POINT, link}, {IO_REPARSE_TAG_DEDUP, trusted}};
     const std::wstring other = folder / L"B.log";
     for (const auto& name : {path, other}) WriteFileText(name, "old\r\n");
     const auto outcome = [&] { return FailureOf([&] { platform::open_log_file(path); }); };
