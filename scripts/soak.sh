@@ -48,11 +48,14 @@ run_tests() {
 }
 
 interrupt() {
-    local name passed=Passed event
+    local name passed=Passed event command
     export ORMACON_INTERRUPTS=$1
     for event in ctrl_c ctrl_break closed_window; do
         name=$(date +"$event-%Y%m%d-%H%M%S")
-        round "$name" python3 "$root/tests/console/interrupt_test.py" "Interrupts.test_${event}_at_the_password_prompt" &&
+        command=("$root/tests/console/terminal_test.py" "Interrupts.test_${event}_at_the_password_prompt")
+        [ "$event" != ctrl_break ] || command=("$root/scripts/terminal.py" --unattended wine64
+            "$root/build/test/bin/console_dialogue_test.exe" "--gtest_filter=*AtThePasswordPrompt")
+        round "$name" python3 "${command[@]}" &&
             rm "$results/$name.txt" || passed=Failed
         printf '%s\n' "${event}_${1}_times $passed" >>"$results/outcomes.txt"
         [ "$passed" = Passed ] || return 1

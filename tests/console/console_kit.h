@@ -30,6 +30,9 @@ public:
     CConsole() {
         SetConsoleScreenBufferSize(screen(), {500, 400});  // some consoles keep to the size of their window
         SetConsoleActiveScreenBuffer(screen());
+        // Shells let programs use escape sequences; ours turns that off for itself.
+        SetConsoleMode(screen(),
+                       ENABLE_PROCESSED_OUTPUT | ENABLE_WRAP_AT_EOL_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
         FlushConsoleInputBuffer(input());
     }
     ~CConsole() { SetConsoleActiveScreenBuffer(usual_screen_.get()); }
@@ -39,9 +42,9 @@ public:
     HANDLE input() const { return input_.get(); }
     HANDLE screen() const { return screen_.get(); }
 
-    void TypeLine(const std::string& line) const {
+    void Type(const std::string& text) const {
         std::vector<INPUT_RECORD> keys;
-        for (const wchar_t unit : encoding::utf8_to_wide(line) + L'\r') {
+        for (const wchar_t unit : encoding::utf8_to_wide(text)) {
             const WORD key = unit == L'\r' ? VK_RETURN : 0;
             for (const BOOL down : {TRUE, FALSE}) keys.push_back({KEY_EVENT, {{down, 1, key, 0, {unit}, 0}}});
         }
@@ -49,14 +52,22 @@ public:
         EXPECT_TRUE(WriteConsoleInputW(input(), keys.data(), static_cast<DWORD>(keys.size()), &typed));
     }
 
+    // The modes of the input and of the screen.
+    std::array<DWORD, 2> Modes() const {
+        std::array<DWORD, 2> modes{};
+        EXPECT_TRUE(GetConsoleMode(input(), &modes[0]) && GetConsoleMode(screen(), &modes[1]));
+        return modes;
+    }
+
     // The lines down to the cursor, as far back as the console keeps them; one that it has broken is whole again.
     // Blanks at their ends are left out, except before the cursor.
     std::string Shown() const {
-        const auto [columns, lines] = State().dwSize;
-        const auto [x, last] = State().dwCursorPosition;
+        CONSOLE_SCREEN_BUFFER_INFO state{};
+        EXPECT_TRUE(GetConsoleScreenBufferInfo(screen(), &state));
+        const auto [x, last] = state.dwCursorPosition;
         std::wstring shown;
         for (SHORT y = 0; y <= last; ++y) {
-            std::wstring row(static_cast<std::size_t>(y < last ? columns : x), L' ');
+            std::wstring row(static_cast<std::size_t>(y < last ? state.dwSize.X : x), L' ');
             DWORD read = 0;
             ReadConsoleOutputCharacterW(screen(), row.data(), static_cast<DWORD>(row.size()), {0, y}, &read);
             const bool goes_on = y == last || row.back() != L' ';
@@ -66,12 +77,6 @@ public:
     }
 
 private:
-    CONSOLE_SCREEN_BUFFER_INFO State() const {
-        CONSOLE_SCREEN_BUFFER_INFO state{};
-        EXPECT_TRUE(GetConsoleScreenBufferInfo(screen(), &state));
-        return state;
-    }
-
     const BOOL made_ = AllocConsole();  // refused where there is one
     const platform::unique_file usual_screen_ = Open("CONOUT$"), input_ = Open("CONIN$"),
                                 screen_{CreateConsoleScreenBuffer(all_rights, all_sharing, &inheritable,
@@ -125,25 +130,41 @@ public:
         process_.reset(started.hProcess);
     }
 
-    // Waits for each question and answers it. The limit is for a machine that has other work to do.
+    // Returns whether the condition came true before the program's end. The limit is for a machine that has other work
+    // to do.
+    bool WaitUntil(const std::function<bool()>& condition) const {
+        for (int i = 0; i < 60'000 && !condition() && WaitForSingleObject(process_.get(), 2) == WAIT_TIMEOUT;) ++i;
+        return condition();
+    }
+
+    // Waits for each question and answers it.
     void Answer(const CConsole& console, const Dialogue& dialogue) const {
         for (const auto& [question, answer] : dialogue) {
-            const auto is_asked = [&] { return console.Shown().ends_with(EndOf(question)); };
-            for (int i = 0; i < 60'000 && !is_asked() && WaitForSingleObject(process_.get(), 2) == WAIT_TIMEOUT;) ++i;
-            if (!is_asked()) {
+            if (!WaitUntil([&] { return console.Shown().ends_with(EndOf(question)); })) {
                 ADD_FAILURE() << question << "\nis not asked. The screen:\n" << console.Shown();
                 TerminateProcess(process_.get(), 1);
                 return;
             }
-            console.TypeLine(answer);
+            console.Type(answer + "\r");
         }
     }
 
+    // A thread at CtrlRoutine is how Windows itself reports the event to a program. In a terminal
+    // GenerateConsoleCtrlEvent fails under Wine 8 (invalid handle), and under Wine 10 it never returns.
+    void Interrupt(DWORD event) const {
+        const FARPROC routine = GetProcAddress(GetModuleHandleW(L"kernelbase.dll"), "CtrlRoutine");
+        const auto begin = reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(routine));
+        void* const argument = reinterpret_cast<void*>(std::uintptr_t{event});
+        EXPECT_TRUE(
+            platform::unique_handle(CreateRemoteThread(process_.get(), nullptr, 0, begin, argument, 0, nullptr)));
+    }
+
     // Waits for the end, and returns the log. The exit status of every run that reaches its end is 0.
-    std::string Finish() const {
-        DWORD status = 0;
+    std::string Finish(const testing::Matcher<DWORD>& expected = DWORD{0}) const {
+        DWORD status = STILL_ACTIVE;
         WaitForSingleObject(process_.get(), 120'000);
-        EXPECT_TRUE(GetExitCodeProcess(process_.get(), &status) && status == 0) << status;
+        GetExitCodeProcess(process_.get(), &status);
+        EXPECT_THAT(status, expected);
         return LogOf(GetProcessId(process_.get()));
     }
 

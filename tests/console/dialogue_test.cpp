@@ -11,6 +11,7 @@ using namespace console_test;
 using testing::EndsWith;
 using testing::HasSubstr;
 
+const auto ended = testing::Ne(DWORD{STILL_ACTIVE});
 const std::string parsed = "\nParsing incoming values ok.\n", failed = "\nFailed to execute method ";
 const std::string loaded =
     "Loading configuration library in direct mode\nLoading configuration library in direct mode ok.\n";
@@ -153,8 +154,10 @@ TEST_F(Commands, PrintWhatIsWrongOrTheHelpPageToARedirectedOutput) {
         {"--set-port abc", "the argument ('abc') for option '--set-port' is invalid" + unparsed},
         {"--set-cred user -s3cret -verbose", "unrecognised option '***'" + unparsed},
         {"--set-credentials user", "There is no console to read an answer from" + failed + "SetCredentials\n"},
-        {"--set-host \" h \"", "The backup server [ h ] is not allowed: it is neither a host name nor an IP address." +
-                                   failed + "SetBackupServer\n"},
+        {"--set-host \"\u009b \u061c\u200e\u2028\u202e\u2066\u2069\"",
+         "The backup server [\ufffd \ufffd\ufffd\ufffd\ufffd\ufffd\ufffd] is not allowed: it is neither a host name "
+         "nor an IP address." +
+             failed + "SetBackupServer\n"},
         {"--set-port 70000", "The port 70000 is not allowed: ports are 1 to 65535." + failed + "SetBackupServerPort\n"},
         {"--set-parallelism 0", "The parallelism 0 is not allowed: it is 1 to 64." + failed + "SetParallelism\n"},
         {"--set-repositories", "Cannot find previously configured values" + failed + "SetRepository\n"},
@@ -169,7 +172,7 @@ TEST_F(Commands, PrintWhatIsWrongOrTheHelpPageToARedirectedOutput) {
 
 TEST_F(Commands, ReadFromAConsoleWithRedirectedOutputAndPrintToOneWithRedirectedInput) {
     const CConsole console;
-    console.TypeLine("s3cret");
+    console.Type("s3cret\r");
     Redirect("--set-credentials user", "\n", 0, console.input());
     EXPECT_EQ(console.Shown(), "");
     ExpectStored("\\user", "s3cret");
@@ -239,6 +242,43 @@ TEST_F(Commands, WizardOffersWhatIsConfigured) {
                     HasSubstr("wizard mode ok.\nExecuting StartWizard command\nNew iteration of wizard\n"));
         EXPECT_EQ(host_.Calls("Commit"), 1);
         ExpectStored("CORP\\oracle", "s3cret-word");
+    }
+}
+
+TEST_F(Commands, GiveTheConsoleBackWhenInterruptedAtThePasswordPrompt) {
+    const char* const runs = std::getenv("ORMACON_INTERRUPTS");  // for scripts/soak.sh
+    const CConsole console;
+    const auto modes = console.Modes();
+    for (int run = 0; run < (runs ? std::stoi(runs) : 30); ++run) {  // each time a little later
+        const CProcess process(program_, "--set-credentials user", {console.input(), console.screen(), nul_.get()});
+        ASSERT_TRUE(process.WaitUntil([&] { return (console.Modes()[0] & ENABLE_ECHO_INPUT) == 0; }));
+        if (run % 4 < 2) console.Type("x");
+        Sleep(static_cast<DWORD>(run % 50));
+        process.Interrupt(run % 2 == 0 ? CTRL_BREAK_EVENT : CTRL_C_EVENT);
+        EXPECT_THAT(process.Finish(ended), testing::Not(HasSubstr("[Hidden data]")));
+        EXPECT_EQ(console.Modes(), modes) << run;
+    }
+    EXPECT_EQ(host_.Calls("SetCredentialsDirect"), 0);
+}
+
+TEST_F(Commands, GiveTheConsoleBackThatTheLibraryHasChanged) {
+    const std::pair<std::string, testing::Matcher<DWORD>> cases[] = {
+        {"fail='refused'", DWORD{0}},
+        {"crash='access-violation'", static_cast<DWORD>(STATUS_ACCESS_VIOLATION)},
+        {"delay='60000'", ended},
+    };
+    for (const auto& [fault, status] : cases) {
+        host_.Scenario("<Function name='SetHostDirect' consoleMode='1' " + fault + "/>");
+        const CConsole console;
+        const auto modes = console.Modes();
+        const CProcess process(program_, "--set-host h", {console.input(), console.screen(), nul_.get()});
+        if (fault.starts_with("delay")) {
+            EXPECT_TRUE(process.WaitUntil([&] { return console.Modes()[0] == 1; }));
+            process.Interrupt(CTRL_C_EVENT);
+        }
+        process.Finish(status);
+        EXPECT_EQ(host_.Calls("SetHostDirect"), 1);
+        EXPECT_EQ(console.Modes(), modes) << fault;
     }
 }
 

@@ -22,14 +22,13 @@ RUNS += [("", ["--wizard"], [*QUESTIONS, "1", "4", "2", "", "", "1"], 0),
           [*QUESTIONS, "y", *QUESTIONS, "1", "4", "3"], 0),
          (f'<Function name="Commit" {CRASH}/>', ["--wizard"], [*QUESTIONS, "1", "4", "1"], 5)]
 RUNS += [("", words, [], 0) for words in (
-    [], ["--show-config"], ["--set-port", "7"], ["--set-port", "0"], ["--set-parallelism", "99"], ["--map-backup"],
-    ["--set-host", "?"])]
+    [], ["--show-config"], ["--set-port", "7"], ["--set-parallelism", "99"], ["--map-backup"], ["--set-host", "?"])]
 RUNS += [("", ["--set-repositories"], ["1"], 0)]
 
 
 class Secrets(ConsoleTest):
     def test_found_nowhere(self):
-        self.log_to(self.folder, 4000)
+        self.log_to(self.path("журнал-日志-𝒳"), 4000)
         for scenario, options, answers, status in RUNS:
             self.scenario(scenario)
             terminal = self.start(*options)

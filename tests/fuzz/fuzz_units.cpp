@@ -11,7 +11,6 @@
 #include "common/exc/format_message.h"
 #include "common/plugin/settings_text.h"
 #include "wizard/answers.h"
-#include "wizard/shown_text.h"
 
 namespace {
 
@@ -123,24 +122,6 @@ void check_format(const std::string& input) {
     require(exc::format_message(format, arguments[0]) == plain_format(format, {arguments[0]}), "formats one argument");
 }
 
-// Two bytes are one UTF-16 unit.
-void check_shown(const std::string& input) {
-    constexpr std::wstring_view marks =
-        L"\u061c\u200e\u200f\u2028\u2029\u202a\u202b\u202c\u202d\u202e\u2066\u2067\u2068\u2069";
-    std::wstring text, value, lines;
-    for (std::size_t i = 1; i < input.size(); i += 2) {
-        text += static_cast<wchar_t>((input[i - 1] & 0xff) + (input[i] & 0xff) * 256);
-    }
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool replaced = text[i] < 32 || (text[i] > 126 && text[i] < 160) || marks.find(text[i]) != marks.npos;
-        const bool kept = text[i] == L'\t' || text[i] == L'\n' || text.compare(i, 2, L"\r\n") == 0;
-        value += replaced ? L'\ufffd' : text[i];
-        lines += kept ? text[i] : value[i];
-    }
-    require(wizard::ShownValue(text) == value, "replaces controls and marks in a value");
-    require(wizard::ShownText(text) == lines, "keeps tabs and line ends in a text");
-}
-
 // The input is once the whole text, and once the content of the element with the values.
 void check_settings(const std::string& input) {
     const char* const names[] = {"minPluginManagerPort", "managerConnectionAttempsCount", "managerLockDir", "logsDir"};
@@ -167,6 +148,4 @@ const std::vector<fuzz::unit_t> fuzz::units = {
      words("<Config><PluginParameters ~logsDir='x' ~minPluginManagerPort='7001' ~/></Config>~<logsDir></logsDir>~"
            "<managerLockDir>~</managerLockDir>~<minPluginManagerPort>-1</minPluginManagerPort>~<~>~/>~='~'~&#x~&amp;~;~"
            "<!--~-->~<![CDATA[~]]>~<!~<?xml ~encoding='~UTF-8~?>~\xef\xbb\xbf~\xef\xbb\xbf<a>\xf0")},
-    {"shown", check_shown,
-     words("a\0~\n\0~\r\0\n\0~\r\0~\t\0~\x1f\0~\x7f\0~\x9f\0~\x1c\x06~\x0e\x20~\x29\x20~\x2e\x20~\x66\x20~\x69\x20")},
 };
