@@ -19,7 +19,7 @@ LAYERS = [("app",), ("wizard", "demo_library"), ("conf_tool",), ("common/crash",
 # The demonstration library knows of the program only what every library knows.
 DEMO_LIBRARY_INCLUDES = {"conf_tool/library_interface.h", "common/xml/find_xml_fault.h"}
 # The exceptions convert the system's texts.
-UPWARD = {(f"common/exc/{name}.cpp", "common/encoding/convert.h") for name in ("error_text", "raise")}
+UPWARD = {(f"common/exc/{name}.cpp", "common/encoding/convert.h") for name in ("raise", "system_error_text")}
 
 
 def output_of(*command, **options):

@@ -14,6 +14,7 @@
 #include "wizard/answers.h"
 #include "wizard/console.h"
 #include "wizard/output_path.h"
+#include "wizard/repository_selection.h"
 #include "wizard/shown_text.h"
 
 namespace wizard {

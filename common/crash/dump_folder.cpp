@@ -7,9 +7,9 @@
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "common/logging/log_exception.h"
-#include "common/platform/account.h"
 #include "common/platform/file_trust.h"
 #include "common/platform/path.h"
+#include "common/platform/trusted_owner.h"
 
 namespace crash {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "common/crash/recorder_program.h"
+#include "common/crash/recorder_process.h"
 #include "common/crash/shared/exit_codes.h"
 #include "common/crash/watchdog.h"
 #include "common/encoding/convert.h"

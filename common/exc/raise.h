@@ -5,8 +5,8 @@
 #include <exception>
 #include <string_view>
 
-#include "common/exc/error_text.h"
 #include "common/exc/exceptions.h"
+#include "common/exc/system_error_text.h"
 
 namespace exc {
 

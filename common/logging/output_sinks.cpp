@@ -6,9 +6,9 @@
 
 #include "common/encoding/convert.h"
 #include "common/exc/raise.h"
-#include "common/platform/account.h"
 #include "common/platform/console.h"
 #include "common/platform/owned.h"
+#include "common/platform/trusted_owner.h"
 
 namespace logging::receiver {
 namespace {

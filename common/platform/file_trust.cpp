@@ -5,8 +5,8 @@
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"
-#include "common/platform/account.h"
 #include "common/platform/path.h"
+#include "common/platform/trusted_owner.h"
 
 namespace platform {
 namespace {

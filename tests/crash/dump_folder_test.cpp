@@ -1,7 +1,7 @@
 #include "common/crash/dump_folder.h"
 
 #include "common/encoding/convert.h"
-#include "common/platform/account.h"
+#include "common/platform/trusted_owner.h"
 #include "tests/crash/dump_folder_fixture.h"
 
 namespace {

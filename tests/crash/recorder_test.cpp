@@ -1,7 +1,7 @@
 #include "common/crash/dump_folder.h"
 #include "common/crash/out_of_proc_dump_gen.h"
 #include "common/crash/recorder/ntdll.h"
-#include "common/crash/recorder_program.h"
+#include "common/crash/recorder_process.h"
 #include "common/encoding/convert.h"
 #include "common/exc/format_message.h"
 #include "common/exc/raise.h"

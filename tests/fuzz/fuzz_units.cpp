@@ -10,7 +10,7 @@
 #include "common/exc/exceptions.h"
 #include "common/exc/format_message.h"
 #include "common/plugin/settings_text.h"
-#include "wizard/answers.h"
+#include "wizard/repository_selection.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "common/exc/error_text.h"
+#include "common/exc/system_error_text.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "common/platform/account.h"
+#include "common/platform/trusted_owner.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "common/crash/recorder_program.h"
+#include "common/crash/recorder_process.h"
 
 #include <algorithm>
 #include <utility>
