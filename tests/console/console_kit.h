@@ -30,9 +30,10 @@ public:
     CConsole() {
         SetConsoleScreenBufferSize(screen(), {500, 400});  // some consoles keep to the size of their window
         SetConsoleActiveScreenBuffer(screen());
-        // Shells let programs use escape sequences; ours turns that off for itself.
+        // As shells have it: programs may use escape sequences, which ours turns off for itself, and lines are read.
         SetConsoleMode(screen(),
                        ENABLE_PROCESSED_OUTPUT | ENABLE_WRAP_AT_EOL_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+        SetConsoleMode(input(), ENABLE_PROCESSED_INPUT | ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT);
         FlushConsoleInputBuffer(input());
     }
     ~CConsole() { SetConsoleActiveScreenBuffer(usual_screen_.get()); }
