@@ -15,31 +15,21 @@ using namespace app;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-Command Parse(CommandContext& context, std::vector<const char*> words) {
+// Returns the name of the method that the words choose, or the failure.
+std::string MethodFor(std::vector<const char*> words, bool execute = false) {
     words.insert(words.begin(), "Ormacon.exe");
+    CommandContext context;
     BuildOptions(context);
-    return ParseCommandLine(context, static_cast<int>(words.size()), words.data());
-}
-
-// Returns the method name that the words choose, or the failure.
-std::string MethodFor(const std::vector<const char*>& words) {
-    CommandContext context;
-    std::string method;
-    const std::string failure = test_support::FailureOf([&] { method = Parse(context, words).method_name; });
-    return failure == "ok" ? method : failure;
-}
-
-void RunCommand(const std::vector<const char*>& words) {
-    CommandContext context;
-    const Command command = Parse(context, words);
-    ExecuteMethod(command.handler, command.method_name);
+    Command command;
+    const std::string failure = test_support::FailureOf([&] {
+        command = ParseCommandLine(context, static_cast<int>(words.size()), words.data());
+        if (execute) ExecuteMethod(command.handler, command.method_name);
+    });
+    return failure == "ok" ? command.method_name : failure;
 }
 
 TEST(Commands, ChoosesTheLastCheckThatApplies) {
-    const struct {
-        std::vector<const char*> words;
-        const char* method;
-    } cases[] = {
+    const std::pair<std::vector<const char*>, const char*> cases[] = {
         {{}, "ShowHelp"},
         {{"--help", "--show-config"}, "ShowConfig"},
         {{"--set-cred", "a", "b", "c", "--show-config"}, "SetCredentials"},
@@ -51,14 +41,11 @@ TEST(Commands, ChoosesTheLastCheckThatApplies) {
         {{"--map-backup", "--set-parallelism", "4"}, "MapBackup"},
         {{"--uninstall", "--map-backup", "--help"}, "Uninstall"},
     };
-    for (const auto& c : cases) EXPECT_EQ(MethodFor(c.words), c.method);
+    for (const auto& [words, method] : cases) EXPECT_EQ(MethodFor(words), method);
 }
 
 TEST(Commands, ComplaintsOfTheParserGetTheirContext) {
-    const struct {
-        std::vector<const char*> words;
-        const char* complaint;
-    } cases[] = {
+    const std::pair<std::vector<const char*>, std::string> cases[] = {
         {{"--set-port", "a=b"}, "the argument ('a=b') for option '--set-port' is invalid"},
         {{"--set-credentials", "user", "--s3cret=x", "--set-port", "1"}, "unrecognised option '--s3cret=***'"},
         {{"--set-credentials", "CORP\\oracle", "pw", "--set-prot", "10006"}, "unrecognised option '--set-prot'"},
@@ -75,11 +62,10 @@ TEST(Commands, ComplaintsOfTheParserGetTheirContext) {
          "'--set-port', and '--set-repositories'"},
         {{"help"}, "too many positional options have been specified on the command line"},
     };
-    for (const auto& c : cases) {
-        test_support::CRecordedLog log;
-        EXPECT_EQ(MethodFor(c.words), c.complaint + std::string("\nFailed to parse incoming parameters"));
-        EXPECT_THAT(log.lines(),
-                    testing::ElementsAre("Parsing incoming values", "ERR |Parsing incoming values Failed."));
+    for (const auto& [words, complaint] : cases) {
+        const test_support::CRecordedLog log;
+        EXPECT_EQ(MethodFor(words), complaint + "\nFailed to parse incoming parameters");
+        EXPECT_EQ(log.Text(), "Parsing incoming values\nERR |Parsing incoming values Failed.\n");
     }
 }
 
@@ -89,14 +75,14 @@ TEST(Commands, NamesAndTextsAreShownHarmlessAndPassedOnAsTheyAre) {
         "<Repositories><Repository id='A&#x202E;' name='Good&#13;&#10;1. Evil&#x85;'/></Repositories>"
         "<MapBackup code='1' text='a&#9;b&#10;c&#13;d&#27;[2J'/>");
     test_support::CScriptedConsole console({L"", L"1"});
-    RunCommand({"--set-credentials", "CORP\u200f\\u\u2066"});
+    MethodFor({"--set-credentials", "CORP\u200f\\u\u2066"}, true);
     EXPECT_EQ(console.transcript, L"Enter password for CORP\ufffd\\u\ufffd: <#>");
-    RunCommand({"--set-repositories"});
+    MethodFor({"--set-repositories"}, true);
     console.transcript.clear();
-    RunCommand({"--show-config"});
+    MethodFor({"--show-config"}, true);
     EXPECT_THAT(console.transcript, HasSubstr(L"User name: u\ufffd\nDomain name: CORP\ufffd\n"));
     EXPECT_THAT(console.transcript, EndsWith(L"1. Good\ufffd\ufffd1. Evil\ufffd\n"));
-    RunCommand({"--map-backup"});
+    MethodFor({"--map-backup"}, true);
     EXPECT_THAT(console.transcript, EndsWith(L"Error has occurred\na\tb\nc\ufffdd\ufffd[2J"));
     conf_tool::ConfigurationSnapshot config;
     conf_tool::CConfigToolLibCaller(conf_tool::CallerMode::Direct).GetConfig(config);

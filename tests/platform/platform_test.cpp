@@ -1,10 +1,6 @@
-#include <array>
-#include <vector>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/exc/exceptions.h"
 #include "common/exc/raise.h"
 #include "common/platform/owned.h"
 #include "common/platform/path.h"
@@ -25,9 +21,10 @@ TEST(Registry, ReadsValuesByTheirTypesAndWhateverWasStored) {
     registry.Set(L"K", L"binary", REG_BINARY, &number, sizeof number);
     registry.SetText(L"K", L"expanded", L"%SystemRoot%\\x", REG_EXPAND_SZ);
     registry.Set(L"K", L"no data", REG_SZ, nullptr, 0);
-    registry.Set(L"K", L"unterminated", REG_SZ, L"abc", 7);
+    registry.Set(L"K", L"unterminated", REG_SZ, L"abcd", 7);
     const auto read = [](const wchar_t* name) { return find_registry_value(L"K", name).value(); };
     EXPECT_EQ(read(L"dword").dword(), number);
+    EXPECT_FALSE(read(L"dword").text());
     for (const wchar_t* other : {L"short dword", L"binary", L"no data"}) EXPECT_FALSE(read(other).dword()) << other;
     EXPECT_EQ(read(L"expanded").text(), std::wstring(_wgetenv(L"SystemRoot")) + L"\\x");
     EXPECT_EQ(read(L"no data").text(), L"");
@@ -38,17 +35,13 @@ TEST(Registry, ReadsValuesByTheirTypesAndWhateverWasStored) {
                                                   "--tr:Error code: 0x00000002"));
 }
 
-TEST(Path, TakesApartAndJoins) {
-    for (const auto& [path, parent, name] : std::vector<std::array<const wchar_t*, 3>>{
-             {L"C:\\a/b.exe", L"C:\\a", L"b.exe"}, {L"b.exe", L"", L"b.exe"}, {L"D:\\b.exe", L"D:\\", L"b.exe"}}) {
-        EXPECT_EQ(parent_of(path), parent);
-        EXPECT_EQ(file_name_of(path), name);
-    }
+TEST(Path, IsTakenApartAndJoinedAndHasNoLengthLimitForTheSystem) {
+    const std::pair<std::wstring, std::wstring> parents[] = {
+        {L"C:\\a/b.exe", L"C:\\a"}, {L"b.exe", L""}, {L"D:\\b.exe", L"D:\\"}};
+    for (const auto& [path, parent] : parents)
+        EXPECT_EQ(parent_of(path) + L"|" + file_name_of(path), parent + L"|b.exe");
     EXPECT_EQ(join_path(L"D:\\", L"x"), L"D:\\x");
     EXPECT_EQ(join_path(L"D:\\a", L"x"), L"D:\\a\\x");
-}
-
-TEST(Path, SystemPathsHaveNoLengthLimit) {
     EXPECT_EQ(system_path(L"C:/a/../b."), L"\\\\?\\C:\\b");
     EXPECT_EQ(system_path(L"\\\\server\\share\\a"), L"\\\\?\\UNC\\server\\share\\a");
     for (const wchar_t* unchanged : {L"\\\\?\\C:\\a", L"\\\\.\\pipe\\a"}) EXPECT_EQ(system_path(unchanged), unchanged);
@@ -59,9 +52,8 @@ TEST(Owned, ClosesOnceAndKeepsTheLastError) {
     const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     {
         unique_handle first(event);
-        unique_handle second(std::move(first));
+        const unique_handle second(std::move(first));
         EXPECT_FALSE(first);
-        EXPECT_TRUE(second);
     }
     DWORD flags = 0;
     EXPECT_FALSE(GetHandleInformation(event, &flags));

@@ -33,19 +33,25 @@ void RefuseWith(Result result) {
 class CommonSettings : public testing::Test {
 protected:
     CommonSettings() {
+        CreateDirectoryW(platform::system_path(directory_).c_str(), nullptr);
         RefuseWith<CreateFileW_hook>(INVALID_HANDLE_VALUE);
         RefuseWith<GetFileAttributesW_hook>(INVALID_FILE_ATTRIBUTES);
     }
-
-    common_settings_t Load(const std::string& content) {
-        test_support::WriteFileText(folder_ / "tovak_common_config.xml", content);
-        log_.Clear();
-        return plugin::load_common_settings(folder_.path.wstring());
+    ~CommonSettings() override {
+        DeleteFileW(platform::system_path(file_).c_str());
+        RemoveDirectoryW(platform::system_path(directory_).c_str());
     }
 
-    std::string Path() const { return encoding::wide_to_utf8((folder_ / "tovak_common_config.xml").wstring()); }
+    common_settings_t Load(const std::string& content) {
+        test_support::WriteFileText(platform::system_path(file_), content);
+        log_.Clear();
+        return plugin::load_common_settings(directory_);
+    }
 
     const test_support::CTestFolder folder_;
+    const std::wstring directory_ = folder_ / std::wstring(250, L'x'),
+                       file_ = directory_ + L"\\tovak_common_config.xml";
+    const std::string shown_ = encoding::wide_to_utf8(file_);
     test_support::CRecordedLog log_;
 };
 
@@ -58,7 +64,7 @@ TEST_F(CommonSettings, ElementsComeBeforeAttributes) {
           "managerLockDir='C:\\\u00e4  l' logsDir='C:\\g'><minPluginManagerPort>7001</minPluginManagerPort>"
           "</PluginParameters>"}) {
         Load(std::string("<!DOCTYPE Config SYSTEM 'c'><Config>") + parameters + "</Config>");
-        EXPECT_EQ(log_.Text(), "Loading xml file [" + Path() +
+        EXPECT_EQ(log_.Text(), "Loading xml file [" + shown_ +
                                    "]\nXml file was successfully loaded\nPlugin manager port is [7001]\n"
                                    "Plugin to manager connection attempts count is [5]\n"
                                    "Manager lock directory is [C:\\\u00e4  l]\nLogs directory is [C:\\g]\n");
@@ -78,16 +84,6 @@ TEST_F(CommonSettings, NumbersFallBackToTheirDefaults) {
     }
 }
 
-TEST_F(CommonSettings, AreReadBelowALongPath) {
-    const std::wstring longer = (folder_ / std::wstring(250, L'x')).wstring();
-    const std::wstring file = platform::system_path(longer) + L"\\tovak_common_config.xml";
-    ASSERT_TRUE(CreateDirectoryW(platform::system_path(longer).c_str(), nullptr));
-    test_support::WriteFileText(file, "<Config><PluginParameters minPluginManagerPort='7001'/></Config>");
-    EXPECT_EQ(plugin::load_common_settings(longer).minPluginManagerPort, 7001);
-    EXPECT_TRUE(DeleteFileW(file.c_str()));
-    EXPECT_TRUE(RemoveDirectoryW(platform::system_path(longer).c_str()));
-}
-
 TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
     const std::string defaults =
         "Plugin manager port is [6791]\nPlugin to manager connection attempts count is [30]\n"
@@ -95,23 +91,20 @@ TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
     const std::string missing =
         "WARN|Unable to init plugin manager settings. Using default values. Cannot find plug-in manager configuration "
         "file\nWARN|Failed to read plug-in manager configuration file\n";
-    const std::string loading = "Loading xml file [" + Path() + "]\n", loaded = "Xml file was successfully loaded\n";
+    const std::string loading = "Loading xml file [" + shown_ + "]\n", loaded = "Xml file was successfully loaded\n";
     const std::string error = loading + "WARN|Error due parsing xml file, code: ";
     const std::string ignored = "\nWARN|Xml file wasn't loaded. Ignore it.\n";
-    const std::string unable = "WARN|Unable to load params from file [" + Path() + "]. ";
+    const std::string unable = "WARN|Unable to load params from file [" + shown_ + "]. ";
     const std::string no_node = loading + loaded + unable + "There is no node with the specified name: ";
     const std::string content = "<Config><PluginParameters/></Config>";
     std::string deep;
     while (deep.size() < 60000) deep += "<a>";
-    const struct {
-        DWORD refused;
-        std::string content, about_the_file;
-    } cases[] = {
+    const std::tuple<DWORD, std::string, std::string> cases[] = {
         {ERROR_FILE_NOT_FOUND, content, missing},
         {ERROR_PATH_NOT_FOUND, content, missing},
         {ERROR_ACCESS_DENIED, content,
          loading + unable + exc::get_error_text(ERROR_ACCESS_DENIED) +
-             "\nWARN|Failed to open configuration file from path: " + Path() + "\nWARN|--tr:Error code: 0x00000005\n"},
+             "\nWARN|Failed to open configuration file from path: " + shown_ + "\nWARN|--tr:Error code: 0x00000005\n"},
         {0, "<Config><PluginParameters minPluginManagerPort='7'>",
          error + "[5], description: [Error reading Element value.]" + ignored},
         {0, "", error + "[12], description: [Error document empty.]" + ignored},
@@ -121,10 +114,10 @@ TEST_F(CommonSettings, AnUnusableFileLeavesTheDefaults) {
         {0, content + std::string(64 * 1024 - content.size(), ' '), loading + loaded},
         {0, std::string(64 * 1024 + 1, ' '), loading + unable + "The file is larger than 64 KiB.\n"},
     };
-    for (const auto& c : cases) {
-        refusal = c.refused;
-        Load(c.content);
-        EXPECT_EQ(log_.Text(), c.about_the_file + defaults);
+    for (const auto& [refused, text, about_the_file] : cases) {
+        refusal = refused;
+        Load(text);
+        EXPECT_EQ(log_.Text(), about_the_file + defaults);
     }
 }
 

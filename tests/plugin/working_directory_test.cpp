@@ -47,9 +47,6 @@ TEST(WorkingDirectory, IsTheTargetLinkPathOfTheRegistryOrElseTheProgramsFolder) 
                        "\nCannot open registry key [SOFTWARE\\Tovak\\Tovak RMAN Plugin].\n"
                        "--tr:Error code: 0x00000002\n" +
                        by_module);
-    const DWORD number = 1;
-    registry.Set(plugin::plugin_registry_key, L"LinkTargetPath", REG_DWORD, &number, sizeof number);
-    expect(folder, no_text + by_module);
     registry.SetText(plugin::plugin_registry_key, L"LinkTargetPath", L"");
     expect(folder, no_text + by_module);
 

@@ -91,11 +91,10 @@ public:
 
     // How often the function was called since the library was loaded.
     int Calls(const std::string& function) const {
-        std::istringstream report(FileText(folder_ / "report.txt"));
-        for (std::string line; std::getline(report, line);) {
-            if (line.starts_with(function + "=")) return std::stoi(line.substr(function.size() + 1));
-        }
-        return 0;
+        const std::string report = FileText(folder_ / "report.txt");
+        std::smatch found;
+        const bool was_called = std::regex_search(report, found, std::regex("\n" + function + "=(\\d+)"));
+        return was_called ? std::stoi(found[1]) : 0;
     }
 
     // Everything that the library returned was freed, and nothing else was.
