@@ -17,10 +17,8 @@ namespace {
 // Records that make a line of 132 bytes each.
 texts_t records(int first, int last) {
     texts_t texts;
-    for (int number = first; number <= last; ++number) {
-        texts.push_back(std::to_string(number));
-        texts.back().resize(132 - 2 - 31, '.');
-    }
+    for (int number = first; number <= last; ++number)
+        texts.emplace_back(std::to_string(number)).resize(132 - 2 - 31, '.');
     return texts;
 }
 

@@ -10,6 +10,7 @@ HOOK(kernel32, GetFileInformationByHandleEx)
 HOOK(kernel32, GetSystemTimeAsFileTime)
 HOOK(kernel32, GetTickCount64)
 HOOK(kernel32, SetFileInformationByHandle)
+HOOK(kernel32, SystemTimeToTzSpecificLocalTime)
 HOOK(kernel32, WriteFile)
 
 namespace log_test {
@@ -55,7 +56,8 @@ class LogTest : public testing::Test {
 protected:
     ~LogTest() override {
         restore<GetKernelObjectSecurity_hook, CreateFileW_hook, GetFileInformationByHandleEx_hook,
-                GetSystemTimeAsFileTime_hook, GetTickCount64_hook, SetFileInformationByHandle_hook, WriteFile_hook>();
+                GetSystemTimeAsFileTime_hook, GetTickCount64_hook, SetFileInformationByHandle_hook,
+                SystemTimeToTzSpecificLocalTime_hook, WriteFile_hook>();
     }
 
     std::string refusal(const char* name, const char* reason) const {

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "tests/support/demo_host.h"
 
