@@ -41,13 +41,11 @@ ACCESS_VIOLATION, STACK_OVERFLOW, TERMINATE, ABORT = 0xC0000005, 0xC00000FD, 0xE
 Case = collections.namedtuple("Case", "way status function lines dump notice obstacle overrides",
                               defaults=(RECORDED, MINIDUMP, IN_FOLDER, "", ""))
 CASES = [
-    Case("stack_overflow", STACK_OVERFLOW, "recurse<64>"),
-    # Wine ends the thread without a report where Windows ends the process.
-    Case("stack_overflow_unreported", 1, None, [], NO_DUMP, NO_NOTICE),
+    Case("stack_overflow", STACK_OVERFLOW, "recurse"),
     Case("uncaught_int", TERMINATE, "uncaught_int"),
     Case("log_lock_held", ACCESS_VIOLATION, "write_through_null", []),
     Case("crash_while_exiting", ACCESS_VIOLATION, "write_through_null"),
-    Case("loader_lock_held", STACK_OVERFLOW, "recurse<64>"),
+    Case("loader_lock_held", STACK_OVERFLOW, "recurse"),
     Case("stack_overflow_recovered", 0, None, [], NO_DUMP, NO_NOTICE),
     Case("two_at_once", ACCESS_VIOLATION, "write_through_null"),
     Case("hanging_handler", ACCESS_VIOLATION, None, BEGIN[:2], NO_DUMP, NO_NOTICE),

@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <string>
 
@@ -21,7 +20,7 @@ HOOK(kernel32, WriteFile)
 class DumpFolder : public testing::Test {
 protected:
     void create(const std::wstring& name, int age_in_hours) const {
-        std::ofstream((folder / name).c_str()) << "x";
+        test_support::WriteFileText(folder / name, "x");
         const auto now = std::filesystem::file_time_type::clock::now();
         std::filesystem::last_write_time(folder / name, now - std::chrono::hours(age_in_hours));
     }

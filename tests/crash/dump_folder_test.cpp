@@ -23,7 +23,7 @@ TEST_F(DumpFolder, OthersHaveNoRights) {
     for (const bool existed : {false, true}) {
         if (existed) {
             open_to_everyone(dumps);
-            std::ofstream(planted.c_str()) << "x";
+            test_support::WriteFileText(planted, "x");
             open_to_everyone(planted);
         }
         const crash::dump_folder_t opened = crash::open_dump_folder(dumps.wstring());
@@ -49,11 +49,8 @@ TEST_F(DumpFolder, FolderThatIsSwappedBetweenLookAndUseIsRefused) {
 }
 
 TEST(TrustedOwner, IsTheSystemOrAnAdministrator) {
-    const std::pair<WELL_KNOWN_SID_TYPE, bool> owners[] = {{WinLocalSystemSid, true},
-                                                           {WinBuiltinAdministratorsSid, true},
-                                                           {WinWorldSid, false},
-                                                           {WinBuiltinUsersSid, false}};
-    for (const auto& [owner, is_trusted] : owners) {
+    for (const auto& [owner, is_trusted] :
+         {std::pair(WinLocalSystemSid, true), {WinBuiltinAdministratorsSid, true}, {WinBuiltinUsersSid, false}}) {
         unsigned char bytes[SECURITY_MAX_SID_SIZE];
         DWORD size = sizeof bytes;
         CreateWellKnownSid(owner, nullptr, bytes, &size);

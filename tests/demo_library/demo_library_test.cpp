@@ -72,15 +72,8 @@ TEST_F(DemoLibrary, ValidatesRepositoriesInBothModes) {
 }
 
 TEST_F(DemoLibrary, ReportsAWrongScenario) {
-    const std::pair<std::string, std::wstring> cases[] = {
-        {"<Function name='SetHots'/>", L"there is no function [SetHots] that could fail"},
-        {"<Function name='FreeString'/>", L"there is no function [FreeString] that could fail"},
-        {"<a>\xF0</a>", L"The text is not valid UTF-8: "}};
-    for (const auto& [elements, reason] : cases) {
-        host.Scenario(elements);
-        EXPECT_THAT(Answer([&] { wizard.Cancel(); }),
-                    testing::StartsWith(L"The file " + folder.wstring() + L"\\scenario.xml cannot be used: " + reason));
-    }
+    host.Scenario("<Function name='SetHots'/>");
+    EXPECT_THAT(Answer([&] { wizard.Cancel(); }), HasSubstr(L"there is no function [SetHots] that could fail"));
     SetEnvironmentVariableW(L"ORMACON_DEMO_SCENARIO", test_support::BesideProgram(L"scenario.sample.xml").c_str());
     EXPECT_EQ(Answer([&] { wizard.Commit(); }), L"The backup server does not answer.");
 }
@@ -126,8 +119,6 @@ TEST_F(DemoLibrary, ExportsTheValuesOfTheWizard) {
                          "' FORMAT '%d_%U';\r\n"
                          "CONFIGURE DATAFILE BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO 2;\r\n"
                          "CONFIGURE ARCHIVELOG BACKUP COPIES FOR DEVICE TYPE 'SBT_TAPE' TO 2;\r\n"));
-    EXPECT_THAT(Answer([&] { wizard.ExportTovakConfig(script + L"\\b.xml"); }),
-                testing::AllOf(testing::StartsWith(L"Cannot write the file "), EndsWith(L" (error 3)")));
 }
 
 TEST_F(DemoLibrary, KeepsThePasswordAndItsOwnFilesUntilUninstall) {
@@ -177,17 +168,6 @@ TEST_F(DemoLibrary, KeepsADamagedStateFileAndAnUnreadablePassword) {
         direct.GetConfig(stored);
         EXPECT_EQ(stored.password + std::to_wstring(stored.port), L"new2");
     }
-}
-
-TEST_F(DemoLibrary, WaitsForALockOnlyForAWhile) {
-    direct.SetPort(1);
-    const std::wstring path = state.wstring() + L".lock";
-    const HANDLE lock = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(lock, INVALID_HANDLE_VALUE);
-    EXPECT_THAT(Answer([&] { direct.SetPort(2); }),
-                HasSubstr(L"Another program has kept the file " + path + L" locked for five seconds: "));
-    CloseHandle(lock);
-    EXPECT_EQ(Answer([&] { direct.SetPort(3); }), L"ok");
 }
 
 // Changes a value again and again, and reads each change back.

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "common/exc/format_message.h"
 #include "common/exc/raise.h"
 #include "tests/support/hook.h"
 
@@ -25,6 +26,17 @@ runtime_exc_t Sample() {
 TEST(Exceptions, ComposeBothMessages) {
     EXPECT_STREQ(Sample().what(), "A\nB\n--tr:Error code: 0x00000002");
     EXPECT_EQ(Sample().plain_message(), "A\nB\nError code: 0x00000002");
+}
+
+TEST(FormatMessage, ReadsNumbersAsStrtoulDoesAndFailsOnNothing) {
+    for (const auto& [format, text] : {std::pair("%1%2%3%0", "a%1b%3%0"),
+                                       {"%", "%"},
+                                       {"100% +2%-%x", "100b%-%x"},
+                                       {"% \t-4294967295%10", "a%1%10"},
+                                       {"%4294967297%-1", "%4294967295%4294967295"}})
+        EXPECT_EQ(format_message(format, {"a%1", "b"}), text);
+    EXPECT_EQ(format_message("%1%2", "a"), "a%2");
+    EXPECT_EQ(format_message("%2%1%3", std::vector<std::string>{"a", "b"}), "ba%3");
 }
 
 TEST(Exceptions, EveryCodeHasAText) {

@@ -2,14 +2,12 @@
 #include <algorithm>
 #include <random>
 
-#include "common/encoding/convert.h"
 #include "common/exc/raise.h"
 #include "common/logging/component.h"
 #include "tests/fuzz/fuzz_units.h"
 
 std::uint32_t exc::current_thread_id() noexcept { return 9; }
 void logging::component_t::log(const record_t&) const noexcept {}
-std::string encoding::wide_to_utf8(const std::wstring& source) { return std::string(source.begin(), source.end()); }
 
 static const fuzz::unit_t& unit() {
     return *std::ranges::find(fuzz::units, std::string(FUZZ_UNIT), &fuzz::unit_t::name);

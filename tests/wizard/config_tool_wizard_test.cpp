@@ -177,6 +177,7 @@ TEST_F(WizardRun, WhatIsWrongWithAnAnswerIsShown) {
         {4, L"1\t2", L"Cannot convert value [1\t2] from string"},
         {4, L"3 99 +3", L"Same Tovak repository was specified more than once (3)"},
         {4, L"1  +06", L"Incorrect repository value: +06"},
+        {4, L"0", L"Incorrect repository value: 0"},
         {4, L"1 1", L"Same Tovak repository was specified more than once (1)", "<Server edition='1'/>"},
         {4, L"1 99", L"Unable to use more than one repository due to a limitation of Oracle Standard Edition (SE)",
          "<Server edition='1'/>"},
