@@ -44,7 +44,7 @@ TEST_F(Recorder, WrongCallsHaveTheirExitCodes) {
     const std::pair<std::string, const char*> calls[] = {
         {"%1 %2 %3 0 0 \"%4\" b", bad_count},
         {"%1 %2 %3 0 0 \"%4\" b 10 more", bad_count},
-        {"%1x %2 %3 0 0 \"%4\" b 10", bad_arguments},
+        {"%1 %2 %3x 0 0 \"%4\" b 10", bad_arguments},
         {"%1 4 %3 0 0 \"%4\" b 10", bad_arguments},
         {"%1 %2 %3 18446744073709551616 0 \"%4\" b 10", bad_arguments},
         {"%1 %2 %3 0 4294967296 \"%4\" b 10", bad_arguments},
