@@ -131,7 +131,7 @@ Status GetSummary(LibraryText* text, LibraryError* error) {
 }
 
 Status GetScopeEdition(std::int32_t* edition, LibraryError* error) {
-    return answer(__func__, error, [&](auto& server) {
+    return answer(__func__, error, [&](const auto& server) {
         require_out({edition});
         *edition = server.edition;
     });

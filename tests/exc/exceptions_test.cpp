@@ -1,3 +1,4 @@
+#include <cwchar>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -44,7 +45,8 @@ TEST(Exceptions, EveryCodeHasAText) {
     FormatMessageW_hook::replacement = [&](DWORD flags, auto, auto, DWORD language, wchar_t* buffer, auto...) {
         request = {flags, language};
         *reinterpret_cast<wchar_t**>(buffer) = static_cast<wchar_t*>(LocalAlloc(LPTR, 64));
-        return lstrlenW(lstrcpyW(*reinterpret_cast<wchar_t**>(buffer), L"Denied:\r\n\u00e4.\r\n"));
+        return static_cast<DWORD>(
+            std::wcslen(std::wcscpy(*reinterpret_cast<wchar_t**>(buffer), L"Denied:\r\n\u00e4.\r\n")));
     };
     EXPECT_EQ(get_error_text(ERROR_ACCESS_DENIED), "Denied:\r\n\u00e4.");
     FormatMessageW_hook::replacement = nullptr;

@@ -128,7 +128,7 @@ TEST_F(WizardRun, TheRestartQuestionTakesEverythingButNoForYes) {
         EXPECT_THAT(log.Text(), HasSubstr("WARN|Failed to execute wizard \nWARN|Cannot convert value [x] from string\n"
                                           "Prompting user to re-run wizard\nPrint to console"));
         EXPECT_THAT(log.Text(), HasSubstr("Received value [" + answer + "]\n" +
-                                          (answer[0] == 'm' || answer.empty() ? "No value, assuming YES\n" : "") +
+                                          (answer.empty() || answer[0] == 'm' ? "No value, assuming YES\n" : "") +
                                           "New iteration of wizard\nCalling InitializeWizard function\n"));
     }
 }
