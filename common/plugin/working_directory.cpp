@@ -18,7 +18,7 @@ namespace {
 using exc::format_message;
 
 std::optional<std::wstring> find_target_link_path() try {
-    const auto path = platform::read_registry_value(plugin_registry_key, link_target_path_value).text();
+    auto path = platform::read_registry_value(plugin_registry_key, link_target_path_value).text();
     if (!path || path->empty()) exc::raise("The registry value is not a text or is empty.");
     plugin_common.info(format_message("Target link path: %1", encoding::wide_to_utf8(*path)));
     return path;
@@ -36,7 +36,8 @@ HMODULE module_of_this_code() {
 
 std::wstring module_directory() {
     const HMODULE module = module_of_this_code();
-    const std::wstring path = platform::module_path(module), folder = platform::parent_of(path);
+    const std::wstring path = platform::module_path(module);
+    std::wstring folder = platform::parent_of(path);
     const std::string shown = encoding::wide_to_utf8(path);
     plugin_common.info(format_message(module == GetModuleHandleW(nullptr)
                                           ? "Getting current directory by module path [%1]"
