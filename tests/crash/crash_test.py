@@ -147,7 +147,8 @@ class CrashHandling(unittest.TestCase):
             crashes = list(programs.map(lambda _: Crash(case, folder), range(4)))
         self.assertEqual([TERMINATE] * 4, [crash.status for crash in crashes])
         dumps = set(crashes[0].dumps.iterdir())
-        self.assertEqual([".mdmp"] * 4, [dump.suffix for dump in dumps])
+        evidence = [run.notice for run in crashes] + [log.read_text() for log in (folder / "logs").glob("*.log")]
+        self.assertEqual([".mdmp"] * 4, [dump.suffix for dump in dumps], evidence)
         self.assertFalse((folder / "TovakDumpRecorder").exists(), "the recorder's file was left behind")
         oldest = min(dumps, key=lambda dump: dump.stat().st_mtime_ns)
         for number in range(6):
