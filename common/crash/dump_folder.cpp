@@ -50,10 +50,7 @@ bool delete_dump(const logging::component_t& component, const std::wstring& path
 
 dump_folder_t open_dump_folder(const std::wstring& folder) {
     const std::wstring path = platform::system_path(folder);
-    const std::wstring parent = platform::parent_of(folder);
-    platform::require_trusted_folder(parent);
-    platform::create_directories(parent);
-    dump_folder_t opened{platform::require_trusted_folder(parent), {}};
+    dump_folder_t opened{platform::create_trusted_folder(platform::parent_of(folder)), {}};
     if (!platform::create_private_folder(path) && GetLastError() != ERROR_ALREADY_EXISTS) {
         exc::raise_path_error(GetLastError(), "Cannot create directory [%1].", folder);
     }

@@ -13,6 +13,7 @@
 #include "common/platform/path.h"
 
 namespace crash::win32 {
+
 void minidump_gen_t::generate(const cause_t& cause, const std::wstring& path) {
     const platform::unique_module library = load_debug_help();
     if (!library) exc::raise_win_error(GetLastError(), "Cannot load dbghelp.dll library.");

@@ -65,8 +65,7 @@ void attach_echo(const component_t& component) try {
 void attach(const component_t& component, const log_options_t& options) {
     const std::string header = header_block();
     const std::wstring folder = platform::parent_of(options.path);
-    if (!platform::require_trusted_folder(folder))
-        platform::create_directories(folder);  // nothing is created through a link
+    platform::create_trusted_folder(folder);
     const auto file = boost::make_shared<log_file_set_t>(log_file_set_t::numbered(options.path), options.limits);
     process_logger().attach(file);
     boost::atomic_store(&attached().file, file);

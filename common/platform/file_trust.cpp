@@ -137,6 +137,13 @@ unique_file require_trusted_folder(const std::wstring& path) {
     return held;
 }
 
+unique_file create_trusted_folder(const std::wstring& path) {
+    unique_file held = require_trusted_folder(path);
+    if (held) return held;
+    create_directories(path);
+    return require_trusted_folder(path);
+}
+
 std::vector<std::wstring> foreign_folders(const std::wstring& base, const std::wstring& folder) {
     std::vector<std::wstring> found;
     std::wstring at = folder;

@@ -34,6 +34,10 @@ std::string obstacle_at(const std::wstring& path);
 // without a trusted owner, or to which the way was changed meanwhile.
 unique_file require_trusted_folder(const std::wstring& path);
 
+// The same for a folder that is created, with those above it, if it does not exist. Nothing is created through a link
+// that is refused. Also throws what create_directories() throws.
+unique_file create_trusted_folder(const std::wstring& path);
+
 // Returns the folder and those above it, up to the base and without it, that have no trusted owner. Returns none if the
 // folder is not below the base.
 std::vector<std::wstring> foreign_folders(const std::wstring& base, const std::wstring& folder);
