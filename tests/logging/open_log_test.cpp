@@ -36,6 +36,7 @@ struct static_object_t {
 class OpenLog : public LogTest {
 protected:
     void run_child(const std::wstring& arguments) const {
+        SetEnvironmentVariableW(L"TEST_PREMATURE_EXIT_FILE", nullptr);  // this program's, which its end deletes
         const std::wstring command = L"cd /d \"" + folder.path.wstring() + L"\" && \"" + platform::program_path() +
                                      L"\" --gtest_also_run_disabled_tests --gtest_filter=child.DISABLED_" + arguments;
         EXPECT_EQ(_wsystem(command.c_str()), 0);

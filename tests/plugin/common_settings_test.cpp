@@ -4,7 +4,6 @@
 
 #include "common/encoding/convert.h"
 #include "common/exc/raise.h"
-#include "common/platform/path.h"
 #include "tests/support/demo_host.h"
 #include "tests/support/hook.h"
 #include "tests/support/recording_sink.h"
@@ -18,40 +17,36 @@ using plugin::common_settings_t;
 
 DWORD refusal = ERROR_SUCCESS;  // with which the system refuses the settings file
 
-// Windows refuses a long path in its ordinary form, unless the machine allows it. Wine never does.
+// Windows refuses a long path in its ordinary form, unless the machine allows it. Wine never does. The file has
+// a short path: a test that is killed must leave none that the next run cannot delete.
 template <class Hook, class Result>
-void RefuseWith(Result result) {
+void Replace(const std::filesystem::path& file, Result failure) {
     Hook::replacement = [=](const std::wstring& path, auto... rest) {
-        const bool is_long = path.size() >= MAX_PATH && !path.starts_with(L"\\\\?\\");
-        const DWORD code = is_long ? ERROR_PATH_NOT_FOUND : path.ends_with(L"tovak_common_config.xml") ? refusal : 0;
-        if (code == ERROR_SUCCESS) return Hook::System(path.c_str(), rest...);
+        if (!path.ends_with(L"\\tovak_common_config.xml")) return Hook::System(path.c_str(), rest...);
+        const DWORD code = path.starts_with(L"\\\\?\\") ? refusal : ERROR_PATH_NOT_FOUND;
+        if (code == ERROR_SUCCESS) return Hook::System(file.c_str(), rest...);
         SetLastError(code);
-        return result;
+        return failure;
     };
 }
 
 class CommonSettings : public testing::Test {
 protected:
     CommonSettings() {
-        CreateDirectoryW(platform::system_path(directory_).c_str(), nullptr);
-        RefuseWith<CreateFileW_hook>(INVALID_HANDLE_VALUE);
-        RefuseWith<GetFileAttributesW_hook>(INVALID_FILE_ATTRIBUTES);
-    }
-    ~CommonSettings() override {
-        DeleteFileW(platform::system_path(file_).c_str());
-        RemoveDirectoryW(platform::system_path(directory_).c_str());
+        Replace<CreateFileW_hook>(file_, INVALID_HANDLE_VALUE);
+        Replace<GetFileAttributesW_hook>(file_, INVALID_FILE_ATTRIBUTES);
     }
 
     common_settings_t Load(const std::string& content) {
-        test_support::WriteFileText(platform::system_path(file_), content);
+        test_support::WriteFileText(file_, content);
         log_.Clear();
         return plugin::load_common_settings(directory_);
     }
 
     const test_support::CTestFolder folder_;
-    const std::wstring directory_ = folder_ / std::wstring(250, L'x'),
-                       file_ = directory_ + L"\\tovak_common_config.xml";
-    const std::string shown_ = encoding::wide_to_utf8(file_);
+    const std::filesystem::path file_ = folder_ / "settings.xml";
+    const std::wstring directory_ = folder_ / std::wstring(250, L'x');
+    const std::string shown_ = encoding::wide_to_utf8(directory_ + L"\\tovak_common_config.xml");
     test_support::CRecordedLog log_;
 };
 
