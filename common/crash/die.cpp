@@ -30,7 +30,8 @@ cause_t cause;
     end_process();
 }
 
-DWORD WINAPI run_spare_thread(void*) {
+DWORD WINAPI run_spare_thread(void* running) {
+    SetEvent(running);
     WaitForSingleObject(spare_thread_needed, INFINITE);
     handle_here();
 }
@@ -45,8 +46,7 @@ bool wake_spare_thread() noexcept {
 
 void prepare_spare_thread() noexcept {
     spare_thread_needed = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    if (spare_thread_needed != nullptr)
-        spare_thread = CreateThread(nullptr, spare_stack, &run_spare_thread, nullptr, 0, nullptr);
+    if (spare_thread_needed != nullptr) spare_thread = start_lasting_thread(&run_spare_thread, spare_stack);
 }
 
 bool is_handling_crash() noexcept { return handling_thread == GetCurrentThreadId(); }

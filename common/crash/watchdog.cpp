@@ -4,12 +4,14 @@
 #include <atomic>
 
 #include "common/platform/module.h"
+#include "common/platform/owned.h"
 
 namespace crash {
 namespace {
 
 constexpr DWORD handling_timeout = 60'000;  // milliseconds
 constexpr SIZE_T stack_size = 16'384;
+constexpr DWORD start_timeout = 1000;  // milliseconds
 
 // Never closed: a crash may come at any time until the process is gone.
 HANDLE started = nullptr;
@@ -39,7 +41,8 @@ void end_with_main_thread() {
 }
 
 // Only calls that need no lock of the process: a thread that hangs may have any of them.
-DWORD WINAPI watch(void*) {
+DWORD WINAPI watch(void* running) {
+    SetEvent(running);
     const HANDLE events[] = {started, main_thread};
     if (WaitForMultipleObjects(2, events, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) end_with_main_thread();
     for (; GetTickCount64() < end; Sleep(500)) {
@@ -51,13 +54,22 @@ DWORD WINAPI watch(void*) {
 
 }  // namespace
 
+HANDLE start_lasting_thread(LPTHREAD_START_ROUTINE function, SIZE_T stack_size) noexcept {
+    // Never closed: a thread that comes too late sets it, too.
+    const HANDLE running = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE thread = CreateThread(nullptr, stack_size, function, running, 0, nullptr);
+    if (thread != nullptr) WaitForSingleObject(running, start_timeout);
+    return thread;
+}
+
 void prepare_watchdog() noexcept {
     started = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     resume_process =
         platform::find_function<decltype(resume_process)>(GetModuleHandleW(L"ntdll.dll"), "NtResumeProcess");
     main_thread = OpenThread(SYNCHRONIZE | THREAD_QUERY_LIMITED_INFORMATION, FALSE, GetCurrentThreadId());
     if (started == nullptr || main_thread == nullptr) return;
-    if (const HANDLE thread = CreateThread(nullptr, stack_size, &watch, nullptr, 0, &thread_id)) CloseHandle(thread);
+    const platform::unique_handle thread(start_lasting_thread(&watch, stack_size));
+    thread_id = GetThreadId(thread.get());
 }
 
 void start_watchdog(std::uint32_t exit_status) noexcept {

@@ -7,6 +7,11 @@
 
 namespace crash {
 
+// Starts a thread on which the handling of a crash relies, and waits until it runs, at most a second: a thread that is
+// still starting needs the loader's lock, which the thread that crashes may have. The function gets an event, which it
+// sets at once. Returns the thread, which the caller may close, or null.
+HANDLE start_lasting_thread(LPTHREAD_START_ROUTINE function, SIZE_T stack_size) noexcept;
+
 // Creates the watching thread; call it on the main thread. If it cannot be created, nothing ends a process that hangs.
 //
 // Only for Wine, it also ends the process after the main thread, with that thread's exit code, or 1 if that is 0: Wine

@@ -27,6 +27,7 @@
 using test_support::test_log;
 
 // What the handling calls.
+HOOK(kernel32, CreateThread)
 HOOK(kernel32, FindFirstFileW)
 HOOK(kernel32, GetStdHandle)
 HOOK(kernel32, GetTickCount64)
@@ -262,6 +263,12 @@ int main(int argc, char** argv) {
         return __gcov_dump(), TerminateProcess_hook::System(args...);
     };
 #endif
+    // The program's threads begin late, as on a busy machine, and need the loader's lock to do so.
+    CreateThread_hook::replacement = [](auto security, auto size, auto* run, auto* with, DWORD flags, auto* id) {
+        const HANDLE thread = CreateThread_hook::System(security, size, run, with, flags | CREATE_SUSPENDED, id);
+        std::thread([thread] { Sleep(50), ResumeThread(thread); }).detach();
+        return thread;
+    };
     test_support::CTestRegistry registry;
     registry.SetText(L"SOFTWARE\\Tovak\\Tovak Central", L"LogDirectory", encoding::utf8_to_wide(argv[2]));
     crash::install(test_log, L"logs", L"Ormacon_crash");
