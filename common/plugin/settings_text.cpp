@@ -53,9 +53,10 @@ std::string value_of(const TiXmlElement& parameters, const char* name) {
 }
 
 std::int32_t number_of(const TiXmlElement& parameters, const char* name, std::int32_t fallback) {
-    int number = 0;
+    int number = fallback;
     // NOLINTNEXTLINE(cert-err34-c): numbers have always been read like this, even with something after them
-    return std::sscanf(value_of(parameters, name).c_str(), "%d", &number) == 1 ? number : fallback;
+    std::sscanf(value_of(parameters, name).c_str(), "%d", &number);
+    return number;
 }
 
 common_settings_t settings_of(const TiXmlElement& parameters) {

@@ -1,7 +1,6 @@
 #include <iostream>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "app/run.h"
 #include "common/exc/raise.h"

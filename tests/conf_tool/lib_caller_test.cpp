@@ -2,7 +2,6 @@
 #include <cstring>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "common/exc/exceptions.h"
 #include "common/platform/owned.h"

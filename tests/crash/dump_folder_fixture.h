@@ -15,6 +15,7 @@
 HOOK(kernel32, CreateFileW)
 HOOK(kernel32, DuplicateHandle)
 HOOK(kernel32, LoadLibraryExW)
+HOOK(kernel32, SetFileInformationByHandle)
 HOOK(kernel32, WriteFile)
 
 class DumpFolder : public testing::Test {

@@ -126,7 +126,12 @@ TEST_F(Generators, UnfilteredMinidumpGoesWhenItIsClosed) {
     platform::unique_file file(crash::create_minidump((folder / "a.mdmp").c_str()));
     ASSERT_TRUE(file);
     EXPECT_FALSE(crash::write_minidump(&write_secret, file.get(), {nullptr, 0, nullptr, 7}));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_DATA));
     file.reset();
+    EXPECT_THAT(names(), testing::IsEmpty());
+    SetFileInformationByHandle_hook::Fail(ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(crash::create_minidump((folder / "a.mdmp").c_str()), INVALID_HANDLE_VALUE);
+    SetFileInformationByHandle_hook::replacement = nullptr;
     EXPECT_THAT(names(), testing::IsEmpty());
 }
 
@@ -138,6 +143,21 @@ TEST_F(Generators, RegistersAreFilteredAndACutOffDumpIsRefused) {
     EXPECT_FALSE(filter(std::string(dump.size(), 'x')));
     // Wherever it is cut, nothing behind the end is read; without its last piece it may still be complete enough.
     for (std::size_t size = 0; size < dump.size(); size += dump.size() / 97 + 1) filter(dump.substr(0, size));
+}
+
+TEST_F(Generators, PartsOfWordsAtTheEndsOfAStackAreCleared) {
+    struct dump_t {
+        MINIDUMP_HEADER header{0x504d444d, 0, 2, sizeof header, 0, {}, 0};
+        MINIDUMP_DIRECTORY streams[2]{{ModuleListStream, {0, offsetof(dump_t, module_count)}},
+                                      {ThreadListStream, {0, offsetof(dump_t, thread_count)}}};
+        ULONG32 module_count = 1;
+        MINIDUMP_MODULE module{};
+        ULONG32 thread_count = 1;
+        MINIDUMP_THREAD thread{0, 0, 0, 0, 0, {0x1003, {23, offsetof(dump_t, stack)}}, {}};
+        char stack[24] = "5 + 8 + 8 + 2 bytes of ";
+    } dump;
+    ASSERT_TRUE(filter({reinterpret_cast<const char*>(&dump), sizeof dump}));
+    EXPECT_EQ(test_support::FileText(folder / "cut").substr(offsetof(dump_t, stack)), std::string(24, '\0'));
 }
 
 TEST_F(Generators, OtherLibrariesOfTheSameNameAreNotTaken) {

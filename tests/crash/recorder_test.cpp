@@ -11,7 +11,6 @@
 
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::UnorderedElementsAre;
 
@@ -149,13 +148,13 @@ TEST_F(Recorder, OldDumpsGoWhetherTheProgramOrTheRecorderDeletesThem) {
         EXPECT_THAT(names(),
                     UnorderedElementsAre(L"a_crash_1.mdmp", L"a_crash_B.mdmp", L"a_crash_4.mdmp.txt", L"a.mdmp"));
         if (!by_recorder) {
-            EXPECT_THAT(log.lines(),
-                        ElementsAre("WARN|" + exc::get_error_text(ERROR_SHARING_VIOLATION),
-                                    "WARN|Old dump cannot be removed. Dump path: [" + path_of("a_crash_1.mdmp") + "].",
-                                    "WARN|--tr:Error code: 0x00000020",
-                                    "Dump [" + path_of("A_CRASH_2-EXCEPTIONS.LOG") + "] deleted.",
-                                    "Dump [" + path_of("a_crash_3.MDMP") + "] deleted.",
-                                    "Dump [" + path_of("a_crash_a.mdmp") + "] deleted."));
+            EXPECT_THAT(log.lines(), testing::ElementsAre("WARN|" + exc::get_error_text(ERROR_SHARING_VIOLATION),
+                                                          "WARN|Old dump cannot be removed. Dump path: [" +
+                                                              path_of("a_crash_1.mdmp") + "].",
+                                                          "WARN|--tr:Error code: 0x00000020",
+                                                          "Dump [" + path_of("A_CRASH_2-EXCEPTIONS.LOG") + "] deleted.",
+                                                          "Dump [" + path_of("a_crash_3.MDMP") + "] deleted.",
+                                                          "Dump [" + path_of("a_crash_a.mdmp") + "] deleted."));
         }
         EXPECT_EQ(clean_up(by_recorder, 1), by_recorder ? "104: cannot delete old dumps"
                                                         : "Cannot cleanup out of date dumps. There are [1] dumps "

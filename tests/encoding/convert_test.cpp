@@ -1,7 +1,6 @@
 #include "common/encoding/convert.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "common/exc/raise.h"
 #include "tests/support/hook.h"

@@ -9,6 +9,7 @@ HOOK(kernel32, CreateFileW)
 HOOK(kernel32, GetFileInformationByHandleEx)
 HOOK(kernel32, GetSystemTimeAsFileTime)
 HOOK(kernel32, GetTickCount64)
+HOOK(kernel32, MapViewOfFile)
 HOOK(kernel32, SetFileInformationByHandle)
 HOOK(kernel32, SystemTimeToTzSpecificLocalTime)
 HOOK(kernel32, WriteFile)
@@ -56,7 +57,7 @@ class LogTest : public testing::Test {
 protected:
     ~LogTest() override {
         restore<GetKernelObjectSecurity_hook, CreateFileW_hook, GetFileInformationByHandleEx_hook,
-                GetSystemTimeAsFileTime_hook, GetTickCount64_hook, SetFileInformationByHandle_hook,
+                GetSystemTimeAsFileTime_hook, GetTickCount64_hook, MapViewOfFile_hook, SetFileInformationByHandle_hook,
                 SystemTimeToTzSpecificLocalTime_hook, WriteFile_hook>();
     }
 

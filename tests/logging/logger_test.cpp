@@ -172,5 +172,8 @@ TEST_F(DebuggerOutput, GoesToATrustedMonitorThatTakesIt) {
     EXPECT_EQ(taken("the monitor is another account's"), "");
     foreign = false;
     EXPECT_EQ(taken(std::string(5000, 'b')), "[time] <34> Info     " + std::string(4091 - 21, 'b'));
+    SetEvent(ready.get());
+    MapViewOfFile_hook::Fail(ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ(taken("no address space is left"), "");
     UnmapViewOfFile(view);
 }

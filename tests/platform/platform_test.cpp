@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "common/exc/raise.h"
 #include "common/platform/owned.h"

@@ -1,6 +1,5 @@
 #include <boost/make_shared.hpp>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "tests/support/demo_host.h"
 #include "tests/support/recording_sink.h"
