@@ -10,7 +10,7 @@ namespace crash {
 namespace {
 
 constexpr DWORD handling_timeout = 60'000;  // milliseconds
-constexpr SIZE_T stack_size = 16'384;
+constexpr SIZE_T watch_stack = 16'384;
 constexpr DWORD start_timeout = 1000;  // milliseconds
 
 // Never closed: a crash may come at any time until the process is gone.
@@ -68,7 +68,7 @@ void prepare_watchdog() noexcept {
         platform::find_function<decltype(resume_process)>(GetModuleHandleW(L"ntdll.dll"), "NtResumeProcess");
     main_thread = OpenThread(SYNCHRONIZE | THREAD_QUERY_LIMITED_INFORMATION, FALSE, GetCurrentThreadId());
     if (started == nullptr || main_thread == nullptr) return;
-    const platform::unique_handle thread(start_lasting_thread(&watch, stack_size));
+    const platform::unique_handle thread(start_lasting_thread(&watch, watch_stack));
     thread_id = GetThreadId(thread.get());
 }
 
