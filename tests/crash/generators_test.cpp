@@ -154,10 +154,11 @@ TEST_F(Generators, PartsOfWordsAtTheEndsOfAStackAreCleared) {
         MINIDUMP_MODULE module{};
         ULONG32 thread_count = 1;
         MINIDUMP_THREAD thread{0, 0, 0, 0, 0, {0x1003, {23, offsetof(dump_t, stack)}}, {}};
-        char stack[24] = "5 + 8 + 8 + 2 bytes of ";
+        char stack[32] = "5 + 8 + 8 + 2 bytes are cleared";
     } dump;
     ASSERT_TRUE(filter({reinterpret_cast<const char*>(&dump), sizeof dump}));
-    EXPECT_EQ(test_support::FileText(folder / "cut").substr(offsetof(dump_t, stack)), std::string(24, '\0'));
+    EXPECT_EQ(test_support::FileText(folder / "cut").substr(offsetof(dump_t, stack), 31),
+              std::string(23, '\0') + " cleared");
 }
 
 TEST_F(Generators, OtherLibrariesOfTheSameNameAreNotTaken) {
