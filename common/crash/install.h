@@ -16,6 +16,7 @@ namespace crash {
 // guard); std::terminate, abort and invalid parameters in the runtime of a library built with another compiler.
 //
 // Call it on the main thread, which lives as long as the process, before anything else runs; later calls do nothing.
+// Waits until its two threads run, at most two seconds.
 // Never throws: if the system refuses a part of this, the crash handling works without that part.
 void install(const logging::component_t& component, const std::wstring& log_folder, const wchar_t* base_name) noexcept;
 
