@@ -78,7 +78,7 @@ unprepared() {
 broken() {
     local folder status=0
     folder=$(unpack broken)
-    rm "$folder/tests/ormacon-checked.cmd" "$folder/tests/conf_tool_test.exe"
+    rm "$folder/tests/ormacon-checked.cmd" "$folder/tests/conf_tool_test/conf_tool_test.exe"
     echo "no program" >"$folder/tests/common_test.exe"
     run "$folder" || status=$?
     [ "$status" = 1 ] && [ "$(grep '^FAILED' "$folder/report.txt" | cut -d' ' -f3 | xargs)" = 'checked_test, common_test, conf_tool_test,' ]
