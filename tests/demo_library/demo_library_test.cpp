@@ -108,6 +108,7 @@ TEST_F(DemoLibrary, ExportsTheValuesOfTheWizard) {
     const std::wstring settings = folder.wstring() + L"/settings.xml", script = folder.wstring() + L"/rman.txt";
     wizard.ExportTovakConfig(settings);
     EXPECT_THAT(FileText(settings), HasSubstr(R"(<Server host="backup01" port="10006")"));
+    EXPECT_THAT(FileText(settings), HasSubstr(R"(<Repository id="REP-0003" name="Encrypted Vault")"));
     EXPECT_THAT(FileText(settings), HasSubstr(R"(name="Encrypted Vault" capacity="10995116277760" freeSpace="852)"));
     wizard.ExportRMANConfig(script);
     const std::string plugin = test_support::BesideProgram(L"TovakRmanPlugin.dll").string();

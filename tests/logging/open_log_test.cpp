@@ -65,6 +65,7 @@ TEST_F(OpenLog, HeaderEchoAndCopyUntilTheVeryEnd) {
                        "Module version: ", "Comments: ", "Process Id: " + process.str(1),
                        "OS version: " + platform::os_version_text(), separator, "ERR |  a failure", process.str(),
                        "WARN|static object ends", "printed at the end", "Clearing collection of cout multiplexors."}));
+    EXPECT_THAT(output, testing::HasSubstr("Info     " + separator + "\r\nInfo     Path to the"));
     EXPECT_THAT(output, testing::HasSubstr("Info     " + separator + "\r\nError      a failure\r\nprinted"));
     EXPECT_THAT(output, testing::HasSubstr("Warning  static object ends\r\n"));
 }

@@ -17,8 +17,8 @@ using plugin::common_settings_t;
 
 DWORD refusal = ERROR_SUCCESS;  // with which the system refuses the settings file
 
-// Windows refuses a long path in its ordinary form, unless the machine allows it. Wine never does. The file has
-// a short path: a test that is killed must leave none that the next run cannot delete.
+// As Windows where long paths are not enabled: it takes them in the form of system_path() only. The file itself has a
+// short path, since a test that is killed must leave none that the next run cannot delete.
 template <class Hook, class Result>
 void Replace(const std::filesystem::path& file, Result failure) {
     Hook::replacement = [=](const std::wstring& path, auto... rest) {
